@@ -1,0 +1,24 @@
+# Warnings, sanitizers and the little that every target of this project shares.
+
+add_library(vantrel_options INTERFACE)
+target_compile_features(vantrel_options INTERFACE cxx_std_20)
+target_compile_options(vantrel_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+    # Log lines name the source file: as it stands in this repository, not on the machine that built it.
+    "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/="
+)
+# `slots` and `signals` as macros collide with the interpreter's headers.
+target_compile_definitions(vantrel_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII)
+
+if(VANTREL_SANITIZE)
+    add_compile_options("-fsanitize=${VANTREL_SANITIZE}" -fno-omit-frame-pointer -fno-sanitize-recover=all)
+    add_link_options("-fsanitize=${VANTREL_SANITIZE}")
+else()
+    add_link_options(-Wl,--no-undefined)
+endif()
+
+# An optional help for whoever builds often.
+find_program(VANTREL_CCACHE ccache)
+if(VANTREL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${VANTREL_CCACHE}")
+endif()

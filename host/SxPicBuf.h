@@ -1,0 +1,72 @@
+#pragma once
+
+#include "HostGlobal.h"
+
+#include <cstddef>
+#include <cstdint>
+
+/// How one channel value is stored.
+enum class ExImageDataType : std::uint32_t {
+    None = 0,
+    Int8 = 1,
+    UInt8 = 2,
+    Int16 = 3,
+    UInt16 = 4,
+    Int32 = 5,
+    UInt32 = 6,
+    Int64 = 7,
+    UInt64 = 8,
+    Float = 9,
+    Double = 10,
+    Packed565 = 11, ///< a whole colour pixel (5 bits red, 6 green, 5 blue) in 16 bits; such a buffer has one channel
+};
+
+/// How the values of a pixel lie in memory.
+enum class ExDataStorageFormat : std::uint32_t {
+    None = 0,
+    Interleaved = 1, ///< all channels of a pixel side by side; the format of every image made by scripts
+    Planar = 2,      ///< one plane after another
+};
+
+/// Order of the colour filters on the sensor, named by the first two pixels of the first two rows.
+enum class ExColorFilterArray : std::uint32_t { None = 0, RGGB = 1, GRBG = 2, GBRG = 3, BGGR = 4 };
+
+/// Geometry and format of a picture buffer.
+struct VANTREL_HOST_EXPORT SxPicBufInfo {
+    std::uint32_t width = 0;      ///< pixels per row
+    std::uint32_t height = 0;     ///< rows
+    std::uint32_t lineStride = 0; ///< bytes from the start of one row to the next, padding included
+    std::uint32_t channels = 0;   ///< values per pixel: 1 mono, 3 colour, 4 colour with alpha
+    std::uint32_t bpc = 0;        ///< significant bits per value, as 12 for 12-bit data in 16 bits
+    std::uint32_t blackLevel = 0; ///< value of a pixel that saw no light
+    ExImageDataType dataType = ExImageDataType::None;
+    ExDataStorageFormat storageFormat = ExDataStorageFormat::None;
+    ExColorFilterArray colorFilterArray = ExColorFilterArray::None;
+    bool isColor = false;            ///< values are colours, blue first: B, G, R and perhaps A
+    std::int32_t acqFrameNumber = 0; ///< the camera's own frame counter
+    std::int32_t frameNumber = 0;    ///< frames since the acquisition started
+    std::uint64_t timeStamp = 0;     ///< microseconds
+    float saturation = 0.0F;         ///< full-scale value of floating-point data
+
+    /// Bytes that one value of a type takes; 1 for None and for unknown types.
+    static std::uint32_t bytesPerValue(ExImageDataType type);
+
+    /// Bytes of one pixel with all its channels.
+    std::uint32_t bytesPerPixel() const;
+};
+
+/// A picture buffer: geometry and pixel memory.
+///
+/// A plain record that owns nothing by itself. The memory comes from CxPicBufAPI::AllocPicBufFromHeap() and goes with
+/// CxPicBufAPI::FreePicBuf(), unless an image takes it over (CxImageData::setPicBuf, CxImageData::attachPicBuf).
+struct VANTREL_HOST_EXPORT SxPicBuf : SxPicBufInfo {
+    /// First byte of the pixel memory, or null. The value of channel c of pixel (x, y) lies at
+    /// data + y * lineStride + (x * channels + c) * bytesPerValue(dataType).
+    std::uint8_t* data = nullptr;
+
+    /// Bytes of pixel memory, row padding included: height * lineStride.
+    std::size_t dataSize() const;
+
+    std::uint8_t* row(std::uint32_t y) { return data + std::size_t(y) * lineStride; }
+    const std::uint8_t* row(std::uint32_t y) const { return data + std::size_t(y) * lineStride; }
+};

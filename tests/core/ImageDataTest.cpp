@@ -1,0 +1,91 @@
+#include "CxImageData.h"
+#include "CxPicBufAPI.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace {
+
+SxPicBuf filledBuffer()
+{
+    SxPicBuf buffer;
+    CxPicBufAPI::AllocPicBufFromHeap(buffer, 5, 3, 1, ExImageDataType::UInt16, 0, 0, 12,
+                                     ExDataStorageFormat::Interleaved, ExColorFilterArray::None, false, true, 0);
+    for (unsigned y = 0; y < 3; ++y)
+        for (unsigned x = 0; x < 5; ++x)
+            reinterpret_cast<std::uint16_t*>(buffer.row(y))[x] = std::uint16_t(100 * y + x);
+    return buffer;
+}
+
+TEST(ImageData, IsEmptyAtFirst)
+{
+    CxImageData image;
+    EXPECT_EQ(image.picBuf(), nullptr);
+    EXPECT_EQ(image.imageMetadata(), nullptr);
+}
+
+TEST(ImageData, AttachingTakesThePixelsFromTheRecord)
+{
+    CxImageData image;
+    SxPicBuf buffer = filledBuffer();
+    const auto* pixels = buffer.data;
+    image.attachPicBuf(&buffer);
+    EXPECT_EQ(buffer.data, nullptr);
+    ASSERT_NE(image.picBuf(), nullptr);
+    EXPECT_EQ(image.picBuf()->data, pixels);
+}
+
+TEST(ImageData, CloneHasItsOwnPixelsAndTheMetadata)
+{
+    CxImageData image;
+    image.setPicBuf(filledBuffer());
+    SxImageMetadata metadata;
+    metadata.exposureTimeUs = 1234;
+    image.setImageMetadata(&metadata);
+
+    const std::unique_ptr<QObject> object(image.clone(nullptr, nullptr));
+    auto* copy = qobject_cast<CxImageData*>(object.get());
+    ASSERT_NE(copy, nullptr);
+    ASSERT_NE(copy->imageMetadata(), nullptr);
+    EXPECT_EQ(copy->imageMetadata()->exposureTimeUs, 1234);
+    EXPECT_NE(copy->picBuf()->data, image.picBuf()->data);
+    image.picBuf()->row(2)[0] = 7;
+    EXPECT_EQ(reinterpret_cast<std::uint16_t*>(copy->picBuf()->row(2))[4], 204);
+    EXPECT_EQ(reinterpret_cast<std::uint16_t*>(copy->picBuf()->row(2))[0], 200);
+}
+
+TEST(ImageData, CountsTheLivingImages)
+{
+    const int before = CxImageData::liveCount();
+    {
+        CxImageData image;
+        EXPECT_EQ(CxImageData::liveCount(), before + 1);
+    }
+    EXPECT_EQ(CxImageData::liveCount(), before);
+}
+
+TEST(PicBufMemory, RowsStartAtMultiplesOfSixteen)
+{
+    SxPicBuf buffer;
+    CxPicBufAPI::AllocPicBufFromHeap(buffer, 10, 2, 3, ExImageDataType::UInt8, 0, 0, 8,
+                                     ExDataStorageFormat::Interleaved, ExColorFilterArray::None, true, true, 0);
+    EXPECT_EQ(buffer.lineStride, 32U);
+    EXPECT_EQ(buffer.dataSize(), 64U);
+    CxPicBufAPI::FreePicBuf(buffer, true);
+    EXPECT_EQ(buffer.data, nullptr);
+}
+
+TEST(PicBufMemory, RefusesSizesThatOverflow)
+{
+    SxPicBufInfo info;
+    info.width = 0xFFFFFFFFU;
+    info.height = 0xFFFFFFFFU;
+    info.channels = 4;
+    info.dataType = ExImageDataType::Double;
+    SxPicBuf buffer;
+    EXPECT_FALSE(CxPicBufAPI::AllocPicBufFromHeap(buffer, info, false, 0));
+    EXPECT_EQ(buffer.data, nullptr);
+}
+
+} // namespace

@@ -1,0 +1,143 @@
+// Pixel memory: allocation, release, plain copies.
+
+#include "CxPicBufAPI.h"
+
+#include <QtCore/QLoggingCategory>
+
+#include <bit>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+namespace {
+constexpr std::uint64_t rowAlignment = 16;
+constexpr unsigned long defaultAlignment = 64;
+
+bool sameShape(const SxPicBufInfo& a, const SxPicBufInfo& b)
+{
+    return a.width == b.width && a.height == b.height && a.channels == b.channels && a.dataType == b.dataType;
+}
+
+template<typename T>
+void swapFirstAndThird(SxPicBuf& buffer)
+{
+    for (std::uint32_t y = 0; y < buffer.height; ++y) {
+        auto* pixel = reinterpret_cast<T*>(buffer.row(y));
+        for (std::uint32_t x = 0; x < buffer.width; ++x, pixel += buffer.channels)
+            std::swap(pixel[0], pixel[2]);
+    }
+}
+} // namespace
+
+void CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, unsigned width, unsigned height, unsigned channels,
+                                      ExImageDataType dataType, unsigned lineStride, unsigned blackLevel, unsigned bpc,
+                                      ExDataStorageFormat storageFormat, ExColorFilterArray colorFilterArray,
+                                      bool isColor, bool zeroFill, unsigned long alignment)
+{
+    SxPicBufInfo info;
+    info.width = width;
+    info.height = height;
+    info.lineStride = lineStride;
+    info.channels = channels;
+    info.bpc = bpc;
+    info.blackLevel = blackLevel;
+    info.dataType = dataType;
+    info.storageFormat = storageFormat;
+    info.colorFilterArray = colorFilterArray;
+    info.isColor = isColor;
+    AllocPicBufFromHeap(buffer, info, !zeroFill, alignment);
+}
+
+bool CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, const SxPicBufInfo& info, bool uninitialized,
+                                      unsigned long alignment)
+{
+    const SxPicBufInfo wanted = info; // may be the record that is about to be filled
+    static_cast<SxPicBufInfo&>(buffer) = wanted;
+    buffer.data = nullptr;
+    if (wanted.width == 0 || wanted.height == 0 || wanted.channels == 0)
+        return false;
+
+    // Each factor fits 32 bits but for the bytes of a pixel, which are checked first.
+    const std::uint64_t pixelBytes = std::uint64_t(wanted.channels) * SxPicBufInfo::bytesPerValue(wanted.dataType);
+    if (pixelBytes > std::numeric_limits<std::uint32_t>::max())
+        return false;
+    const std::uint64_t rowBytes = pixelBytes * wanted.width;
+    std::uint64_t stride = wanted.lineStride;
+    if (stride == 0)
+        stride = (rowBytes + rowAlignment - 1) / rowAlignment * rowAlignment;
+    if (stride < rowBytes || stride > std::numeric_limits<std::uint32_t>::max())
+        return false;
+    const std::uint64_t bytes = stride * wanted.height;
+    if (alignment == 0)
+        alignment = defaultAlignment;
+    if (bytes > std::uint64_t(std::numeric_limits<std::ptrdiff_t>::max()) - alignment ||
+        !std::has_single_bit(alignment))
+        return false;
+
+    // aligned_alloc wants a size that is a multiple of the alignment.
+    const std::uint64_t rounded = (bytes + alignment - 1) / alignment * alignment;
+    auto* memory = static_cast<std::uint8_t*>(std::aligned_alloc(alignment, rounded));
+    if (!memory)
+        return false;
+    if (!uninitialized)
+        std::memset(memory, 0, bytes);
+    buffer.lineStride = std::uint32_t(stride);
+    buffer.data = memory;
+    return true;
+}
+
+void CxPicBufAPI::FreePicBuf(SxPicBuf& buffer, bool reset)
+{
+    std::free(buffer.data);
+    buffer.data = nullptr;
+    if (reset)
+        buffer = SxPicBuf();
+}
+
+bool CxPicBufAPI::CopyPicBuf(SxPicBuf& dst, const SxPicBuf& src, bool withInfo)
+{
+    if (!dst.data || !src.data || !sameShape(dst, src)) {
+        qWarning("CopyPicBuf: the buffers differ in size or format");
+        return false;
+    }
+    if (dst.data == src.data)
+        return true;
+    const std::size_t rowBytes = std::size_t(src.bytesPerPixel()) * src.width;
+    if (dst.lineStride == src.lineStride) {
+        std::memcpy(dst.data, src.data, std::size_t(src.lineStride) * (src.height - 1) + rowBytes);
+    } else {
+        for (std::uint32_t y = 0; y < src.height; ++y)
+            std::memcpy(dst.row(y), src.row(y), rowBytes);
+    }
+    if (withInfo) {
+        const std::uint32_t stride = dst.lineStride;
+        static_cast<SxPicBufInfo&>(dst) = src;
+        dst.lineStride = stride;
+    }
+    return true;
+}
+
+bool CxPicBufAPI::SwapRedAndBlue(SxPicBuf& buffer)
+{
+    if (!buffer.data || (buffer.channels != 3 && buffer.channels != 4) ||
+        buffer.dataType == ExImageDataType::Packed565) {
+        qWarning("SwapRedAndBlue: the buffer has no red and blue channels");
+        return false;
+    }
+    switch (SxPicBufInfo::bytesPerValue(buffer.dataType)) {
+    case 1:
+        swapFirstAndThird<std::uint8_t>(buffer);
+        break;
+    case 2:
+        swapFirstAndThird<std::uint16_t>(buffer);
+        break;
+    case 4:
+        swapFirstAndThird<std::uint32_t>(buffer);
+        break;
+    default:
+        swapFirstAndThird<std::uint64_t>(buffer);
+        break;
+    }
+    return true;
+}
