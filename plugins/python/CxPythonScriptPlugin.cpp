@@ -1,0 +1,160 @@
+#include "CxPythonScriptPlugin.h"
+
+#include "CxImageData.h"
+#include "ErrorLog.h"
+#include "InterpreterLibrary.h"
+#include "IxScriptEnvironment.h"
+#include "NativeGuard.h"
+#include "OutputRedirection.h"
+#include "PyRef.h"
+#include "ScriptModule.h"
+
+#include <QtCore/QCoreApplication>
+
+#include <memory>
+
+IxScriptEnvironment* g_pScriptPlugin = nullptr;
+
+void fx_script_addHelp(const char* moduleName, PyMethodDef* moduleFuncs, const char* objectName,
+                       PyMethodDef* objectMethods)
+{
+    CxPythonScriptPlugin::addHelpToPythonFunctions(moduleName, moduleFuncs, objectName, objectMethods);
+}
+
+CxPythonScriptPlugin::~CxPythonScriptPlugin()
+{
+    if (m_bPythonInitialized) {
+        try {
+            Py_Finalize();
+        } catch (...) {
+            // The same prefix as a failed run: whoever reads the log looks for one text.
+            fx_logError(QStringLiteral("CxPythonScriptPlugin::runScript(): %1")
+                            .arg(QStringLiteral("Python crashed in Finalize")));
+        }
+    }
+    m_bPythonInitialized = false;
+}
+
+bool CxPythonScriptPlugin::init()
+{
+    m_bPythonInitialized = false;
+    return true;
+}
+
+QString CxPythonScriptPlugin::languageVersion()
+{
+    QString version = QString::fromUtf8(Py_GetVersion());
+    const qsizetype blank = version.indexOf(QLatin1Char(' '));
+    if (blank > 0)
+        version.truncate(blank);
+    return QStringLiteral("Python ") + version;
+}
+
+QString CxPythonScriptPlugin::runScript(const QString& strScript, IxScriptEnvironment* pEnv,
+                                        const QString& strPythonHome, void (*fnStarted)(void*, void*),
+                                        void* pStartedData, void (*fnOutput)(const QString&, bool))
+{
+    QString result;
+    g_pScriptPlugin = pEnv; // before the lock: a script that still runs talks to the newest environment
+    const QMutexLocker locker(&m_lockScript);
+    try {
+        fx_dropNativeException();
+        const std::string script = strScript.toStdString();
+        if (!m_bPythonInitialized)
+            startInterpreter(pEnv, strPythonHome);
+        result = evaluate(script, fnStarted, pStartedData, fnOutput);
+    } catch (...) {
+        if (result.isEmpty())
+            result = QStringLiteral("Python rasied exception");
+        fx_logError(QStringLiteral("CxPythonScriptPlugin::runScript(): %1").arg(result));
+        // What the streams were bound to is gone; until the next run binds them anew, writes do nothing.
+        emb::clear_writers();
+    }
+    return result;
+}
+
+void CxPythonScriptPlugin::startInterpreter(IxScriptEnvironment* pEnv, const QString& strPythonHome)
+{
+    fx_makeInterpreterSymbolsGlobal();
+
+    const std::wstring program = QCoreApplication::applicationFilePath().toStdWString();
+    const std::wstring home = strPythonHome.toStdWString();
+    fx_setInterpreterPaths(program, home);
+    PyImport_AppendInittab("emb", PyInit_emb);
+    fx_pyapp_register();
+    Py_Initialize();
+
+    PyObject* main = PyImport_AddModule("__main__");
+    if (pEnv) {
+        for (const auto& definition : pEnv->apiParamDefs())
+            PyModule_AddStringConstant(main, definition.name.toUtf8().constData(),
+                                       definition.value.toUtf8().constData());
+        for (const auto& definition : pEnv->apiParamEnumVals())
+            PyModule_AddIntConstant(main, definition.name.toUtf8().constData(), definition.value);
+    }
+    PyErr_Clear(); // a constant that could not be published is left out
+
+    PyImport_ImportModule("emb"); // kept for the life of the process
+    PyErr_Clear();
+    fx_pyapp_RunPythonString("import vantrel");
+    m_bPythonInitialized = true;
+}
+
+QString CxPythonScriptPlugin::evaluate(const std::string& script, void (*fnStarted)(void*, void*), void* pStartedData,
+                                       void (*fnOutput)(const QString&, bool))
+{
+    const std::list<std::string> names = listLocalVariables();
+    if (fnStarted)
+        fnStarted(nullptr, pStartedData);
+
+    // Shared: a script may keep the stream object longer than the run lasts.
+    const auto errors = std::make_shared<std::string>();
+    emb::set_stderr([errors](const std::string& text) { errors->append(text); });
+
+    const auto run = [&script] {
+        if (script.find('\0') == std::string::npos) {
+            fx_pyapp_RunPythonString(script.c_str());
+        } else {
+            // The interpreter would stop reading there and run half a script.
+            PyErr_SetString(PyExc_ValueError, "source code string cannot contain null bytes");
+            PyErr_Print();
+        }
+    };
+    if (fnOutput) {
+        emb::set_stdout([fnOutput](const std::string& text) { fnOutput(QString::fromStdString(text), false); });
+        run();
+        emb::reset_stdout();
+    } else {
+        run();
+    }
+
+    deleteNewLocalVariables(names);
+    emb::reset_stderr();
+    fx_rethrowNativeException(); // thrown while the objects of the script went away
+    return QString::fromStdString(*errors);
+}
+
+void CxPythonScriptPlugin::addImageVariable(const QString& name, CxImageData* image)
+{
+    PyRef object = PyRef::take(fx_pyimg_createNewImageObject(image, false));
+    if (!object)
+        return PyErr_Clear();
+    if (PyModule_AddObject(PyImport_AddModule("__main__"), name.toUtf8().constData(), object.get()) < 0)
+        return PyErr_Clear();
+    static_cast<void>(object.release());
+}
+
+void CxPythonScriptPlugin::addHelpToPythonFunctions(const char* moduleName, PyMethodDef* moduleFuncs,
+                                                    const char* objectName, PyMethodDef* objectMethods)
+{
+    if (!g_pScriptPlugin)
+        return;
+    if (moduleName && moduleFuncs) {
+        for (PyMethodDef* entry = moduleFuncs; entry->ml_name; ++entry)
+            entry->ml_doc = g_pScriptPlugin->functionHelp(moduleName, entry->ml_name);
+    }
+    if (objectName && objectMethods) {
+        for (PyMethodDef* entry = objectMethods; entry->ml_name; ++entry)
+            entry->ml_doc = g_pScriptPlugin->methodHelp(objectName, entry->ml_name);
+    }
+}

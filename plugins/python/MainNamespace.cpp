@@ -1,0 +1,114 @@
+// The names in __main__: what a run finds there, and what it must not leave.
+
+#include "CxPythonScriptPlugin.h"
+#include "PyRef.h"
+
+#include <QtCore/QLoggingCategory>
+
+#include <cstring>
+#include <string_view>
+#include <utility>
+
+namespace {
+
+/// The dictionary of __main__, borrowed; null when there is none.
+PyObject* mainDictionary()
+{
+    PyObject* main = PyImport_AddModule("__main__");
+    return main ? PyModule_GetDict(main) : nullptr;
+}
+
+bool isText(PyObject* object)
+{
+    return object && (PyType_GetFlags(Py_TYPE(object)) & Py_TPFLAGS_UNICODE_SUBCLASS);
+}
+
+std::string_view view(PyObject* bytes)
+{
+    return {PyBytes_AsString(bytes), std::size_t(PyBytes_Size(bytes))};
+}
+
+/// Calls function with the UTF-8 form of every key of the dictionary that is a text, in the dictionary's order.
+template<typename Function>
+void forEachName(PyObject* dictionary, Function function)
+{
+    const PyRef keys = PyRef::take(PyDict_Keys(dictionary));
+    const Py_ssize_t count = keys ? PyList_Size(keys.get()) : 0;
+    for (Py_ssize_t i = 0; i < count; ++i) {
+        PyObject* key = PyList_GetItem(keys.get(), i);
+        if (!isText(key))
+            continue;
+        if (const PyRef bytes = PyRef::take(PyUnicode_AsUTF8String(key)))
+            function(view(bytes.get()));
+        else
+            PyErr_Clear();
+    }
+}
+
+QString text(PyObject* object)
+{
+    const PyRef bytes = PyRef::take(PyUnicode_AsUTF8String(object));
+    if (!bytes) {
+        PyErr_Clear();
+        return QString();
+    }
+    const std::string_view utf8 = view(bytes.get());
+    return QString::fromUtf8(utf8.data(), qsizetype(utf8.size()));
+}
+
+} // namespace
+
+std::list<std::string> CxPythonScriptPlugin::listLocalVariables()
+{
+    std::list<std::string> names;
+    if (PyObject* dictionary = mainDictionary())
+        forEachName(dictionary, [&names](std::string_view name) { names.emplace_back(name); });
+    return names;
+}
+
+void CxPythonScriptPlugin::deleteNewLocalVariables(const std::list<std::string>& before)
+{
+    PyObject* dictionary = mainDictionary();
+    if (!dictionary)
+        return;
+    std::list<std::string> added;
+    // A dictionary keeps its order, so the names from before mostly come in theirs: the search starts where the last
+    // one was found, and goes once around.
+    auto expected = before.begin();
+    const auto known = [&before, &expected](std::string_view name) {
+        for (std::size_t i = 0; i < before.size(); ++i) {
+            if (expected == before.end())
+                expected = before.begin();
+            if (name == *expected++)
+                return true;
+        }
+        return false;
+    };
+    forEachName(dictionary, [&added, &known](std::string_view name) {
+        if (!known(name))
+            added.emplace_back(name);
+    });
+    for (const std::string& name : added) {
+        if (PyObject_DelItemString(dictionary, name.c_str()) != 0)
+            PyErr_Clear();
+    }
+}
+
+void CxPythonScriptPlugin::dumpLocalVariables()
+{
+    PyObject* dictionary = mainDictionary();
+    if (!dictionary)
+        return;
+    const PyRef keys = PyRef::take(PyDict_Keys(dictionary));
+    const Py_ssize_t count = keys ? PyList_Size(keys.get()) : 0;
+    for (Py_ssize_t i = 0; i < count; ++i) {
+        PyObject* key = PyList_GetItem(keys.get(), i);
+        // Held: making a text of it runs code, which may delete the name.
+        const PyRef value = PyRef::retain(PyDict_GetItem(dictionary, key));
+        const PyRef keyText = PyRef::take(PyObject_Str(key));
+        const PyRef valueText = value ? PyRef::take(PyObject_Str(value.get())) : PyRef();
+        PyErr_Clear();
+        if (isText(keyText.get()) && isText(valueText.get()))
+            QMessageLogger().critical() << QStringLiteral("%1: %2").arg(text(keyText.get()), text(valueText.get()));
+    }
+}

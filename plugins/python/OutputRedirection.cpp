@@ -1,0 +1,191 @@
+#include "OutputRedirection.h"
+
+#include "ErrorLog.h"
+#include "NativeGuard.h"
+
+#include <QtCore/QString>
+
+#include <new>
+#include <utility>
+
+namespace {
+
+constexpr int stableAbiVersion = 3; // of the module interface under the limited API
+
+/// Instance record of emb.stdout_object.
+struct TxPyStdOut {
+    PyObject_HEAD emb::Write fnWrite; ///< empty in a new instance
+};
+
+} // namespace
+
+namespace emb {
+
+extern PyModuleDef embmodule;
+extern PyType_Spec TxPyStdOutType_Spec;
+
+static PyObject* TxPyStdOutType = nullptr;
+static PyObject* g_stdout = nullptr;
+static PyObject* g_stdout_saved = nullptr; // borrowed: sys.__stdout__ keeps it
+static PyObject* g_stderr = nullptr;
+static PyObject* g_stderr_saved = nullptr; // borrowed: sys.__stderr__ keeps it
+
+} // namespace emb
+
+PyObject* PyInit_emb()
+{
+    emb::g_stdout = nullptr;
+    emb::g_stdout_saved = nullptr;
+    emb::g_stderr = nullptr;
+    emb::g_stderr_saved = nullptr;
+
+    emb::TxPyStdOutType = PyType_FromSpec(&emb::TxPyStdOutType_Spec);
+    if (!emb::TxPyStdOutType) {
+        fx_logError(QStringLiteral("PyInit_emb(): %1").arg(QStringLiteral("Failed to register emb.StdOutType")));
+        return nullptr;
+    }
+    PyObject* module = PyModule_Create2(&emb::embmodule, stableAbiVersion);
+    if (!module)
+        return nullptr;
+    Py_INCREF(emb::TxPyStdOutType);
+    if (PyModule_AddObject(module, "stdout_object", emb::TxPyStdOutType) != 0)
+        Py_DECREF(emb::TxPyStdOutType);
+    return module;
+}
+
+namespace emb {
+
+// ---- the object ----
+
+static TxPyStdOut& record(PyObject* self)
+{
+    return *reinterpret_cast<TxPyStdOut*>(self);
+}
+
+static PyObject* Stdout_new(PyTypeObject* type, PyObject* args, PyObject* keywords)
+{
+    PyObject* self = PyType_GenericNew(type, args, keywords);
+    if (self)
+        new (&record(self).fnWrite) Write();
+    return self;
+}
+
+static void Stdout_free(PyObject* self)
+{
+    PyTypeObject* type = Py_TYPE(self);
+    const auto release = reinterpret_cast<freefunc>(PyType_GetSlot(type, Py_tp_free));
+    record(self).fnWrite.~Write();
+    release(self);
+    Py_DECREF(type); // instances of a type made at run time hold it
+}
+
+static PyObject* Stdout_write(PyObject* self, PyObject* args)
+{
+    const Write& write = record(self).fnWrite;
+    if (!write)
+        return PyLong_FromLong(0);
+    const char* text = nullptr;
+    if (!PyArg_ParseTuple(args, "s", &text))
+        return nullptr;
+    std::string bytes(text);
+    const std::size_t length = bytes.size();
+    write(std::move(bytes));
+    return PyLong_FromSize_t(length); // bytes, not characters
+}
+
+static PyObject* Stdout_flush(PyObject* /*self*/, PyObject* /*args*/)
+{
+    return Py_BuildValue("");
+}
+
+// ---- installing it ----
+
+static void install(const char* name, PyObject*& instance, PyObject*& saved, Write write)
+{
+    if (!TxPyStdOutType)
+        return;
+    if (!instance) {
+        saved = PySys_GetObject(name);
+        instance = PyObject_CallObject(TxPyStdOutType, nullptr);
+        if (!instance) {
+            // Without an object to write to, the stream stays as it is.
+            PyErr_Clear();
+            return;
+        }
+    }
+    // The old function goes when everything is in place: its release may run anything.
+    std::swap(record(instance).fnWrite, write);
+    PySys_SetObject(name, instance);
+}
+
+static void uninstall(const char* name, PyObject*& instance, PyObject* saved)
+{
+    if (saved)
+        PySys_SetObject(name, saved);
+    Py_XDECREF(std::exchange(instance, nullptr));
+}
+
+void set_stdout(Write write)
+{
+    install("stdout", g_stdout, g_stdout_saved, std::move(write));
+}
+
+void set_stderr(Write write)
+{
+    install("stderr", g_stderr, g_stderr_saved, std::move(write));
+}
+
+void reset_stdout()
+{
+    uninstall("stdout", g_stdout, g_stdout_saved);
+}
+
+void reset_stderr()
+{
+    uninstall("stderr", g_stderr, g_stderr_saved);
+}
+
+void clear_writers()
+{
+    for (PyObject* instance : {g_stdout, g_stderr}) {
+        if (instance)
+            record(instance).fnWrite = nullptr;
+    }
+}
+
+// ---- tables ----
+
+static PyMethodDef Stdout_methods[] = {
+    {"write", guarded<Stdout_write>, METH_VARARGS, "sys.stdout.write"},
+    {"flush", guarded<Stdout_flush>, METH_VARARGS, "sys.stdout.flush"},
+    {nullptr, nullptr, 0, nullptr},
+};
+
+static PyType_Slot TxPyStdOutType_Slots[] = {
+    {Py_tp_methods, Stdout_methods},
+    {Py_tp_new, guardedSlot<Stdout_new>()},
+    {Py_tp_dealloc, guardedSlot<Stdout_free>()},
+    {0, nullptr},
+};
+
+PyType_Spec TxPyStdOutType_Spec = {
+    "emb.stdout_object",  // name
+    sizeof(TxPyStdOut),   // basicsize
+    0,                    // itemsize
+    Py_TPFLAGS_DEFAULT,   // flags: cannot be subclassed
+    TxPyStdOutType_Slots, // slots
+};
+
+PyModuleDef embmodule = {
+    PyModuleDef_HEAD_INIT,
+    "emb",   // m_name
+    nullptr, // m_doc
+    -1,      // m_size: the module keeps its state in process-wide variables
+    nullptr, // m_methods
+    nullptr, // m_slots
+    nullptr, // m_traverse
+    nullptr, // m_clear
+    nullptr, // m_free
+};
+
+} // namespace emb

@@ -1,0 +1,273 @@
+// Views, files and video.
+
+#include "AppFunctions.h"
+#include "CxImageData.h"
+#include "CxImageFileSaver.h"
+#include "CxImageFormatManager.h"
+#include "CxMdiView.h"
+#include "IxAppDelegate.h"
+#include "IxScriptEnvironment.h"
+#include "ScriptModule.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+
+#include <memory>
+
+namespace {
+
+/// An independent copy of an image; null with an error set when there is no memory for it.
+std::unique_ptr<CxImageData> cloneImage(CxImageData& image)
+{
+    std::unique_ptr<QObject> object(image.clone(nullptr, nullptr));
+    auto* copy = qobject_cast<CxImageData*>(object.get());
+    if (!copy) {
+        PyErr_SetString(PyExc_Exception, "cannot allocate new image, out of memory");
+        return nullptr;
+    }
+    static_cast<void>(object.release());
+    return std::unique_ptr<CxImageData>(copy);
+}
+
+/// The view that an identifier names, or null.
+CxMdiView* findView(IxAppDelegate& delegate, int id)
+{
+    return delegate.view(fx_app_resolveViewId(delegate, id));
+}
+
+} // namespace
+
+PyObject* fx_pyapp_OpenFile(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread("vantrel.open_file: running GUI function from non-main thread"))
+        return nullptr;
+    const char* path = nullptr;
+    if (!PyArg_ParseTuple(args, "s", &path))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate || !delegate->openFile(fx_app_resolvePath(path), true))
+        return nullptr;
+    return PyLong_FromLong(delegate->activeViewId());
+}
+
+PyObject* fx_pyapp_SaveToFile(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    const char* path = nullptr;
+    if (!PyArg_ParseTuple(args, "s", &path))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    const QString resolved = fx_app_resolvePath(path);
+    QDir().mkpath(QFileInfo(resolved).absolutePath());
+    CxImageData* image = delegate->viewImage(delegate->activeViewId());
+    if (!image)
+        return nullptr;
+    const std::unique_ptr<CxImageFileSaver> saver(CxImageFormatManager::instance()->saverForFile(resolved));
+    if (!saver)
+        return nullptr;
+    saver->saveImage(image, nullptr);
+    return fx_app_none();
+}
+
+PyObject* fx_pyapp_DuplicateView(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    int id = -1;
+    if (!PyArg_ParseTuple(args, "|i", &id))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    return PyLong_FromLong(delegate->duplicateView(id) ? delegate->activeViewId() : -1);
+}
+
+PyObject* fx_pyapp_GetActiveViewId(PyObject* /*module*/, PyObject* /*args*/)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    return delegate ? PyLong_FromLong(delegate->activeViewId()) : nullptr;
+}
+
+PyObject* fx_pyapp_ActivateView(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    int id = -1;
+    if (!PyArg_ParseTuple(args, "|i", &id))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    delegate->activateView(id);
+    return fx_app_none();
+}
+
+PyObject* fx_pyapp_CloseView(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    int id = -1;
+    if (!PyArg_ParseTuple(args, "|i", &id))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    if (CxMdiView* view = findView(*delegate, id))
+        view->closeMdiView();
+    return fx_app_none();
+}
+
+PyObject* fx_pyapp_TileViews(PyObject* /*module*/, PyObject* /*args*/)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    delegate->tileViews();
+    return fx_app_none();
+}
+
+PyObject* fx_pyapp_SwitchFullScreen(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    int on = 0;
+    if (!PyArg_ParseTuple(args, "p", &on))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    delegate->setFullScreen(on != 0);
+    return fx_app_none();
+}
+
+PyObject* fx_pyapp_WaitForNextFrame(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    double timeout = -1.0;
+    int id = -1;
+    if (!PyArg_ParseTuple(args, "|di", &timeout, &id))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    CxMdiView* view = findView(*delegate, id);
+    if (!view) {
+        PyErr_SetString(PyExc_Exception, "vantrel.WaitForNextFrame: view not found");
+        return nullptr;
+    }
+    return fx_app_bool(g_pScriptPlugin->waitForNextFrame(view, timeout));
+}
+
+PyObject* fx_pyapp_Wait(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    double time = 0.0;
+    if (!PyArg_ParseTuple(args, "d", &time))
+        return nullptr;
+    g_pScriptPlugin->wait(time);
+    return fx_app_none();
+}
+
+PyObject* fx_pyapp_GetViewImage(PyObject* /*module*/, PyObject* args)
+{
+    int id = -1;
+    if (!PyArg_ParseTuple(args, "|i", &id))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    CxImageData* shown = delegate->viewImage(fx_app_resolveViewId(*delegate, id));
+    if (!shown) {
+        PyErr_SetString(PyExc_Exception, "no view or view contains no image");
+        return nullptr;
+    }
+    std::unique_ptr<CxImageData> copy = cloneImage(*shown);
+    if (!copy)
+        return nullptr;
+    PyObject* object = fx_pyimg_createNewImageObject(copy.get(), true);
+    if (object)
+        static_cast<void>(copy.release());
+    return object;
+}
+
+PyObject* fx_pyapp_SetViewImage(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    PyObject* object = nullptr;
+    int id = -1;
+    if (!PyArg_ParseTuple(args, "O|i", &object, &id))
+        return nullptr;
+    CxImageData* image = fx_pyimg_getImageObjectData(object);
+    IxAppDelegate* delegate = image ? fx_app_delegate() : nullptr;
+    if (!delegate)
+        return nullptr;
+    id = fx_app_resolveViewId(*delegate, id);
+    std::unique_ptr<CxImageData> copy = cloneImage(*image);
+    if (!copy)
+        return nullptr;
+    delegate->setViewImage(id, copy.release());
+    return fx_app_none();
+}
+
+PyObject* fx_pyapp_NewViewWithImage(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    PyObject* object = nullptr;
+    const char* title = nullptr;
+    if (!PyArg_ParseTuple(args, "O|s", &object, &title))
+        return nullptr;
+    CxImageData* image = fx_pyimg_getImageObjectData(object);
+    IxAppDelegate* delegate = image ? fx_app_delegate() : nullptr;
+    if (!delegate)
+        return nullptr;
+    const QString text = title && *title ? QString::fromUtf8(title) : QStringLiteral("Image from script");
+    std::unique_ptr<CxImageData> copy = cloneImage(*image);
+    if (!copy)
+        return nullptr;
+    if (!delegate->newViewWithImage(copy.get(), text))
+        return PyLong_FromLong(-1);
+    static_cast<void>(copy.release());
+    return PyLong_FromLong(delegate->activeViewId());
+}
+
+PyObject* fx_pyapp_RecordVideoToFile(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    const char* path = nullptr;
+    int id = -1;
+    if (!PyArg_ParseTuple(args, "s|i", &path, &id))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    const QString resolved = fx_app_resolvePath(path);
+    CxMdiView* view = findView(*delegate, id);
+    return fx_app_bool(view && view->startVideoRecording(resolved));
+}
+
+PyObject* fx_pyapp_StopVideoRecording(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    int id = -1;
+    if (!PyArg_ParseTuple(args, "|i", &id))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    if (CxMdiView* view = findView(*delegate, id))
+        view->stopVideoRecording();
+    return fx_app_none();
+}

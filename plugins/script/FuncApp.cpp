@@ -1,0 +1,124 @@
+// The module `vantrel`: registration, initialisation, source texts, and the table of its functions.
+
+#include "AppFunctions.h"
+#include "IxAppDelegate.h"
+#include "IxScriptEnvironment.h"
+#include "NativeGuard.h"
+#include "PyRef.h"
+#include "ScriptModule.h"
+
+#include <cstdio>
+
+// Only the interpreter's full headers name the start symbol of a whole file.
+#ifndef Py_file_input
+#define Py_file_input 257
+#endif
+
+// The version of the module interface under the limited API.
+static constexpr int stableAbiVersion = 3;
+
+extern PyMethodDef px_app_funcs[];
+extern PyModuleDef px_app_module;
+
+void fx_pyapp_register()
+{
+    if (PyImport_AppendInittab("vantrel", py_app_moduleInit) != 0)
+        std::fputs("Error: could not extend in-built modules table\n", stderr);
+}
+
+PyObject* py_app_moduleInit()
+{
+    fx_script_addHelp("vantrel", px_app_funcs, nullptr, nullptr);
+    fx_pyimages_TypeReady();
+
+    PyObject* module = PyModule_Create2(&px_app_module, stableAbiVersion);
+    if (!module)
+        return nullptr;
+    fx_pyimages_TypeAdd(module);
+    return module;
+}
+
+void fx_pyapp_RunPythonString(const char* text)
+{
+    if (const PyRef code = PyRef::take(Py_CompileString(text, "<string>", Py_file_input))) {
+        PyObject* globals = PyModule_GetDict(PyImport_AddModule("__main__"));
+        const PyRef result = PyRef::take(PyEval_EvalCode(code.get(), globals, globals));
+        fx_rethrowNativeException();
+    }
+    if (PyErr_Occurred())
+        PyErr_Print();
+    fx_rethrowNativeException();
+}
+
+// ---- shared by the functions ----
+
+bool fx_app_onMainThread(const char* message)
+{
+    if (g_pScriptPlugin && g_pScriptPlugin->isMainThread())
+        return true;
+    PyErr_SetString(PyExc_Exception, message);
+    return false;
+}
+
+IxAppDelegate* fx_app_delegate()
+{
+    IxAppDelegate* delegate = IxAppDelegate::instance();
+    if (!delegate)
+        PyErr_SetString(PyExc_Exception, "the host application is not available");
+    return delegate;
+}
+
+int fx_app_resolveViewId(IxAppDelegate& delegate, int id)
+{
+    return id < 0 ? delegate.activeViewId() : id;
+}
+
+QString fx_app_resolvePath(const char* utf8)
+{
+    const QString path = QString::fromUtf8(utf8);
+    return g_pScriptPlugin ? g_pScriptPlugin->resolveFilePath(path) : path;
+}
+
+PyObject* fx_app_none()
+{
+    return PyRef::retain(Py_None).release();
+}
+
+PyObject* fx_app_bool(bool value)
+{
+    return PyBool_FromLong(value);
+}
+
+// ---- tables ----
+
+// Writable: the help texts are put in before the module is made.
+PyMethodDef px_app_funcs[] = {
+    {"open_file", guarded<fx_pyapp_OpenFile>, METH_VARARGS, nullptr},
+    {"save_to_file", guarded<fx_pyapp_SaveToFile>, METH_VARARGS, nullptr},
+    {"duplicate_view", guarded<fx_pyapp_DuplicateView>, METH_VARARGS, nullptr},
+    {"get_active_view_id", guarded<fx_pyapp_GetActiveViewId>, METH_NOARGS, nullptr},
+    {"activate_view", guarded<fx_pyapp_ActivateView>, METH_VARARGS, nullptr},
+    {"close_view", guarded<fx_pyapp_CloseView>, METH_VARARGS, nullptr},
+    {"tile_views", guarded<fx_pyapp_TileViews>, METH_NOARGS, nullptr},
+    {"switch_full_screen", guarded<fx_pyapp_SwitchFullScreen>, METH_VARARGS, nullptr},
+    {"wait_for_next_frame", guarded<fx_pyapp_WaitForNextFrame>, METH_VARARGS, nullptr},
+    {"wait", guarded<fx_pyapp_Wait>, METH_VARARGS, nullptr},
+    {"get_view_image", guarded<fx_pyapp_GetViewImage>, METH_VARARGS, nullptr},
+    {"set_view_image", guarded<fx_pyapp_SetViewImage>, METH_VARARGS, nullptr},
+    {"new_view_with_image", guarded<fx_pyapp_NewViewWithImage>, METH_VARARGS, nullptr},
+    {"record_video_to_file", guarded<fx_pyapp_RecordVideoToFile>, METH_VARARGS, nullptr},
+    {"stop_video_recording", guarded<fx_pyapp_StopVideoRecording>, METH_VARARGS, nullptr},
+    {nullptr, nullptr, 0, nullptr},
+};
+
+PyModuleDef px_app_module = {
+    PyModuleDef_HEAD_INIT,
+    "vantrel",    // m_name
+    nullptr,      // m_doc
+    -1,           // m_size: the module keeps its state in process-wide variables
+    px_app_funcs, // m_methods
+    nullptr,      // m_slots
+    nullptr,      // m_traverse
+    nullptr,      // m_clear
+    nullptr,      // m_free
+};

@@ -1,0 +1,310 @@
+// The type vantrel.Image: its objects, who owns the image behind them, its simple methods and its tables.
+
+#include "CxImageData.h"
+#include "CxPicBufAPI.h"
+#include "ErrorLog.h"
+#include "ImageObject.h"
+#include "NativeGuard.h"
+#include "PyRef.h"
+#include "ScriptModule.h"
+
+#include <QtCore/QString>
+
+PyTypeObject* TxPyImageType = nullptr;
+
+static TxPyImage& record(PyObject* self)
+{
+    return *reinterpret_cast<TxPyImage*>(self);
+}
+
+// ---- creation and access from elsewhere ----
+
+PyObject* fx_pyimg_createNewImageObject(CxImageData* image, int owns)
+{
+    if (!TxPyImageType) {
+        PyErr_SetString(PyExc_Exception, "vantrel.Image is not available");
+        return nullptr;
+    }
+    PyObject* object = PyObject_CallObject(reinterpret_cast<PyObject*>(TxPyImageType), nullptr);
+    if (!object)
+        return nullptr;
+    record(object).imageData = image;
+    record(object).ownsData = owns != 0;
+    return object;
+}
+
+CxImageData* fx_pyimg_getImageObjectData(PyObject* object)
+{
+    // The type cannot be subclassed, so an object of it has exactly this type.
+    if (!object || Py_TYPE(object) != TxPyImageType)
+        return nullptr;
+    return record(object).imageData;
+}
+
+SxPicBuf* fx_img_buffer(PyObject* self)
+{
+    CxImageData* image = self ? record(self).imageData : nullptr;
+    return image ? image->picBuf() : nullptr;
+}
+
+void fx_img_releaseImage(TxPyImage& object)
+{
+    CxImageData* owned = object.ownsData ? object.imageData : nullptr;
+    object.imageData = nullptr;
+    object.ownsData = false;
+    delete owned;
+}
+
+void fx_img_installImage(TxPyImage& object, std::unique_ptr<CxImageData> image)
+{
+    fx_img_releaseImage(object);
+    object.imageData = image.release();
+    object.ownsData = true;
+}
+
+PyObject* fx_img_newOwner(std::unique_ptr<CxImageData> image)
+{
+    PyObject* object = fx_pyimg_createNewImageObject(image.get(), true);
+    if (object)
+        static_cast<void>(image.release());
+    return object;
+}
+
+PyObject* fx_img_newOwner(const SxPicBuf& buffer)
+{
+    auto image = std::make_unique<CxImageData>();
+    image->setPicBuf(buffer);
+    return fx_img_newOwner(std::move(image));
+}
+
+// ---- life and text form ----
+
+static int fx_pyimg_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keywords*/)
+{
+    record(self).imageData = nullptr;
+    record(self).ownsData = false;
+    return 0;
+}
+
+// Gives back the host's image only, never the object's own memory: whoever still holds the record's address after the
+// last reference is gone finds an empty object there.
+static void fx_pyimg_Free(PyObject* self)
+{
+    if (self)
+        fx_img_releaseImage(record(self));
+}
+
+static QString typeWord(const SxPicBufInfo& info)
+{
+    switch (info.dataType) {
+    case ExImageDataType::None:
+        return QStringLiteral("N/A");
+    case ExImageDataType::Int8:
+    case ExImageDataType::Int16:
+    case ExImageDataType::Int32:
+    case ExImageDataType::Int64:
+        return QStringLiteral("int");
+    case ExImageDataType::UInt8:
+    case ExImageDataType::UInt16:
+    case ExImageDataType::UInt32:
+    case ExImageDataType::UInt64:
+        return QStringLiteral("unsigned int");
+    case ExImageDataType::Float:
+    case ExImageDataType::Double:
+        return QStringLiteral("float");
+    case ExImageDataType::Packed565:
+        return QStringLiteral("packed565");
+    }
+    return QString();
+}
+
+static PyObject* fx_pyimg_ToString(PyObject* self)
+{
+    QString text = QStringLiteral("Vantrel image object is empty");
+    if (const SxPicBuf* buffer = fx_img_buffer(self)) {
+        QString type = typeWord(*buffer);
+        if (buffer->isColor)
+            type += QStringLiteral(" RGB");
+        text = QStringLiteral("Vantrel image, width: %1, height: %2, channels: %3, bit per channel (bpc): %4, type: %5")
+                   .arg(buffer->width)
+                   .arg(buffer->height)
+                   .arg(buffer->channels)
+                   .arg(buffer->bpc)
+                   .arg(type);
+    }
+    const QByteArray utf8 = text.toUtf8();
+    return PyUnicode_FromStringAndSize(utf8.constData(), utf8.size());
+}
+
+// ---- simple methods: an empty object gives null without an error, which the interpreter reports ----
+
+static PyObject* fx_pyimg_GetWidth(PyObject* self, PyObject* /*args*/)
+{
+    const SxPicBuf* buffer = fx_img_buffer(self);
+    return buffer ? PyLong_FromUnsignedLong(buffer->width) : nullptr;
+}
+
+static PyObject* fx_pyimg_GetHeight(PyObject* self, PyObject* /*args*/)
+{
+    const SxPicBuf* buffer = fx_img_buffer(self);
+    return buffer ? PyLong_FromUnsignedLong(buffer->height) : nullptr;
+}
+
+static PyObject* fx_pyimg_GetChannels(PyObject* self, PyObject* /*args*/)
+{
+    const SxPicBuf* buffer = fx_img_buffer(self);
+    return buffer ? PyLong_FromUnsignedLong(buffer->channels) : nullptr;
+}
+
+static PyObject* fx_pyimg_GetBpc(PyObject* self, PyObject* /*args*/)
+{
+    const SxPicBuf* buffer = fx_img_buffer(self);
+    return buffer ? PyLong_FromUnsignedLong(buffer->bpc) : nullptr;
+}
+
+static PyObject* fx_pyimg_GetFrameNumber(PyObject* self, PyObject* /*args*/)
+{
+    const SxPicBuf* buffer = fx_img_buffer(self);
+    return buffer ? PyLong_FromLong(buffer->frameNumber) : nullptr;
+}
+
+static PyObject* fx_pyimg_GetTimeStamp(PyObject* self, PyObject* /*args*/)
+{
+    const SxPicBuf* buffer = fx_img_buffer(self);
+    return buffer ? PyLong_FromUnsignedLongLong(buffer->timeStamp) : nullptr;
+}
+
+static PyObject* fx_pyimg_GetBytesPerPixel(PyObject* self, PyObject* /*args*/)
+{
+    const SxPicBuf* buffer = fx_img_buffer(self);
+    return buffer ? PyLong_FromUnsignedLong(buffer->bytesPerPixel()) : nullptr;
+}
+
+static PyObject* fx_pyimg_Bytes(PyObject* self, PyObject* /*args*/)
+{
+    const SxPicBuf* buffer = fx_img_buffer(self);
+    if (!buffer || !buffer->data) {
+        PyErr_SetString(PyExc_Exception, "Vantrel image object is empty");
+        return nullptr;
+    }
+    return PyBytes_FromStringAndSize(reinterpret_cast<const char*>(buffer->data), Py_ssize_t(buffer->dataSize()));
+}
+
+static PyObject* fx_pyimg_GetImageDataNumpy(PyObject* self, PyObject* args)
+{
+    int raw = 0;
+    if (!PyArg_ParseTuple(args, "|p", &raw))
+        return nullptr;
+    SxPicBuf* buffer = fx_img_buffer(self);
+    if (!buffer)
+        return nullptr;
+    if (raw || !buffer->isColor)
+        return PyRef::retain(self).release();
+
+    SxPicBuf swapped;
+    if (!CxPicBufAPI::AllocPicBufFromHeap(swapped, *buffer, false, 0)) {
+        PyErr_SetString(PyExc_Exception, "Cannot allocate image");
+        return nullptr;
+    }
+    auto image = std::make_unique<CxImageData>();
+    image->setPicBuf(swapped);
+    SxPicBuf* copy = image->picBuf();
+    CxPicBufAPI::CopyPicBuf(*copy, *buffer, true);
+    CxPicBufAPI::SwapRedAndBlue(*copy);
+    image->setImageMetadata(record(self).imageData->imageMetadata());
+    return fx_img_newOwner(std::move(image));
+}
+
+static PyObject* fx_pyimg_Alloc(PyObject* self, PyObject* args)
+{
+    int width = 0;
+    int height = 0;
+    int channels = 0;
+    int bpc = 0;
+    if (!PyArg_ParseTuple(args, "iiii", &width, &height, &channels, &bpc))
+        return nullptr;
+    if (width <= 0 || height <= 0 || channels <= 0 || bpc <= 0) {
+        PyErr_SetString(PyExc_Exception, "argument out of range");
+        return nullptr;
+    }
+    if (bpc > 32) {
+        PyErr_SetString(PyExc_Exception, "number of bits out of range");
+        return nullptr;
+    }
+    const auto dataType = bpc <= 8    ? ExImageDataType::UInt8
+                          : bpc <= 16 ? ExImageDataType::UInt16
+                                      : ExImageDataType::UInt32;
+    SxPicBuf buffer;
+    CxPicBufAPI::AllocPicBufFromHeap(buffer, unsigned(width), unsigned(height), unsigned(channels), dataType, 0, 0,
+                                     unsigned(bpc), ExDataStorageFormat::Interleaved, ExColorFilterArray::None,
+                                     channels == 3 || channels == 4, true, 0);
+    if (!buffer.data) {
+        PyErr_SetString(PyExc_Exception, "cannot allocate new image, out of memory");
+        return nullptr;
+    }
+    auto image = std::make_unique<CxImageData>();
+    image->setPicBuf(buffer);
+    fx_img_installImage(record(self), std::move(image));
+    return PyRef::retain(Py_None).release();
+}
+
+// ---- tables ----
+
+// Writable: the help texts are put in before the type is made. "__bytes__" stays first: the attribute "tobytes" is
+// this entry bound to its object.
+PyMethodDef px_image_meths[] = {
+    {"__bytes__", guarded<fx_pyimg_Bytes>, METH_NOARGS, nullptr},
+    {"alloc", guarded<fx_pyimg_Alloc>, METH_VARARGS, nullptr},
+    {"get_width", guarded<fx_pyimg_GetWidth>, METH_NOARGS, nullptr},
+    {"get_height", guarded<fx_pyimg_GetHeight>, METH_NOARGS, nullptr},
+    {"get_channels", guarded<fx_pyimg_GetChannels>, METH_NOARGS, nullptr},
+    {"get_bpc", guarded<fx_pyimg_GetBpc>, METH_NOARGS, nullptr},
+    {"get_frame_number", guarded<fx_pyimg_GetFrameNumber>, METH_NOARGS, nullptr},
+    {"get_time_stamp", guarded<fx_pyimg_GetTimeStamp>, METH_NOARGS, nullptr},
+    {"get_bytes_per_pixel", guarded<fx_pyimg_GetBytesPerPixel>, METH_NOARGS, nullptr},
+    {"get_image_data_raw", guarded<fx_pyimg_Bytes>, METH_NOARGS, nullptr},
+    {"get_image_data_numpy", guarded<fx_pyimg_GetImageDataNumpy>, METH_VARARGS, nullptr},
+    {nullptr, nullptr, 0, nullptr},
+};
+
+static PyType_Slot TxPyImageType_Slots[] = {
+    {Py_tp_dealloc, guardedSlot<fx_pyimg_Free>()},
+    {Py_tp_str, guardedSlot<fx_pyimg_ToString>()},
+    {Py_tp_getattro, guardedSlot<fx_pyimg_GetAttrO>()},
+    {Py_tp_methods, px_image_meths},
+    {Py_tp_init, guardedSlot<fx_pyimg_Init>()},
+    {Py_tp_new, reinterpret_cast<void*>(PyType_GenericNew)},
+    {0, nullptr},
+};
+
+static PyType_Spec TxPyImageType_Spec = {
+    "vantrel.Image",     // name
+    sizeof(TxPyImage),   // basicsize
+    0,                   // itemsize
+    Py_TPFLAGS_DEFAULT,  // flags: cannot be subclassed
+    TxPyImageType_Slots, // slots
+};
+
+// ---- registration ----
+
+void fx_pyimages_TypeReady()
+{
+    fx_script_addHelp("vantrel", nullptr, "imgObj", px_image_meths);
+    TxPyImageType = nullptr;
+    if (fx_img_prepareAttributes())
+        TxPyImageType = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&TxPyImageType_Spec));
+    if (!TxPyImageType)
+        fx_logError(QStringLiteral("fx_pyimages_TypeReady(): %1")
+                        .arg(QStringLiteral("Failed to register vantrel.ImageType with limited API")));
+}
+
+int fx_pyimages_TypeAdd(PyObject* module)
+{
+    if (!TxPyImageType)
+        return 0;
+    PyRef type = PyRef::retain(reinterpret_cast<PyObject*>(TxPyImageType));
+    if (PyModule_AddObject(module, "Image", type.get()) != 0)
+        return 0;
+    static_cast<void>(type.release());
+    return 1;
+}

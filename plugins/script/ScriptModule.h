@@ -1,0 +1,52 @@
+#pragma once
+
+#include "PythonApi.h"
+
+#include <QtCore/qglobal.h>
+
+class CxImageData;
+class IxScriptEnvironment;
+
+// The module `vantrel`: what it offers to the plugin core and to its own parts, and what it needs of the core.
+
+// ---- offered, exported from the library with C linkage ----
+
+extern "C" {
+
+/// Adds the module to the interpreter's table of built-in modules. Called before the interpreter is initialised. A
+/// failure is written to the standard error stream; the module is then missing.
+Q_DECL_EXPORT void fx_pyapp_register();
+
+/// Runs a UTF-8 source text as a file in the namespace of __main__. A Python error is printed by the interpreter and
+/// never left pending. An exception that host code threw meanwhile is thrown on (NativeGuard.h).
+Q_DECL_EXPORT void fx_pyapp_RunPythonString(const char* text);
+
+/// The module's initialisation function. Returns the new module, or null with an error set.
+Q_DECL_EXPORT PyObject* py_app_moduleInit();
+
+/// A new vantrel.Image for a host image; with owns the object deletes the image, without it borrows it. Returns a new
+/// reference, or null with an error set: the image then stays the caller's.
+Q_DECL_EXPORT PyObject* fx_pyimg_createNewImageObject(CxImageData* image, int owns);
+
+/// The image behind an object, still owned as before. Null for null, for an object that is no vantrel.Image, and for
+/// one that is empty; no error is set.
+Q_DECL_EXPORT CxImageData* fx_pyimg_getImageObjectData(PyObject* object);
+
+} // extern "C"
+
+// ---- offered to the module's initialisation ----
+// ...TypeReady attaches the help texts and creates the type; a failure is logged and leaves the type null.
+// ...TypeAdd adds it to the module: 1 on success, 0 when the type is null or adding fails.
+
+void fx_pyimages_TypeReady();
+int fx_pyimages_TypeAdd(PyObject* module);
+
+// ---- needed of the plugin core, which defines them ----
+
+/// The environment of the latest run; null before the first. Owned by the host.
+extern IxScriptEnvironment* g_pScriptPlugin;
+
+/// Fills the documentation of method tables from the environment's help texts
+/// (CxPythonScriptPlugin::addHelpToPythonFunctions).
+void fx_script_addHelp(const char* moduleName, PyMethodDef* moduleFuncs, const char* objectName,
+                       PyMethodDef* objectMethods);
