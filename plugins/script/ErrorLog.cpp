@@ -4,9 +4,8 @@
 #include <QtCore/QMessageLogger>
 #include <QtCore/QThread>
 
-void fx_logError(const QString& message, std::source_location where)
+void fx_logError(const QString& message, const char* file, int line)
 {
-    QMessageLogger(where.file_name(), int(where.line()), where.function_name()).critical()
-        << QThread::currentThreadId() << where.file_name() << "L" << where.line() << ":"
-        << "" << message;
+    QMessageLogger(file, line, nullptr).critical() << QThread::currentThreadId() << file << "L" << line << ":"
+                                                   << "" << message;
 }

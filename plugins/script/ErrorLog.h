@@ -2,8 +2,6 @@
 
 #include <QtCore/QString>
 
-#include <source_location>
-
 /// Writes one critical record: thread, source file, "L", line, ":", an empty text, and the message. The message names
-/// the reporting function, as in "PyInit_emb(): ...".
-void fx_logError(const QString& message, std::source_location where = std::source_location::current());
+/// the reporting function, as in "PyInit_emb(): ...". The place defaults to the caller's.
+void fx_logError(const QString& message, const char* file = __builtin_FILE(), int line = __builtin_LINE());
