@@ -1,0 +1,195 @@
+#include "ArrayCopy.h"
+
+#include "ReadableMemory.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define VANTREL_READS_FOREIGN_MEMORY __attribute__((no_sanitize_address, noinline))
+#else
+#define VANTREL_READS_FOREIGN_MEMORY
+#endif
+
+namespace {
+// Strides of 64 bits times sizes of 32 bits.
+__extension__ typedef __int128 Wide;
+
+struct Span {
+    Wide begin;
+    Wide end;
+};
+
+Span spanOfRows(const ArrayLayout& source, const SxPicBuf& buffer, std::uint32_t firstRow, std::uint32_t rowCount)
+{
+    const Wide first = Wide(source.address) + Wide(firstRow) * source.yStride;
+    const Wide alongX = Wide(buffer.width - 1) * source.xStride;
+    const Wide alongY = Wide(rowCount - 1) * source.yStride;
+    const Wide alongChannels = Wide(buffer.channels - 1) * source.channelStride;
+    const Wide none = 0;
+    return {first + std::min(alongX, none) + std::min(alongY, none) + std::min(alongChannels, none),
+            first + std::max(alongX, none) + std::max(alongY, none) + std::max(alongChannels, none) +
+                SxPicBufInfo::bytesPerValue(buffer.dataType)};
+}
+
+bool isWithin(const Span& span, const ArrayExtent& extent)
+{
+    return span.begin >= Wide(extent.begin) && span.end <= Wide(extent.end);
+}
+
+// Addresses are numbers here and wrap as such: strides may lead anywhere.
+struct Walk {
+    const ArrayLayout& source;
+    SxPicBuf& buffer;
+
+    std::uint64_t rowAddress(std::uint32_t y) const { return source.address + y * std::uint64_t(source.yStride); }
+};
+
+// A value at any address. The sanitizers know nothing of memory outside the extent; that it is readable was asked.
+template<typename T>
+struct __attribute__((packed, may_alias)) UnalignedValue {
+    T value;
+};
+
+// Reads without asking, for rows within the extent, when memory is null.
+template<typename T>
+VANTREL_READS_FOREIGN_MEMORY bool copyRowByValues(const Walk& walk, std::uint32_t y, ReadableMemory* memory)
+{
+    const ArrayLayout& source = walk.source;
+    const std::uint64_t size = walk.buffer.dataSize();
+    std::uint8_t* const pixels = walk.buffer.data;
+    std::uint64_t to = std::uint64_t(y) * walk.buffer.lineStride;
+    std::uint64_t pixel = walk.rowAddress(y);
+    for (std::uint32_t x = 0; x < walk.buffer.width; ++x, pixel += std::uint64_t(source.xStride)) {
+        std::uint64_t from = pixel;
+        for (std::uint32_t c = 0; c < walk.buffer.channels; ++c, from += std::uint64_t(source.channelStride)) {
+            if (memory) {
+                const bool described =
+                    from >= source.extent.begin && from < source.extent.end && source.extent.end - from >= sizeof(T);
+                if (!described && !memory->contains(from, sizeof(T)))
+                    return false;
+            }
+            // The buffer holds at least one value.
+            if (to <= size - sizeof(T)) {
+                reinterpret_cast<UnalignedValue<T>*>(pixels + to)->value =
+                    reinterpret_cast<const UnalignedValue<T>*>(from)->value;
+            }
+            to += std::uint64_t(source.channelStride);
+        }
+    }
+    return true;
+}
+
+// Rows within the extent whose destination has no gaps.
+template<typename T, std::uint32_t Channels>
+void gatherRow(const Walk& walk, std::uint32_t y)
+{
+    const std::uint8_t* from = reinterpret_cast<const std::uint8_t*>(walk.rowAddress(y));
+    std::uint8_t* to = walk.buffer.row(y);
+    for (std::uint32_t x = 0; x < walk.buffer.width; ++x, from += walk.source.xStride, to += Channels * sizeof(T))
+        std::memcpy(to, from, Channels * sizeof(T));
+}
+
+template<typename T>
+bool copyRowsByValues(const Walk& walk)
+{
+    ReadableMemory memory(std::size_t(walk.buffer.width) * walk.buffer.channels);
+    for (std::uint32_t y = 0; y < walk.buffer.height; ++y) {
+        const bool described = isWithin(spanOfRows(walk.source, walk.buffer, y, 1), walk.source.extent);
+        if (!copyRowByValues<T>(walk, y, described ? nullptr : &memory))
+            return false;
+    }
+    return true;
+}
+
+template<typename T>
+bool copyRows(const Walk& walk)
+{
+    const ArrayLayout& source = walk.source;
+    SxPicBuf& buffer = walk.buffer;
+    if (source.channelStride != std::int64_t(sizeof(T)) ||
+        !isWithin(spanOfRows(source, buffer, 0, buffer.height), source.extent))
+        return copyRowsByValues<T>(walk);
+
+    const std::uint64_t rowBytes = std::uint64_t(buffer.width) * buffer.channels * sizeof(T);
+    if (source.xStride == std::int64_t(buffer.channels * sizeof(T))) {
+        const auto* first = reinterpret_cast<const std::uint8_t*>(source.address);
+        if (source.yStride == std::int64_t(rowBytes) && buffer.lineStride == rowBytes) {
+            std::memcpy(buffer.data, first, rowBytes * buffer.height);
+            return true;
+        }
+        for (std::uint32_t y = 0; y < buffer.height; ++y)
+            std::memcpy(buffer.row(y), reinterpret_cast<const std::uint8_t*>(walk.rowAddress(y)), rowBytes);
+        return true;
+    }
+    if (buffer.channels != 1 && buffer.channels != 3)
+        return copyRowsByValues<T>(walk);
+    for (std::uint32_t y = 0; y < buffer.height; ++y) {
+        if (buffer.channels == 1)
+            gatherRow<T, 1>(walk, y);
+        else
+            gatherRow<T, 3>(walk, y);
+    }
+    return true;
+}
+
+void clearWhatIsNotWritten(const ArrayLayout& source, SxPicBuf& buffer)
+{
+    const std::uint32_t valueBytes = SxPicBufInfo::bytesPerValue(buffer.dataType);
+    if (source.channelStride != std::int64_t(valueBytes)) {
+        std::memset(buffer.data, 0, buffer.dataSize());
+        return;
+    }
+    const std::size_t rowBytes = std::size_t(buffer.width) * buffer.channels * valueBytes;
+    if (rowBytes == buffer.lineStride)
+        return;
+    for (std::uint32_t y = 0; y < buffer.height; ++y)
+        std::memset(buffer.row(y) + rowBytes, 0, buffer.lineStride - rowBytes);
+}
+
+template<typename Function>
+bool forValueSize(ExImageDataType type, Function&& function)
+{
+    switch (SxPicBufInfo::bytesPerValue(type)) {
+    case 1:
+        return function(std::uint8_t());
+    case 2:
+        return function(std::uint16_t());
+    case 4:
+        return function(std::uint32_t());
+    default:
+        return function(std::uint64_t());
+    }
+}
+} // namespace
+
+ArrayExtent describedExtent(std::uint64_t address, std::span<const std::int64_t> shape,
+                            std::span<const std::int64_t> strides, std::uint32_t valueBytes)
+{
+    Wide begin = address;
+    Wide end = begin + valueBytes;
+    for (std::size_t axis = 0; axis < std::min(shape.size(), strides.size()); ++axis) {
+        if (shape[axis] <= 0)
+            return {};
+        const Wide reach = Wide(shape[axis] - 1) * strides[axis];
+        (reach < 0 ? begin : end) += reach;
+    }
+    if (begin < 0 || end > Wide(std::numeric_limits<std::uint64_t>::max()))
+        return {};
+    return {std::uint64_t(begin), std::uint64_t(end)};
+}
+
+bool copyArray(const ArrayLayout& source, SxPicBuf& buffer)
+{
+    clearWhatIsNotWritten(source, buffer);
+    return forValueSize(buffer.dataType, [&](auto value) { return copyRows<decltype(value)>(Walk{source, buffer}); });
+}
+
+bool copyArrayByValues(const ArrayLayout& source, SxPicBuf& buffer)
+{
+    clearWhatIsNotWritten(source, buffer);
+    return forValueSize(buffer.dataType, [&](auto value) {
+        return copyRowsByValues<decltype(value)>(Walk{source, buffer});
+    });
+}

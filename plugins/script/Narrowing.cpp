@@ -1,0 +1,117 @@
+#include "Narrowing.h"
+
+#include "CxPicBufAPI.h"
+#include "SxPicBuf.h"
+
+namespace {
+bool isUnsignedWide(ExImageDataType type)
+{
+    return type == ExImageDataType::UInt16 || type == ExImageDataType::UInt32 || type == ExImageDataType::UInt64;
+}
+
+bool isSigned(ExImageDataType type)
+{
+    return type == ExImageDataType::Int8 || type == ExImageDataType::Int16 || type == ExImageDataType::Int32 ||
+           type == ExImageDataType::Int64;
+}
+
+// 8 bits become a byte; fewer do not, since a depth of less than 8 in 16 bits is what cameras deliver too.
+ExImageDataType narrowedUnsigned(ExImageDataType type, unsigned bits)
+{
+    if (bits == 8)
+        return ExImageDataType::UInt8;
+    if (bits <= 16)
+        return ExImageDataType::UInt16;
+    if (bits <= 32 && type == ExImageDataType::UInt64)
+        return ExImageDataType::UInt32;
+    return type;
+}
+
+ExImageDataType narrowedSigned(ExImageDataType type, unsigned bits)
+{
+    if (bits == 8)
+        return ExImageDataType::Int8;
+    if (bits <= 16)
+        return ExImageDataType::Int16;
+    if (bits <= 32 && type == ExImageDataType::Int64)
+        return ExImageDataType::Int32;
+    return type;
+}
+
+// An even count from 8 on. A maximum equal to the power of two counts as fitting.
+unsigned evenBitsFor(std::uint64_t maximum, unsigned typeBits)
+{
+    unsigned bits = 8;
+    while (bits < typeBits && (std::uint64_t(1) << bits) < maximum)
+        bits += 2;
+    return bits;
+}
+
+ExImageDataType unsignedOfSameWidth(ExImageDataType type)
+{
+    switch (type) {
+    case ExImageDataType::Int8:
+        return ExImageDataType::UInt8;
+    case ExImageDataType::Int16:
+        return ExImageDataType::UInt16;
+    case ExImageDataType::Int32:
+        return ExImageDataType::UInt32;
+    default:
+        return ExImageDataType::UInt64;
+    }
+}
+
+void chooseForNonNegative(SxPicBufInfo& target, const SxPicBuf& in)
+{
+    const std::uint64_t maximum = CxPicBufAPI::DetectMaxAbsValue(in);
+    target.bpc = evenBitsFor(maximum, SxPicBufInfo::bytesPerValue(in.dataType) * 8);
+    if (target.bpc == 8) {
+        target.dataType = ExImageDataType::UInt8;
+        return;
+    }
+    target.dataType = unsignedOfSameWidth(in.dataType);
+    if (target.bpc <= 16)
+        target.dataType = ExImageDataType::UInt16;
+    else if (target.bpc <= 32)
+        target.dataType = ExImageDataType::UInt32;
+}
+
+SxPicBufInfo bestFormatFor(SxPicBuf& in)
+{
+    SxPicBufInfo target = in;
+    if (isUnsignedWide(in.dataType)) {
+        CxPicBufAPI::DetectColorBitDepth(in, in.bpc, true);
+        target.bpc = in.bpc;
+        target.dataType = narrowedUnsigned(in.dataType, in.bpc);
+    } else if (isSigned(in.dataType) && CxPicBufAPI::DetectNegativePixelValue(in)) {
+        if (in.dataType != ExImageDataType::Int8) {
+            CxPicBufAPI::DetectColorBitDepth(in, in.bpc, true);
+            target.bpc = in.bpc;
+            target.dataType = narrowedSigned(in.dataType, in.bpc);
+        }
+    } else if (isSigned(in.dataType)) {
+        chooseForNonNegative(target, in);
+    } else if (in.dataType == ExImageDataType::Double) {
+        target.dataType = ExImageDataType::Float;
+        target.bpc = 4;
+    }
+    return target;
+}
+} // namespace
+
+bool fx_img_convertToBestBpc(SxPicBuf& out, SxPicBuf& in)
+{
+    SxPicBufInfo target = bestFormatFor(in);
+    if (target.dataType == in.dataType)
+        return false;
+    target.lineStride = 0;
+    if (!CxPicBufAPI::AllocPicBufFromHeap(out, target, false, 0))
+        return false;
+    if (!CxPicBufAPI::ConvertPicToDifBpc(in, out, false)) {
+        CxPicBufAPI::FreePicBuf(out, true);
+        return false;
+    }
+    out.isColor =
+        out.channels == 3 && (out.dataType == ExImageDataType::UInt8 || out.dataType == ExImageDataType::UInt16);
+    return true;
+}

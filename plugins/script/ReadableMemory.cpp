@@ -1,0 +1,58 @@
+#include "ReadableMemory.h"
+
+#include <algorithm>
+#include <bit>
+
+#include <sys/uio.h>
+#include <unistd.h>
+
+namespace {
+// At most 512 KB of memory about pages.
+constexpr std::size_t mostSlots = 65536;
+constexpr std::size_t fewestSlots = 64;
+
+unsigned slotShiftFor(std::size_t expectedPages)
+{
+    const std::size_t wanted = std::clamp(expectedPages, fewestSlots / 2, mostSlots / 2) * 2;
+    return 64U - unsigned(std::bit_width(std::bit_ceil(wanted)) - 1);
+}
+} // namespace
+
+ReadableMemory::ReadableMemory(std::size_t expectedPages)
+    : m_pageSize(std::uint64_t(sysconf(_SC_PAGESIZE)))
+    , m_slotShift(slotShiftFor(expectedPages))
+    , m_readablePages(std::size_t(1) << (64U - m_slotShift), 0)
+{
+}
+
+bool ReadableMemory::contains(std::uint64_t address, std::size_t size)
+{
+    if (size == 0)
+        return true;
+    const std::uint64_t last = address + (size - 1);
+    if (last < address)
+        return false;
+    for (std::uint64_t page = address / m_pageSize; page <= last / m_pageSize; ++page) {
+        if (!pageIsReadable(page))
+            return false;
+    }
+    return true;
+}
+
+bool ReadableMemory::pageIsReadable(std::uint64_t page)
+{
+    if (m_lastPage == page + 1)
+        return true;
+    // Fibonacci hashing: pages that lie a fixed distance apart, as the rows of an image do, spread over all places.
+    std::uint64_t& known = m_readablePages[(page * 0x9E3779B97F4A7C15ULL) >> m_slotShift];
+    if (known != page + 1) {
+        char byte = 0;
+        const iovec into = {&byte, 1};
+        const iovec from = {reinterpret_cast<void*>(page * m_pageSize), 1};
+        if (process_vm_readv(getpid(), &into, 1, &from, 1, 0) != 1)
+            return false;
+        known = page + 1;
+    }
+    m_lastPage = page + 1;
+    return true;
+}
