@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QtCore/QString>
+#include <QtGui/QImage>
+
+struct SxPicBuf;
+struct SxPicBufInfo;
+
+/// The buffer as 8-bit pixels for the screen and for video: Format_Grayscale8, Format_BGR888, or Format_RGB16 for
+/// packed colour. A null image for a buffer without pixels.
+///
+/// Whole numbers are scaled so that full scale (the buffer's bpc) becomes 255; negative ones are black. Floating-point
+/// numbers are scaled by the buffer's saturation, or from the smallest to the largest value where it has none;
+/// not-a-number is black. Alpha is left out: what a pixel holds is to be seen also where it is transparent.
+QImage displayImage(const SxPicBuf& buffer);
+
+/// The values of the pixel as a user reads them, as in "4095" or "R 12  G 40  B 255"; empty outside the image.
+QString pixelText(const SxPicBuf& buffer, int x, int y);
+
+/// Size and kind of a picture in words, as in "1280 x 960, mono, 12 bit (uint16)".
+QString formatText(const SxPicBufInfo& info);

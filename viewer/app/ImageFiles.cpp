@@ -1,0 +1,32 @@
+#include "ImageFiles.h"
+
+#include "CxImageData.h"
+#include "CxImageFormatManager.h"
+
+#include <QtCore/QDebug>
+
+std::shared_ptr<CxImageData> loadImageFile(const QString& path)
+{
+    const std::unique_ptr<CxImageFileLoader> loader(CxImageFormatManager::instance()->loaderForFile(path));
+    if (!loader) {
+        qCritical().noquote() << QStringLiteral("%1 is not an image file that can be read").arg(path);
+        return nullptr;
+    }
+    if (!loader->readFile())
+        return nullptr;
+    auto* frame = qobject_cast<CxImageData*>(loader->frameAt(0));
+    std::shared_ptr<CxImageData> image(frame ? qobject_cast<CxImageData*>(frame->clone(nullptr, nullptr)) : nullptr);
+    if (!image)
+        qCritical().noquote() << QStringLiteral("%1 cannot be shown: out of memory").arg(path);
+    return image;
+}
+
+bool saveImageFile(CxImageData& image, const QString& path)
+{
+    const std::unique_ptr<CxImageFileSaver> saver(CxImageFormatManager::instance()->saverForFile(path));
+    if (!saver) {
+        qCritical().noquote() << QStringLiteral("%1 is not an image file that can be written").arg(path);
+        return false;
+    }
+    return saver->saveImage(&image, nullptr);
+}

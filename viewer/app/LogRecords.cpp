@@ -1,0 +1,44 @@
+#include "LogRecords.h"
+
+#include "StandardStreams.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QFile>
+#include <QtCore/qlogging.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+// A plain descriptor: records come from any thread, and until the very end of the process.
+int logFd = STDERR_FILENO;
+
+void writeRecord(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    // Common in containers and services, of no consequence here, and said by the toolkit at every start.
+    if (message.startsWith(QStringLiteral("QStandardPaths: XDG_RUNTIME_DIR not set")))
+        return;
+    writeAll(logFd, (qFormatLogMessage(type, context, message) + QLatin1Char('\n')).toUtf8());
+}
+
+} // namespace
+
+void LogRecords::writeToStandardError()
+{
+    logFd = STDERR_FILENO;
+    qInstallMessageHandler(writeRecord);
+}
+
+QString LogRecords::writeToFile(const QString& path)
+{
+    const int fd = open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    if (fd < 0)
+        return QStringLiteral("The log file %1 cannot be written: %2")
+            .arg(path, QString::fromLocal8Bit(strerror(errno)));
+    logFd = fd;
+    qInstallMessageHandler(writeRecord);
+    return {};
+}

@@ -1,0 +1,39 @@
+#include "Platform.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QtGlobal>
+
+#include <clocale>
+#include <langinfo.h>
+
+namespace {
+
+void prepareDisplay()
+{
+    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        return;
+    // A display that is named but does not answer counts as none.
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "wayland;xcb;offscreen");
+    else if (!qEnvironmentVariableIsEmpty("DISPLAY"))
+        qputenv("QT_QPA_PLATFORM", "xcb;offscreen");
+    else
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+void prepareLocale()
+{
+    std::setlocale(LC_ALL, "");
+    if (qstricmp(nl_langinfo(CODESET), "UTF-8") == 0)
+        return;
+    qputenv("LC_ALL", "C.UTF-8");
+    std::setlocale(LC_ALL, "");
+}
+
+} // namespace
+
+void preparePlatform()
+{
+    prepareDisplay();
+    prepareLocale();
+}

@@ -1,0 +1,93 @@
+#include "ScriptQueue.h"
+
+#include "CxImageData.h"
+#include "ScriptEnvironment.h"
+#include "ScriptRunner.h"
+
+#include <QtCore/QThread>
+
+namespace {
+/// Deep recursion is ended by the interpreter, which counts on the room of a main thread.
+constexpr unsigned stackBytes = 16U << 20U;
+} // namespace
+
+ScriptQueue::ScriptQueue(std::unique_ptr<ScriptRunner> runner, bool ownThread)
+    : m_runner(std::move(runner))
+{
+    connect(m_runner.get(), &ScriptRunner::ended, this, &ScriptQueue::noteEnd);
+    if (!ownThread)
+        return;
+    m_thread = std::make_unique<QThread>();
+    m_thread->setObjectName(QStringLiteral("scripts"));
+    m_thread->setStackSize(stackBytes);
+    m_runner->moveToThread(m_thread.get());
+    m_thread->start();
+}
+
+ScriptQueue::~ScriptQueue()
+{
+    clear();
+    m_runner->disconnect(this);
+    callRunner([this] { m_runner->unload(); });
+    if (m_thread) {
+        m_thread->quit();
+        m_thread->wait();
+    }
+}
+
+QString ScriptQueue::load(const QString& library)
+{
+    QString problem;
+    callRunner([&] { problem = m_runner->load(library); });
+    return problem;
+}
+
+QString ScriptQueue::language()
+{
+    QString language;
+    callRunner([&] { language = m_runner->language(); });
+    return language;
+}
+
+void ScriptQueue::add(const QString& script, std::shared_ptr<ScriptEnvironment> environment)
+{
+    m_waiting.push_back({script, std::move(environment)});
+    startNext();
+}
+
+void ScriptQueue::publish(const QString& name, std::shared_ptr<CxImageData> image)
+{
+    callRunner([&] { m_runner->publish(name, std::move(image)); });
+}
+
+void ScriptQueue::startNext()
+{
+    if (m_running || m_waiting.empty())
+        return;
+    m_running = true;
+    Q_EMIT runStarted();
+    Job job = std::move(m_waiting.front());
+    m_waiting.pop_front();
+    // Through the event loop also on the GUI thread: whoever adds a script goes on first.
+    QMetaObject::invokeMethod(
+        m_runner.get(), [runner = m_runner.get(), job] { runner->run(job.script, job.environment); },
+        Qt::QueuedConnection);
+}
+
+void ScriptQueue::noteEnd(const QString& result)
+{
+    m_running = false;
+    Q_EMIT runEnded(result);
+    startNext();
+    if (!isBusy())
+        Q_EMIT becameIdle();
+}
+
+template<typename Function>
+void ScriptQueue::callRunner(Function function)
+{
+    if (m_thread)
+        QMetaObject::invokeMethod(m_runner.get(), function, Qt::BlockingQueuedConnection);
+    else
+        function();
+}

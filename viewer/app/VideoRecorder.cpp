@@ -1,0 +1,127 @@
+#include "VideoRecorder.h"
+
+#include "DisplayImage.h"
+#include "SxPicBuf.h"
+
+#include <QtCore/QDebug>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+#include <opencv2/imgproc.hpp>
+#include <opencv2/videoio.hpp>
+
+struct VideoRecorder::Recording {
+    QString path;
+    double framesPerSecond = 0;
+    cv::VideoWriter writer;
+    cv::Size size;
+    int frames = 0;
+
+    /// OpenCV's own writer needs no codec library and behaves alike everywhere.
+    bool open(cv::Size frameSize)
+    {
+        size = frameSize;
+        try {
+            return writer.open(QFile::encodeName(path).toStdString(), cv::CAP_OPENCV_MJPEG,
+                               cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), framesPerSecond, size, true);
+        } catch (const cv::Exception& error) {
+            qCritical().noquote() << "Video:" << error.what();
+            return false;
+        }
+    }
+};
+
+namespace {
+
+bool canBeWritten(const QString& path)
+{
+    if (QFileInfo(path).suffix().compare(QStringLiteral("avi"), Qt::CaseInsensitive) != 0) {
+        qCritical().noquote() << QStringLiteral("Cannot record to %1: videos are .avi files").arg(path);
+        return false;
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::Append)) {
+        qCritical().noquote() << QStringLiteral("Cannot record to %1: %2").arg(path, file.errorString());
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+VideoRecorder::VideoRecorder() = default;
+
+VideoRecorder::~VideoRecorder()
+{
+    stop();
+}
+
+bool VideoRecorder::start(const QString& path, const SxPicBuf* shown, double framesPerSecond)
+{
+    if (m_recording) {
+        qCritical().noquote()
+            << QStringLiteral("Cannot record to %1: a recording to %2 is under way").arg(path, m_recording->path);
+        return false;
+    }
+    if (!canBeWritten(path))
+        return false;
+    auto recording = std::make_unique<Recording>();
+    recording->path = path;
+    recording->framesPerSecond = framesPerSecond;
+    if (shown && shown->data && !recording->open(cv::Size(int(shown->width), int(shown->height)))) {
+        qCritical().noquote() << QStringLiteral("Cannot record to %1: the file cannot be written as a video").arg(path);
+        return false;
+    }
+    m_recording = std::move(recording);
+    return true;
+}
+
+bool VideoRecorder::isRecording() const
+{
+    return m_recording != nullptr;
+}
+
+void VideoRecorder::add(const SxPicBuf& image)
+{
+    if (!m_recording)
+        return;
+    const QImage frame = displayImage(image).convertToFormat(QImage::Format_BGR888);
+    if (frame.isNull())
+        return;
+    const cv::Size size(frame.width(), frame.height());
+    if (m_recording->frames == 0 && !(m_recording->writer.isOpened() && size == m_recording->size) &&
+        !m_recording->open(size)) {
+        qCritical().noquote() << QStringLiteral("Recording to %1 has failed").arg(m_recording->path);
+        m_recording.reset();
+        return;
+    }
+    try {
+        const cv::Mat pixels(size, CV_8UC3, const_cast<uchar*>(frame.constBits()), std::size_t(frame.bytesPerLine()));
+        cv::Mat scaled = pixels;
+        if (size != m_recording->size)
+            cv::resize(pixels, scaled, m_recording->size, 0, 0, cv::INTER_AREA);
+        m_recording->writer.write(scaled);
+        ++m_recording->frames;
+    } catch (const cv::Exception& error) {
+        qCritical().noquote()
+            << QStringLiteral("Recording to %1 has failed: %2").arg(m_recording->path, QString::fromUtf8(error.what()));
+        m_recording.reset();
+    }
+}
+
+void VideoRecorder::stop()
+{
+    if (!m_recording)
+        return;
+    m_recording->writer.release();
+    if (m_recording->frames == 0) {
+        QFile::remove(m_recording->path);
+        qWarning().noquote() << QStringLiteral("No frame was recorded to %1").arg(m_recording->path);
+    }
+    m_recording.reset();
+}
+
+int VideoRecorder::frameCount() const
+{
+    return m_recording ? m_recording->frames : 0;
+}

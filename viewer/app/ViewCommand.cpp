@@ -1,0 +1,30 @@
+#include "ViewCommand.h"
+
+#include "CommandLine.h"
+#include "Viewer.h"
+
+#include <QtCore/QDebug>
+#include <QtWidgets/QApplication>
+
+int openViewer(const ViewOptions& options)
+{
+    Viewer::Settings settings;
+    settings.showsOutput = true;
+    Viewer viewer(settings);
+    // A viewer without scripts is still a viewer.
+    if (const QString problem = viewer.loadScripting(); !problem.isEmpty()) {
+        qCritical().noquote() << problem;
+        viewer.window().showNotification(problem);
+    }
+    viewer.window().show();
+    QStringList failed;
+    for (const QString& path : options.files)
+        if (!viewer.window().openFile(path))
+            failed += path;
+    if (options.files.size() > 1)
+        viewer.window().tileViews();
+    if (!failed.isEmpty())
+        viewer.window().showNotification(
+            MainWindow::tr("Cannot be shown as an image: %1").arg(failed.join(QStringLiteral(", "))));
+    return QApplication::exec();
+}

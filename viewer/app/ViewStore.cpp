@@ -1,0 +1,37 @@
+#include "ViewStore.h"
+
+#include "CxImageData.h"
+
+#include <QtCore/QMutexLocker>
+
+void ViewStore::setImage(int id, std::shared_ptr<CxImageData> image)
+{
+    // The old image goes when the lock is open again: freeing a large one takes its time.
+    const QMutexLocker lock(&m_lock);
+    m_images[id].swap(image);
+}
+
+void ViewStore::remove(int id)
+{
+    const QMutexLocker lock(&m_lock);
+    m_images.erase(id);
+}
+
+void ViewStore::setActiveId(int id)
+{
+    const QMutexLocker lock(&m_lock);
+    m_activeId = id;
+}
+
+std::shared_ptr<CxImageData> ViewStore::image(int id) const
+{
+    const QMutexLocker lock(&m_lock);
+    const auto found = m_images.find(id);
+    return found == m_images.end() ? nullptr : found->second;
+}
+
+int ViewStore::activeId() const
+{
+    const QMutexLocker lock(&m_lock);
+    return m_activeId;
+}
