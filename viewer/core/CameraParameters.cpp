@@ -1,0 +1,236 @@
+// The parameter store: listing, reading, writing, region of interest. Settings files are in CameraSettingsFile.cpp.
+
+#include "CxCameraParameters.h"
+
+#include "CameraSettingsFile.h"
+#include "IxCameraDevice.h"
+
+#include <QtCore/QLoggingCategory>
+#include <QtCore/QMutexLocker>
+#include <QtCore/QRecursiveMutex>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+struct CxCameraParameters::Private {
+    SxCameraInfo info;
+    QSize sensor;
+    IxCameraDevice* device = nullptr;
+    std::vector<std::unique_ptr<CxCameraParam>> params;
+    // Held while the device is talked to; recursive, since a device reports values back from within a write.
+    mutable QRecursiveMutex mutex;
+    QRect region;
+
+    ExWriteStatus write(CxCameraParam& param, const CxValue& value, bool commit);
+};
+
+namespace {
+
+bool isDescription(const QString& name)
+{
+    static const std::array<QString, 6> keys = {QStringLiteral("device_name"),     QStringLiteral("device_type"),
+                                                QStringLiteral("device_model_id"), QStringLiteral("device_sn"),
+                                                QStringLiteral("device_user_id"),  QStringLiteral("device_inst_path")};
+    return std::find(keys.begin(), keys.end(), name) != keys.end();
+}
+
+/// Brings a value within the parameter's limits; true when it was outside.
+bool clip(CxValue& value, const CxCameraParam& param)
+{
+    const auto below = [](const CxValue& a, const CxValue& b) {
+        return a.type() == CxValue::Floating ? a.toFloat() < b.toFloat() : a.toInt() < b.toInt();
+    };
+    if (!param.minimum.isEmpty() && below(value, param.minimum))
+        value = param.minimum;
+    else if (!param.maximum.isEmpty() && below(param.maximum, value))
+        value = param.maximum;
+    else
+        return false;
+    return true;
+}
+
+void store(int* status, CxCameraParameters::ExWriteStatus result)
+{
+    if (status)
+        *status = result;
+}
+
+} // namespace
+
+IxCameraDevice::~IxCameraDevice() = default;
+
+CxCameraParameters::CxCameraParameters(const SxCameraInfo& info, const QSize& sensor, IxCameraDevice* device)
+    : d(std::make_unique<Private>())
+{
+    d->info = info;
+    d->sensor = sensor;
+    d->device = device;
+    d->region = QRect(QPoint(0, 0), sensor);
+}
+
+CxCameraParameters::~CxCameraParameters() = default;
+
+const SxCameraInfo& CxCameraParameters::cameraInfo() const
+{
+    return d->info;
+}
+
+QSize CxCameraParameters::sensorSize() const
+{
+    return d->sensor;
+}
+
+CxCameraParam* CxCameraParameters::addParam(const QString& name, const CxValue& value)
+{
+    if (findParam(name, false))
+        return nullptr;
+    return d->params.emplace_back(std::make_unique<CxCameraParam>(name, value)).get();
+}
+
+QList<CxCameraParam*> CxCameraParameters::params() const
+{
+    QList<CxCameraParam*> list;
+    for (const auto& param : d->params)
+        list.append(param.get());
+    return list;
+}
+
+CxCameraParam* CxCameraParameters::findParam(const QString& name, bool ignoreCase) const
+{
+    const auto sensitivity = ignoreCase ? Qt::CaseInsensitive : Qt::CaseSensitive;
+    for (const auto& param : d->params)
+        if (param->name().compare(name, sensitivity) == 0)
+            return param.get();
+    return nullptr;
+}
+
+bool CxCameraParameters::setParamDirect(const QString& name, const CxValue& value, int* status,
+                                        ExCommitRefreshGuiMode mode)
+{
+    CxCameraParam* param = findParam(name, false);
+    if (!param) {
+        // What can be read in another way is known, and cannot be written.
+        const QString base = name.section(u':', 0, 0);
+        CxValue ignored;
+        const bool known = findParam(base, false) || isDescription(base) || getParamDirect(base, ignored, nullptr);
+        store(status, known ? ReadOnly : Unknown);
+        return false;
+    }
+    const ExWriteStatus result = d->write(*param, value, true);
+    store(status, result);
+    if (result < 0)
+        return false;
+    if (mode == ExCommitRefreshGuiMode::CommitAndRefresh)
+        Q_EMIT paramChanged(name);
+    return true;
+}
+
+bool CxCameraParameters::getParamDirect(const QString& name, CxValue& value, int* status)
+{
+    bool found = false;
+    if (const CxCameraParam* param = findParam(name, false)) {
+        found = !param->notSupported;
+        if (found)
+            value = param->paramValue();
+    } else if (d->device) {
+        const QMutexLocker lock(&d->mutex);
+        found = d->device->readParam(name, value);
+    }
+    store(status, found ? Written : Unknown);
+    return found;
+}
+
+void CxCameraParameters::reportParam(const QString& name, const CxValue& value)
+{
+    CxCameraParam* param = findParam(name, false);
+    if (!param)
+        return;
+    param->setParamValue(value);
+    Q_EMIT paramChanged(name);
+}
+
+bool CxCameraParameters::setROIRectParams(int x, int y, int width, int height, bool commit, bool refresh)
+{
+    // In 64 bits, since any four integers may come.
+    const qint64 left = std::max<qint64>(x, 0);
+    const qint64 top = std::max<qint64>(y, 0);
+    const qint64 right = std::min<qint64>(qint64(x) + width, d->sensor.width());
+    const qint64 bottom = std::min<qint64>(qint64(y) + height, d->sensor.height());
+    if (left >= right || top >= bottom)
+        return false;
+    const QRect region(int(left), int(top), int(right - left), int(bottom - top));
+    {
+        const QMutexLocker lock(&d->mutex);
+        if (commit && d->device && !d->device->writeRegion(region))
+            return false;
+        d->region = region;
+    }
+    if (refresh)
+        Q_EMIT regionChanged();
+    return true;
+}
+
+QList<QRect> CxCameraParameters::currentROIRectParams() const
+{
+    const QMutexLocker lock(&d->mutex);
+    return {d->region};
+}
+
+bool CxCameraParameters::saveParamValuesToFile(const QString& path, CxCameraParam::ExVisibility visibility) const
+{
+    CameraSettings settings;
+    for (const auto& param : d->params)
+        if (!param->readOnly && !param->notSupported && param->visibility <= visibility)
+            settings.values.append({param->name(), param->paramValue()});
+    settings.region = currentROIRectParams().constFirst();
+    return writeCameraSettings(path, d->info, settings);
+}
+
+bool CxCameraParameters::loadParamValuesFromFile(const QString& path, CxCameraParam::ExVisibility visibility,
+                                                 QStringList* failed, bool commit)
+{
+    const std::optional<CameraSettings> settings = readCameraSettings(path);
+    if (!settings)
+        return false;
+    for (const auto& [name, value] : settings->values) {
+        CxCameraParam* param = findParam(name, false);
+        const bool taken = param && param->visibility <= visibility && fitsType(value, param->paramValue().type()) &&
+                           d->write(*param, value, commit) >= 0;
+        if (taken)
+            Q_EMIT paramChanged(name);
+        else if (failed)
+            failed->append(name);
+    }
+    if (const auto& region = settings->region)
+        setROIRectParams(region->x(), region->y(), region->width(), region->height(), commit, true);
+    return true;
+}
+
+void CxCameraParameters::notifyShadingChanged()
+{
+    Q_EMIT shadingChanged();
+}
+
+CxCameraParameters::ExWriteStatus CxCameraParameters::Private::write(CxCameraParam& param, const CxValue& value,
+                                                                     bool commit)
+{
+    if (param.notSupported)
+        return Refused;
+    if (param.readOnly)
+        return ReadOnly;
+    CxValue wanted = value.converted(param.paramValue().type());
+    if (wanted.type() == CxValue::Floating && std::isnan(wanted.toFloat()))
+        return Refused;
+    if (wanted.type() == CxValue::String && !param.choices.isEmpty() && !param.choices.contains(wanted.toString()))
+        return Refused;
+    const bool clipped = clip(wanted, param);
+
+    const QMutexLocker lock(&mutex);
+    if (commit && device && !device->writeParam(param.name(), wanted))
+        return Refused;
+    param.setParamValue(wanted);
+    return clipped ? Clipped : Written;
+}

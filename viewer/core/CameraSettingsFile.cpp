@@ -1,0 +1,162 @@
+#include "CameraSettingsFile.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+#include <QtCore/QLoggingCategory>
+#include <QtCore/QSaveFile>
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+const QString formatName = QStringLiteral("vantrel camera settings");
+constexpr int formatVersion = 1;
+constexpr qint64 largestFile = 1 << 20;
+
+/// Why a path cannot name a settings file; empty when it can. Devices and pipes cannot: reading one could last for
+/// ever.
+QString whyNoFile(const QString& path)
+{
+    if (path.isEmpty())
+        return QStringLiteral("no file name");
+    const QFileInfo file(path);
+    return file.exists() && !file.isFile() ? QStringLiteral("it is not a file") : QString();
+}
+
+QJsonValue toJson(const CxValue& value)
+{
+    switch (value.type()) {
+    case CxValue::Integer:
+        return value.toInt();
+    case CxValue::Floating:
+        // By way of the text, so that 0.1 is written as such and not with the digits of its single precision.
+        return value.toString().toDouble();
+    case CxValue::Boolean:
+        return value.toBool();
+    case CxValue::String:
+        return value.toString();
+    case CxValue::Empty:
+        break;
+    }
+    return QJsonValue::Null;
+}
+
+/// An empty value for what no parameter can hold.
+CxValue fromJson(const QJsonValue& json)
+{
+    if (json.isBool())
+        return CxValue::fromBool(json.toBool());
+    if (json.isString())
+        return CxValue::fromString(json.toString());
+    if (!json.isDouble())
+        return CxValue();
+    const double number = json.toDouble();
+    if (number == std::floor(number) && std::fabs(number) <= double(std::numeric_limits<std::int32_t>::max()))
+        return CxValue::fromInt(std::int32_t(number));
+    return CxValue::fromString(QString::number(number, 'g', 17)).converted(CxValue::Floating);
+}
+
+/// The region, nothing when the file has none; ok tells whether what is there is a region.
+std::optional<QRect> regionFromJson(const QJsonValue& json, bool& ok)
+{
+    ok = json.isUndefined();
+    const QJsonArray numbers = json.toArray();
+    if (numbers.size() != 4)
+        return std::nullopt;
+    std::array<int, 4> edges;
+    for (std::size_t i = 0; i < edges.size(); ++i) {
+        const CxValue number = fromJson(numbers[qsizetype(i)]);
+        if (number.type() != CxValue::Integer)
+            return std::nullopt;
+        edges[i] = number.toInt();
+    }
+    ok = true;
+    return QRect(edges[0], edges[1], edges[2], edges[3]);
+}
+
+std::optional<CameraSettings> settingsFromJson(const QJsonObject& root)
+{
+    if (root[QStringLiteral("format")].toString() != formatName ||
+        root[QStringLiteral("version")].toInt() != formatVersion || !root[QStringLiteral("parameters")].isObject())
+        return std::nullopt;
+    CameraSettings settings;
+    bool regionIsGood = false;
+    settings.region = regionFromJson(root[QStringLiteral("region")], regionIsGood);
+    if (!regionIsGood)
+        return std::nullopt;
+    const QJsonObject parameters = root[QStringLiteral("parameters")].toObject();
+    for (auto entry = parameters.begin(); entry != parameters.end(); ++entry)
+        settings.values.append({entry.key(), fromJson(entry.value())});
+    return settings;
+}
+
+/// Nothing, and the reason in problem, for a text that is not a settings file's.
+std::optional<CameraSettings> settingsFromText(const QByteArray& text, QString& problem)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
+    if (error.error != QJsonParseError::NoError) {
+        problem = error.errorString();
+        return std::nullopt;
+    }
+    auto settings = settingsFromJson(document.object());
+    if (!settings)
+        problem = QStringLiteral("it holds no camera settings");
+    return settings;
+}
+
+} // namespace
+
+bool writeCameraSettings(const QString& path, const SxCameraInfo& camera, const CameraSettings& settings)
+{
+    QJsonObject parameters;
+    for (const auto& [name, value] : settings.values)
+        parameters[name] = toJson(value);
+    QJsonObject root;
+    root[QStringLiteral("format")] = formatName;
+    root[QStringLiteral("version")] = formatVersion;
+    root[QStringLiteral("camera")] = QJsonObject{{QStringLiteral("device_name"), camera.deviceName},
+                                                 {QStringLiteral("device_sn"), camera.serialNumber}};
+    root[QStringLiteral("parameters")] = parameters;
+    if (const auto& region = settings.region)
+        root[QStringLiteral("region")] = QJsonArray{region->x(), region->y(), region->width(), region->height()};
+
+    QString problem = whyNoFile(path);
+    if (problem.isEmpty()) {
+        QSaveFile file(path);
+        const QByteArray text = QJsonDocument(root).toJson();
+        if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
+            return true;
+        problem = file.errorString();
+    }
+    qWarning("Camera settings were not written to %ls: %ls", qUtf16Printable(path), qUtf16Printable(problem));
+    return false;
+}
+
+std::optional<CameraSettings> readCameraSettings(const QString& path)
+{
+    QString problem = whyNoFile(path);
+    if (problem.isEmpty()) {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            problem = file.errorString();
+        else if (file.size() > largestFile)
+            problem = QStringLiteral("it is too large");
+        else if (auto settings = settingsFromText(file.readAll(), problem))
+            return settings;
+    }
+    qWarning("Camera settings were not read from %ls: %ls", qUtf16Printable(path), qUtf16Printable(problem));
+    return std::nullopt;
+}
+
+bool fitsType(const CxValue& fromFile, CxValue::ExType type)
+{
+    const bool number = fromFile.type() == CxValue::Integer || fromFile.type() == CxValue::Floating;
+    const bool wantsNumber = type == CxValue::Integer || type == CxValue::Floating;
+    return wantsNumber ? number : fromFile.type() == type;
+}

@@ -1,0 +1,36 @@
+#include "CxShadingPreset.h"
+
+#include "CxCameraParameters.h"
+
+#include <array>
+
+namespace {
+// What a reference image depends on.
+const std::array<QString, 3> keptParams = {QStringLiteral("exposure"), QStringLiteral("gain"),
+                                           QStringLiteral("black_level")};
+} // namespace
+
+CxShadingPreset::CxShadingPreset() = default;
+
+void CxShadingPreset::saveCurrentValuesFrom(CxCameraParameters* parameters)
+{
+    if (!parameters)
+        return;
+    values.clear();
+    for (const QString& param : keptParams)
+        if (const CxCameraParam* found = parameters->findParam(param, false); found && !found->notSupported)
+            values.append({param, found->paramValue()});
+    rects = parameters->currentROIRectParams();
+}
+
+void CxShadingPreset::activateValuesTo(CxCameraParameters* parameters) const
+{
+    if (!parameters)
+        return;
+    for (const auto& [param, value] : values)
+        parameters->setParamDirect(param, value, nullptr, ExCommitRefreshGuiMode::CommitAndRefresh);
+    if (!rects.isEmpty()) {
+        const QRect& region = rects.first();
+        parameters->setROIRectParams(region.x(), region.y(), region.width(), region.height(), true, true);
+    }
+}
