@@ -1,0 +1,226 @@
+// The stages of a processing chain: their settings, and what all of them do before they touch pixels.
+
+#include "ChainStages.h"
+
+#include "CxImageData.h"
+#include "CxPicBufAPI.h"
+#include "CxRTTI.h"
+#include "StagePixels.h"
+
+#include <QtCore/QLoggingCategory>
+
+#include <cmath>
+#include <exception>
+#include <utility>
+
+namespace {
+
+constexpr double hugeNumber = 1e15;
+constexpr double largestSigma = 50.0; // pixels; more takes seconds an image
+
+/// The attributes of a "conf" element, read with their defaults.
+class Settings
+{
+public:
+    Settings(QDomElement conf, QString stage)
+        : m_conf(std::move(conf))
+        , m_stage(std::move(stage))
+    {
+    }
+
+    /// A number from min to max; none when the attribute is missing or wrong.
+    std::optional<double> number(const QString& name, double min, double max) const
+    {
+        if (!m_conf.hasAttribute(name))
+            return std::nullopt;
+        const QString text = m_conf.attribute(name);
+        bool isNumber = false;
+        const double value = text.toDouble(&isNumber);
+        if (isNumber && std::isfinite(value) && value >= min && value <= max)
+            return value;
+        complain(name, text, QStringLiteral("a number from %1 to %2").arg(min).arg(max));
+        return std::nullopt;
+    }
+
+    bool flag(const QString& name, bool byDefault) const
+    {
+        if (!m_conf.hasAttribute(name))
+            return byDefault;
+        const QString text = m_conf.attribute(name);
+        if (text == QLatin1String("1") || text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0)
+            return true;
+        if (text == QLatin1String("0") || text.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
+            return false;
+        complain(name, text, QStringLiteral("1, 0, true or false"));
+        return byDefault;
+    }
+
+private:
+    void complain(const QString& name, const QString& text, const QString& wanted) const
+    {
+        constexpr qsizetype shown = 60; // a wrong value may be of any length
+        qWarning().noquote() << QStringLiteral("%1: %2 cannot be \"%3\", only %4; the default is used")
+                                    .arg(m_stage, name, text.left(shown), wanted);
+    }
+
+    QDomElement m_conf;
+    QString m_stage;
+};
+
+template<typename Stage>
+void registerStage(CxRTTI& registry, const QString& name)
+{
+    registry.registerClass(Stage::staticMetaObject, name, [] { return new Stage; });
+}
+
+} // namespace
+
+void registerChainStages(CxRTTI& registry)
+{
+    registerStage<GainStage>(registry, QStringLiteral("Gain"));
+    registerStage<InvertStage>(registry, QStringLiteral("Invert"));
+    registerStage<FlipStage>(registry, QStringLiteral("Flip"));
+    registerStage<GaussianBlurStage>(registry, QStringLiteral("Gaussian Blur"));
+    registerStage<ThresholdStage>(registry, QStringLiteral("Threshold"));
+}
+
+// ---- all stages ----
+
+void ImageStage::process(CxImageData& image)
+{
+    SxPicBuf* buffer = image.picBuf();
+    if (!buffer || !buffer->data)
+        return;
+    if (buffer->storageFormat == ExDataStorageFormat::Planar)
+        return complainOnce(QStringLiteral("planar pixels are not supported"));
+    if (buffer->dataType == ExImageDataType::None || buffer->dataType > ExImageDataType::Packed565)
+        return complainOnce(QStringLiteral("the pixels have no known type"));
+    try {
+        if (buffer->dataType != ExImageDataType::Packed565)
+            return processPixels(*buffer);
+        CxImageData unpacked;
+        unpacked.setPicBuf(stage_pixels::unpack565(*buffer));
+        if (!unpacked.picBuf()->data)
+            return complainOnce(QStringLiteral("there is no memory to work in"));
+        processPixels(*unpacked.picBuf());
+        stage_pixels::pack565(*unpacked.picBuf(), *buffer);
+    } catch (const std::exception& error) {
+        complainOnce(QString::fromUtf8(error.what()));
+    }
+}
+
+QString ImageStage::displayName() const
+{
+    return CxRTTI::instance()->customNameForClass(QString::fromLatin1(metaObject()->className()));
+}
+
+// Frames come many times a second; their complaints would fill the log.
+void ImageStage::complainOnce(const QString& reason)
+{
+    if (reason == std::exchange(m_lastComplaint, reason))
+        return;
+    qWarning().noquote() << QStringLiteral("%1: the image is left as it is: %2").arg(displayName(), reason);
+}
+
+// ---- Gain ----
+
+void GainStage::readConfig(QDomElement conf)
+{
+    const Settings settings(conf, displayName());
+    m_gain = settings.number(QStringLiteral("gain"), -hugeNumber, hugeNumber).value_or(1.0);
+    m_offset = settings.number(QStringLiteral("offset"), -hugeNumber, hugeNumber).value_or(0.0);
+    Q_EMIT changed();
+}
+
+QString GainStage::summary() const
+{
+    return tr("gain %1, offset %2").arg(m_gain).arg(m_offset);
+}
+
+void GainStage::processPixels(SxPicBuf& buffer)
+{
+    stage_pixels::applyGain(buffer, m_gain, m_offset);
+}
+
+// ---- Invert ----
+
+void InvertStage::readConfig(QDomElement /*conf*/)
+{
+    Q_EMIT changed();
+}
+
+QString InvertStage::summary() const
+{
+    return QString();
+}
+
+void InvertStage::processPixels(SxPicBuf& buffer)
+{
+    stage_pixels::invert(buffer);
+}
+
+// ---- Flip ----
+
+void FlipStage::readConfig(QDomElement conf)
+{
+    const Settings settings(conf, displayName());
+    m_horizontal = settings.flag(QStringLiteral("horizontal"), false);
+    m_vertical = settings.flag(QStringLiteral("vertical"), false);
+    Q_EMIT changed();
+}
+
+QString FlipStage::summary() const
+{
+    if (m_horizontal)
+        return m_vertical ? tr("horizontal, vertical") : tr("horizontal");
+    return m_vertical ? tr("vertical") : tr("neither way");
+}
+
+void FlipStage::process(CxImageData& image)
+{
+    ImageStage::process(image);
+    // What describes the frame follows the pixels.
+    if (image.picBuf() && image.imageMetadata())
+        image.imageMetadata()->colorFilterArray = image.picBuf()->colorFilterArray;
+}
+
+void FlipStage::processPixels(SxPicBuf& buffer)
+{
+    stage_pixels::flip(buffer, m_horizontal, m_vertical);
+}
+
+// ---- Gaussian Blur ----
+
+void GaussianBlurStage::readConfig(QDomElement conf)
+{
+    m_sigma = Settings(conf, displayName()).number(QStringLiteral("sigma"), 0.0, largestSigma).value_or(1.0);
+    Q_EMIT changed();
+}
+
+QString GaussianBlurStage::summary() const
+{
+    return tr("sigma %1").arg(m_sigma);
+}
+
+void GaussianBlurStage::processPixels(SxPicBuf& buffer)
+{
+    stage_pixels::blur(buffer, m_sigma);
+}
+
+// ---- Threshold ----
+
+void ThresholdStage::readConfig(QDomElement conf)
+{
+    m_level = Settings(conf, displayName()).number(QStringLiteral("level"), -hugeNumber, hugeNumber);
+    Q_EMIT changed();
+}
+
+QString ThresholdStage::summary() const
+{
+    return m_level ? tr("level %1").arg(*m_level) : tr("level at half of the full scale");
+}
+
+void ThresholdStage::processPixels(SxPicBuf& buffer)
+{
+    stage_pixels::threshold(buffer, m_level);
+}
