@@ -1,5 +1,6 @@
 #include "ScriptEnvironment.h"
 
+#include "HelpTexts.h"
 #include "ImageView.h"
 #include "ScriptConstants.h"
 #include "ScriptWait.h"
@@ -73,12 +74,12 @@ void ScriptEnvironment::wait(double time)
     ScriptWait::forTime(time);
 }
 
-const char* ScriptEnvironment::functionHelp(const char* /*moduleName*/, const char* /*functionName*/)
+const char* ScriptEnvironment::functionHelp(const char* moduleName, const char* functionName)
 {
-    return nullptr;
+    return HelpTexts::instance().function(moduleName, functionName);
 }
 
-const char* ScriptEnvironment::methodHelp(const char* /*objectName*/, const char* /*methodName*/)
+const char* ScriptEnvironment::methodHelp(const char* objectName, const char* methodName)
 {
-    return nullptr;
+    return HelpTexts::instance().method(objectName, methodName);
 }

@@ -24,7 +24,9 @@ QString pluginLibrary()
     const QString chosen = qEnvironmentVariable("VANTREL_PLUGIN");
     if (!chosen.isEmpty())
         return chosen;
-    return QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("../plugins/libvantrel_python.so"));
+    const QDir programs(QCoreApplication::applicationDirPath());
+    const QString built = programs.filePath(QStringLiteral("../plugins/libvantrel_python.so"));
+    return QFileInfo::exists(built) ? built : programs.filePath(QStringLiteral(VANTREL_INSTALLED_PLUGIN));
 }
 
 void dismissDialog()
