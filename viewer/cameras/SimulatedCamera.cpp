@@ -1,0 +1,213 @@
+#include "SimulatedCamera.h"
+
+#include "CxCameraParameters.h"
+#include "CxImageData.h"
+#include "CxPicBufAPI.h"
+#include "zuCore.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace {
+
+using std::chrono::microseconds;
+
+const QString exposureName = QStringLiteral("exposure");
+const QString gainName = QStringLiteral("gain");
+const QString blackLevelName = QStringLiteral("black_level");
+const QString frameRateName = QStringLiteral("framerate");
+const QString autoExposureName = QStringLiteral("auto_exposure");
+const QString triggerModeName = QStringLiteral("trigger_mode");
+const QString frameCountName = QStringLiteral("frame_count");
+
+constexpr int shortestExposure = 10;
+constexpr int longestExposure = 1000000;
+constexpr int exposureStep = 10;
+
+void addNumber(CxCameraParameters& store, const QString& name, const std::array<CxValue, 4>& defaultMinMaxStep)
+{
+    CxCameraParam* param = store.addParam(name, defaultMinMaxStep[0]);
+    param->minimum = defaultMinMaxStep[1];
+    param->maximum = defaultMinMaxStep[2];
+    param->increment = defaultMinMaxStep[3];
+}
+
+std::unique_ptr<CxCameraParameters> defaultParameters(const SimulatedSensor& sensor, IxCameraDevice* device)
+{
+    const auto integer = [](int value) { return CxValue::fromInt(value); };
+    const auto floating = [](float value) { return CxValue::fromFloat(value); };
+    auto store = std::make_unique<CxCameraParameters>(sensor.info, sensor.size, device);
+    addNumber(*store, exposureName,
+              {integer(10000), integer(shortestExposure), integer(longestExposure), integer(exposureStep)});
+    addNumber(*store, gainName, {floating(0.0F), floating(0.0F), floating(24.0F), floating(0.1F)});
+    addNumber(*store, blackLevelName, {integer(0), integer(0), integer(255), integer(1)});
+    addNumber(*store, frameRateName, {floating(30.0F), floating(1.0F), floating(120.0F), floating(0.5F)});
+    store->addParam(autoExposureName, CxValue::fromBool(false));
+    store->addParam(triggerModeName, CxValue::fromString(QStringLiteral("off")))->choices = {
+        QStringLiteral("off"), QStringLiteral("software"), QStringLiteral("line0")};
+    store->addParam(frameCountName, CxValue::fromInt(0))->readOnly = true;
+    store->addParam(QStringLiteral("cooling"), CxValue::fromBool(false))->notSupported = true;
+    return store;
+}
+
+CxValue valueOf(const CxCameraParameters& store, const QString& name)
+{
+    return store.findParam(name, false)->paramValue();
+}
+
+} // namespace
+
+CameraBackend::~CameraBackend() = default;
+
+SimulatedCamera::SimulatedCamera(const SimulatedSensor& sensor, Clock clock)
+    : m_sensor(sensor)
+    , m_clock(std::move(clock))
+{
+}
+
+SimulatedCamera::~SimulatedCamera() = default;
+
+bool SimulatedCamera::open()
+{
+    if (m_parameters)
+        return true;
+    m_parameters = defaultParameters(m_sensor, this);
+    m_framesSinceOpening = 0;
+    return true;
+}
+
+void SimulatedCamera::close()
+{
+    if (!m_parameters)
+        return;
+    stop();
+    m_lastParameters = std::move(m_parameters);
+}
+
+bool SimulatedCamera::start()
+{
+    if (!m_parameters)
+        return false;
+    if (m_running)
+        return true;
+    m_running = true;
+    m_framesSinceStart = 0;
+    m_cameraTime = microseconds(0);
+    m_lastDue = m_clock();
+    m_parameters->reportParam(frameCountName, CxValue::fromInt(0));
+    return true;
+}
+
+void SimulatedCamera::stop()
+{
+    m_running = false;
+}
+
+std::optional<microseconds> SimulatedCamera::timeToNextFrame() const
+{
+    // Nothing ever triggers a simulated camera.
+    if (!m_running || valueOf(*m_parameters, triggerModeName).toString() != u"off")
+        return std::nullopt;
+    return std::max(m_lastDue + period() - m_clock(), microseconds(0));
+}
+
+std::unique_ptr<CxImageData> SimulatedCamera::nextFrame()
+{
+    if (timeToNextFrame() != microseconds(0))
+        return nullptr;
+    adjustExposure();
+    const SimulatedScene::Settings now = settings();
+    SxPicBuf buffer;
+    if (!CxPicBufAPI::AllocPicBufFromHeap(buffer, frameInfo(now), true, 0))
+        return nullptr;
+
+    // Short delays are caught up with; after a long one the rate starts anew, or a burst of frames would follow.
+    m_lastDue = std::max(m_lastDue + period(), m_clock() - period());
+    m_cameraTime += period();
+    buffer.acqFrameNumber = ++m_framesSinceOpening;
+    buffer.frameNumber = ++m_framesSinceStart;
+    buffer.timeStamp = std::uint64_t(m_cameraTime.count());
+    if (!m_scene)
+        m_scene = std::make_unique<SimulatedScene>(m_sensor);
+    m_scene->render(buffer, m_framesSinceStart, now);
+
+    auto frame = std::make_unique<CxImageData>();
+    SxImageMetadata metadata;
+    metadata.transportFormat = zuCore_GetZuImgFormatForPicBufInfo(buffer);
+    metadata.exposureTimeUs = now.exposureUs;
+    metadata.gainDb = now.gainDb;
+    frame->setPicBuf(buffer);
+    frame->setImageMetadata(&metadata);
+    m_parameters->reportParam(frameCountName, CxValue::fromInt(m_framesSinceStart));
+    return frame;
+}
+
+bool SimulatedCamera::writeParam(const QString& /*name*/, const CxValue& /*value*/)
+{
+    return true; // each frame reads the store
+}
+
+bool SimulatedCamera::readParam(const QString& name, CxValue& value)
+{
+    if (name == u"sensor_temperature")
+        value = CxValue::fromFloat(35.5F);
+    else if (name == u"link_speed")
+        value = CxValue::fromInt(5000);
+    else
+        return false;
+    return true;
+}
+
+bool SimulatedCamera::writeRegion(const QRect& /*region*/)
+{
+    return true; // each frame reads the store
+}
+
+microseconds SimulatedCamera::steadyClock()
+{
+    return std::chrono::duration_cast<microseconds>(std::chrono::steady_clock::now().time_since_epoch());
+}
+
+microseconds SimulatedCamera::period() const
+{
+    return microseconds(std::lround(1e6F / valueOf(*m_parameters, frameRateName).toFloat()));
+}
+
+void SimulatedCamera::adjustExposure()
+{
+    if (!valueOf(*m_parameters, autoExposureName).toBool())
+        return;
+    if (!m_scene)
+        m_scene = std::make_unique<SimulatedScene>(m_sensor);
+    const double wanted = m_scene->exposureForHalfScale(valueOf(*m_parameters, gainName).toFloat());
+    const int rounded = int(std::lround(std::min(wanted, double(longestExposure)) / exposureStep)) * exposureStep;
+    const CxValue exposure = CxValue::fromInt(std::max(rounded, shortestExposure));
+    if (!(valueOf(*m_parameters, exposureName) == exposure))
+        m_parameters->reportParam(exposureName, exposure);
+}
+
+SimulatedScene::Settings SimulatedCamera::settings() const
+{
+    SimulatedScene::Settings now;
+    now.exposureUs = valueOf(*m_parameters, exposureName).toInt();
+    now.gainDb = valueOf(*m_parameters, gainName).toFloat();
+    now.blackLevel = valueOf(*m_parameters, blackLevelName).toInt();
+    now.region = m_parameters->currentROIRectParams().constFirst();
+    return now;
+}
+
+SxPicBufInfo SimulatedCamera::frameInfo(const SimulatedScene::Settings& settings) const
+{
+    SxPicBufInfo info;
+    info.width = std::uint32_t(settings.region.width());
+    info.height = std::uint32_t(settings.region.height());
+    info.channels = m_sensor.channels;
+    info.bpc = m_sensor.bpc;
+    info.blackLevel = std::uint32_t(settings.blackLevel);
+    info.dataType = m_sensor.dataType;
+    info.storageFormat = ExDataStorageFormat::Interleaved;
+    info.isColor = m_sensor.channels > 1;
+    info.saturation = m_sensor.dataType == ExImageDataType::Float ? m_sensor.fullScale : 0.0F;
+    return info;
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "CameraBackend.h"
+#include "SimulatedScene.h"
+#include "SimulatedSensor.h"
+
+#include <functional>
+
+/// A camera without hardware: a moving scene seen by a sensor, at the set frame rate.
+///
+/// Frames are not lost when nobody asks for them in time: the next one comes late, and the numbers go on without a gap.
+class SimulatedCamera : public CameraBackend
+{
+public:
+    /// Time since any fixed moment.
+    using Clock = std::function<std::chrono::microseconds()>;
+
+    explicit SimulatedCamera(const SimulatedSensor& sensor, Clock clock = steadyClock);
+    ~SimulatedCamera() override;
+
+    bool open() override;
+    void close() override;
+    CxCameraParameters* parameters() override { return m_parameters.get(); }
+    bool start() override;
+    void stop() override;
+    bool isRunning() const override { return m_running; }
+    std::optional<std::chrono::microseconds> timeToNextFrame() const override;
+    std::unique_ptr<CxImageData> nextFrame() override;
+
+    bool writeParam(const QString& name, const CxValue& value) override;
+    bool readParam(const QString& name, CxValue& value) override;
+    bool writeRegion(const QRect& region) override;
+
+    static std::chrono::microseconds steadyClock();
+
+private:
+    std::chrono::microseconds period() const;
+    void adjustExposure();
+    SimulatedScene::Settings settings() const;
+    SxPicBufInfo frameInfo(const SimulatedScene::Settings& settings) const;
+
+    SimulatedSensor m_sensor;
+    Clock m_clock;
+    std::unique_ptr<CxCameraParameters> m_parameters;
+    std::unique_ptr<CxCameraParameters> m_lastParameters; ///< of the opening before
+    std::unique_ptr<SimulatedScene> m_scene;              ///< made for the first frame
+    bool m_running = false;
+    std::int32_t m_framesSinceOpening = 0;
+    std::int32_t m_framesSinceStart = 0;
+    std::chrono::microseconds m_cameraTime{0}; ///< of the latest frame, counted from the start
+    std::chrono::microseconds m_lastDue{0};    ///< when the latest frame should have come
+};
