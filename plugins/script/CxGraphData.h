@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QtCore/QList>
+#include <QtCore/QPointF>
+#include <QtCore/QString>
+#include <QtGui/QColor>
+
+#include <array>
+
+/// Line colours for new series, used in turn.
+extern const std::array<Qt::GlobalColor, 12> g_clDefAxesColors;
+
+/// What a graph holds between calls: its series and how they are to look. Plain data, no lock: one thread at a time.
+struct CxGraphData {
+    struct CxSeries {
+        QList<QPointF> points; ///< in the order added; drawn in the order of x
+        QColor lineColor;
+    };
+
+    QList<CxSeries> series; ///< in the order added
+    double xMin = 0.0;      ///< fixed range of the x axis, used when autoX is false
+    double xMax = 256.0;
+    double yMin = 0.0; ///< fixed range of the y axis, used when autoY is false
+    double yMax = 256.0;
+    bool autoX = true; ///< the range is fitted to the data
+    bool autoY = true;
+    QColor backgroundColor = Qt::white;
+    QColor axesColor = Qt::black; ///< axis lines, ticks and tick labels
+    QColor gridColor = Qt::lightGray;
+    quint32 nextColorIndex = 0; ///< index into g_clDefAxesColors for the next new series
+
+    /// Appends a series without points in the next colour of the cycle; returns its index.
+    qsizetype addSeries();
+
+    /// The series at an index that counts from 0, or null when there is none.
+    CxSeries* seriesAt(qsizetype index);
+
+    /// Sets the dark colours of background, axes and grid, or the default ones. Series and ranges stay as they are.
+    void setDarkColorTheme(bool on);
+
+    /// A series as text: a header line, then x and y of each point with a tab between, a point a line.
+    static QString seriesText(const CxSeries& series);
+};

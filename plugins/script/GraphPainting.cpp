@@ -1,0 +1,133 @@
+#include "GraphPainting.h"
+
+#include "CxGraphData.h"
+#include "CxImageData.h"
+#include "CxPicBufAPI.h"
+#include "GraphPoints.h"
+
+#include <QtCore/QScopeGuard>
+#include <QtGui/QImage>
+
+#include <cstring>
+#include <memory>
+
+namespace {
+
+void setColors(QCPAxis& axis, const QColor& color, const QPen& axisPen, const QPen& gridPen)
+{
+    axis.setBasePen(axisPen);
+    axis.setTickLabelColor(color);
+    axis.setTickPen(axisPen);
+    axis.setSubTickPen(axisPen);
+    axis.grid()->setPen(gridPen);
+}
+
+void addLines(QCustomPlot& plot, const CxGraphData& graph)
+{
+    for (const CxGraphData::CxSeries& series : graph.series) {
+        QCPGraph* line = plot.addGraph();
+        line->data()->set(fx_graph_plottablePoints(series.points), false);
+        line->setPen(
+            QPen(QBrush(series.lineColor, Qt::SolidPattern), 2.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
+    }
+}
+
+// The span of all lines on one of their axes; nothing is said about it in found when no line has a point.
+template<typename RangeOfLine>
+QCPRange spanOfLines(const QCustomPlot& plot, bool& found, RangeOfLine rangeOfLine)
+{
+    QCPRange span;
+    found = false;
+    for (int i = 0; i < plot.graphCount(); ++i) {
+        bool lineHasRange = false;
+        const QCPRange range = rangeOfLine(*plot.graph(i), lineHasRange);
+        if (!lineHasRange)
+            continue;
+        if (found)
+            span.expand(range);
+        else
+            span = range;
+        found = true;
+    }
+    return span;
+}
+
+void chooseRanges(QCustomPlot& plot, const CxGraphData& graph)
+{
+    plot.rescaleAxes(false);
+    bool found = false;
+    const QCPRange keys =
+        spanOfLines(plot, found, [](const QCPGraph& line, bool& has) { return line.getKeyRange(has); });
+    if (found)
+        fx_graph_makeRoomForEqualValues(*plot.xAxis, keys);
+    const QCPRange values =
+        spanOfLines(plot, found, [](const QCPGraph& line, bool& has) { return line.getValueRange(has); });
+    if (found)
+        fx_graph_makeRoomForEqualValues(*plot.yAxis, values);
+
+    // The library takes no range that is empty or not finite: the fitted one stands then.
+    if (!graph.autoX)
+        plot.xAxis->setRange(graph.xMin, graph.xMax);
+    if (!graph.autoY)
+        plot.yAxis->setRange(graph.yMin, graph.yMax);
+}
+
+void paint(QCustomPlot& plot, QImage& image)
+{
+    QCPPainter painter;
+    if (!painter.begin(&image))
+        return;
+    plot.toPainter(&painter, 0, 0);
+    painter.end();
+}
+
+// The painter writes pixels of four bytes as whole words and may not be given rows that start between words.
+bool hasWordRows(const SxPicBuf& buffer)
+{
+    return (reinterpret_cast<quintptr>(buffer.data) | buffer.lineStride) % sizeof(quint32) == 0;
+}
+
+void paintByCopy(QCustomPlot& plot, SxPicBuf& buffer, QImage::Format format)
+{
+    QImage image(int(buffer.width), int(buffer.height), format);
+    paint(plot, image);
+    for (int y = 0; y < image.height(); ++y)
+        std::memcpy(buffer.row(quint32(y)), image.constScanLine(y), std::size_t(buffer.width) * buffer.channels);
+}
+
+} // namespace
+
+bool fx_graph_canDrawInto(const SxPicBuf& buffer)
+{
+    const bool oneByteValues = buffer.dataType < ExImageDataType::Int16 || buffer.dataType > ExImageDataType::Packed565;
+    return (buffer.channels == 3 || buffer.channels == 4) && oneByteValues &&
+           buffer.storageFormat == ExDataStorageFormat::Interleaved && buffer.isColor;
+}
+
+void fx_script_DrawIntoImage(CxGraphData* graph, CxImageData* image)
+{
+    SxPicBuf* buffer = image->picBuf();
+    QCustomPlot plot;
+    plot.setBackground(QBrush(graph->backgroundColor, Qt::SolidPattern));
+    const QPen axisPen(graph->axesColor);
+    const QPen gridPen(graph->gridColor);
+    setColors(*plot.xAxis, graph->axesColor, axisPen, gridPen);
+    setColors(*plot.yAxis, graph->axesColor, axisPen, gridPen);
+    addLines(plot, *graph);
+    chooseRanges(plot, *graph);
+    if (!graph->autoX || !graph->autoY) {
+        for (int i = 0; i < plot.graphCount(); ++i)
+            fx_graph_cutFarParts(*plot.graph(i)->data(), plot.xAxis->range(), plot.yAxis->range());
+    }
+
+    const QImage::Format format = buffer->channels == 4 ? QImage::Format_RGB32 : QImage::Format_RGB888;
+    plot.resize(int(buffer->width), int(buffer->height));
+    CxPicBufAPI::SwapRedAndBlue(*buffer);
+    const auto swapBack = qScopeGuard([buffer] { CxPicBufAPI::SwapRedAndBlue(*buffer); });
+    if (buffer->channels == 4 && !hasWordRows(*buffer)) {
+        paintByCopy(plot, *buffer, format);
+    } else {
+        QImage target(buffer->data, int(buffer->width), int(buffer->height), qsizetype(buffer->lineStride), format);
+        paint(plot, target);
+    }
+}

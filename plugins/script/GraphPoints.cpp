@@ -1,0 +1,117 @@
+#include "GraphPoints.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double gap = std::numeric_limits<double>::quiet_NaN();
+
+// A range over values up to here is still one that the library takes.
+constexpr double largestValue = 1e249;
+
+// Lines reach this many visible ranges beyond the visible one; the painter is exact for pixels up to about 1e12.
+constexpr double reach = 1e6;
+
+bool fitsOnAxis(double value)
+{
+    return std::abs(value) <= largestValue;
+}
+
+struct Box {
+    QCPRange x;
+    QCPRange y;
+};
+
+QCPRange widened(const QCPRange& range)
+{
+    return {range.lower - reach * range.size(), range.upper + reach * range.size()};
+}
+
+bool isInside(const QCPGraphData& point, const Box& box)
+{
+    return std::isnan(point.value) || (box.x.contains(point.key) && box.y.contains(point.value));
+}
+
+// Moves the end of a segment that lies beyond the bound onto it. False when the whole segment lies beyond.
+template<double QCPGraphData::*Along, double QCPGraphData::*Across>
+bool cutAt(QCPGraphData& from, QCPGraphData& to, double bound, bool boundIsUpper)
+{
+    const auto beyond = [&](const QCPGraphData& point) {
+        return boundIsUpper ? point.*Along > bound : point.*Along < bound;
+    };
+    if (beyond(from) && beyond(to))
+        return false;
+    if (beyond(from) == beyond(to))
+        return true;
+    // Interpolated from the nearer end: from a very far one everything nearby is lost in rounding.
+    const bool fromIsNearer = std::abs(from.*Along - bound) < std::abs(to.*Along - bound);
+    const QCPGraphData& near = fromIsNearer ? from : to;
+    const QCPGraphData& other = fromIsNearer ? to : from;
+    const double part = (bound - near.*Along) / (other.*Along - near.*Along);
+    QCPGraphData cut;
+    cut.*Along = bound;
+    cut.*Across = near.*Across + part * (other.*Across - near.*Across);
+    (beyond(from) ? from : to) = cut;
+    return true;
+}
+
+bool cutToBox(QCPGraphData& from, QCPGraphData& to, const Box& box)
+{
+    return cutAt<&QCPGraphData::key, &QCPGraphData::value>(from, to, box.x.lower, false) &&
+           cutAt<&QCPGraphData::key, &QCPGraphData::value>(from, to, box.x.upper, true) &&
+           cutAt<&QCPGraphData::value, &QCPGraphData::key>(from, to, box.y.lower, false) &&
+           cutAt<&QCPGraphData::value, &QCPGraphData::key>(from, to, box.y.upper, true);
+}
+
+bool samePlace(const QCPGraphData& a, const QCPGraphData& b)
+{
+    return !(a.key < b.key) && !(b.key < a.key) && !(a.value < b.value) && !(b.value < a.value);
+}
+
+} // namespace
+
+QList<QCPGraphData> fx_graph_plottablePoints(const QList<QPointF>& points)
+{
+    QList<QCPGraphData> entries;
+    entries.reserve(points.size());
+    for (const QPointF& point : points) {
+        if (fitsOnAxis(point.x()))
+            entries.append(QCPGraphData(point.x(), fitsOnAxis(point.y()) ? point.y() : gap));
+    }
+    return entries;
+}
+
+void fx_graph_makeRoomForEqualValues(QCPAxis& axis, const QCPRange& data)
+{
+    if (axis.range().contains(data.lower) && axis.range().contains(data.upper))
+        return;
+    const double middle = data.center();
+    axis.setRange(middle - std::abs(middle) / 2, middle + std::abs(middle) / 2);
+}
+
+void fx_graph_cutFarParts(QCPGraphDataContainer& line, const QCPRange& visibleX, const QCPRange& visibleY)
+{
+    const Box box = {widened(visibleX), widened(visibleY)};
+    const auto inside = [&](const QCPGraphData& point) { return isInside(point, box); };
+    if (std::all_of(line.constBegin(), line.constEnd(), inside))
+        return;
+
+    QList<QCPGraphData> kept;
+    kept.reserve(line.size());
+    for (auto point = line.constBegin(); point != line.constEnd() && point + 1 != line.constEnd(); ++point) {
+        QCPGraphData from = *point;
+        QCPGraphData to = *(point + 1);
+        if (std::isnan(from.value) || std::isnan(to.value) || !cutToBox(from, to, box))
+            continue;
+        if (kept.isEmpty() || !samePlace(kept.last(), from)) {
+            if (!kept.isEmpty())
+                kept.append(QCPGraphData(from.key, gap));
+            kept.append(from);
+        }
+        // Rounding must not put the line's points out of order.
+        kept.append(QCPGraphData(std::max(from.key, to.key), to.value));
+    }
+    line.set(kept, true);
+}
