@@ -16,6 +16,16 @@
 
 namespace {
 
+/// What every function that touches windows begins with: the thread is checked, then the arguments are parsed. Returns
+/// the application, or null with an error set.
+template<typename... Targets>
+IxAppDelegate* enter(PyObject* args, const char* format, Targets*... targets)
+{
+    if (!fx_app_onMainThread() || !PyArg_ParseTuple(args, format, targets...))
+        return nullptr;
+    return fx_app_delegate();
+}
+
 /// An independent copy of an image; null with an error set when there is no memory for it.
 std::unique_ptr<CxImageData> cloneImage(CxImageData& image)
 {
@@ -52,12 +62,8 @@ PyObject* fx_pyapp_OpenFile(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_SaveToFile(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     const char* path = nullptr;
-    if (!PyArg_ParseTuple(args, "s", &path))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = enter(args, "s", &path);
     if (!delegate)
         return nullptr;
     const QString resolved = fx_app_resolvePath(path);
@@ -74,12 +80,8 @@ PyObject* fx_pyapp_SaveToFile(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_DuplicateView(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     int id = -1;
-    if (!PyArg_ParseTuple(args, "|i", &id))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     return PyLong_FromLong(delegate->duplicateView(id) ? delegate->activeViewId() : -1);
@@ -95,12 +97,8 @@ PyObject* fx_pyapp_GetActiveViewId(PyObject* /*module*/, PyObject* /*args*/)
 
 PyObject* fx_pyapp_ActivateView(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     int id = -1;
-    if (!PyArg_ParseTuple(args, "|i", &id))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     delegate->activateView(id);
@@ -109,12 +107,8 @@ PyObject* fx_pyapp_ActivateView(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_CloseView(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     int id = -1;
-    if (!PyArg_ParseTuple(args, "|i", &id))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     if (CxMdiView* view = findView(*delegate, id))
@@ -135,12 +129,8 @@ PyObject* fx_pyapp_TileViews(PyObject* /*module*/, PyObject* /*args*/)
 
 PyObject* fx_pyapp_SwitchFullScreen(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     int on = 0;
-    if (!PyArg_ParseTuple(args, "p", &on))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = enter(args, "p", &on);
     if (!delegate)
         return nullptr;
     delegate->setFullScreen(on != 0);
@@ -149,13 +139,9 @@ PyObject* fx_pyapp_SwitchFullScreen(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_WaitForNextFrame(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     double timeout = -1.0;
     int id = -1;
-    if (!PyArg_ParseTuple(args, "|di", &timeout, &id))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = enter(args, "|di", &timeout, &id);
     if (!delegate)
         return nullptr;
     CxMdiView* view = findView(*delegate, id);
@@ -243,13 +229,9 @@ PyObject* fx_pyapp_NewViewWithImage(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_RecordVideoToFile(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     const char* path = nullptr;
     int id = -1;
-    if (!PyArg_ParseTuple(args, "s|i", &path, &id))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = enter(args, "s|i", &path, &id);
     if (!delegate)
         return nullptr;
     const QString resolved = fx_app_resolvePath(path);
@@ -259,12 +241,8 @@ PyObject* fx_pyapp_RecordVideoToFile(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_StopVideoRecording(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     int id = -1;
-    if (!PyArg_ParseTuple(args, "|i", &id))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     if (CxMdiView* view = findView(*delegate, id))
