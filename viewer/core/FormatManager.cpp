@@ -1,23 +1,38 @@
 #include "CxImageFormatManager.h"
 
+#include "ImageFileReader.h"
+#include "ImageFileWriter.h"
+
+#include <QtCore/QFileInfo>
+
+namespace {
+
+QString extensionOf(const QString& path)
+{
+    return QFileInfo(path).suffix().toLower();
+}
+
+} // namespace
+
 CxImageFormatManager* CxImageFormatManager::instance()
 {
     static CxImageFormatManager manager;
     return &manager;
 }
 
-// No format is registered yet.
-CxImageFileLoader* CxImageFormatManager::loaderForFile(const QString& /*path*/)
+CxImageFileLoader* CxImageFormatManager::loaderForFile(const QString& path)
 {
-    return nullptr;
+    return extensions().contains(extensionOf(path)) ? new ImageFileReader(path) : nullptr;
 }
 
-CxImageFileSaver* CxImageFormatManager::saverForFile(const QString& /*path*/)
+CxImageFileSaver* CxImageFormatManager::saverForFile(const QString& path)
 {
-    return nullptr;
+    const QString extension = extensionOf(path);
+    return extensions().contains(extension) ? new ImageFileWriter(path, extension) : nullptr;
 }
 
 QStringList CxImageFormatManager::extensions() const
 {
-    return QStringList();
+    return {QStringLiteral("png"),  QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("jpg"),
+            QStringLiteral("jpeg"), QStringLiteral("bmp"), QStringLiteral("pgm"),  QStringLiteral("ppm")};
 }

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "CxImageFileSaver.h"
+
+#include <QtCore/QString>
+
+/// Writes one still image in the format that the file's extension names.
+///
+/// | format    | channels                 | values that are stored as they are                                    |
+/// |-----------|--------------------------|-----------------------------------------------------------------------|
+/// | PNG       | 1, 3, 4                  | unsigned 8 and 16 bits                                                |
+/// | TIFF      | 1, 3, 4                  | the same and 32-bit float; with one channel also signed 8, 16 and 32  |
+/// |           |                          | bits and 64-bit float                                                 |
+/// | PGM, PPM  | 1, 3 (by the image, not by the extension); alpha is dropped | unsigned 8 and 16 bits             |
+/// | BMP, JPEG | 1, 3; alpha is dropped   | unsigned 8 bits                                                       |
+///
+/// A type that the format lacks is refused.
+class ImageFileWriter final : public CxImageFileSaver
+{
+public:
+    /// extension  in lower case, without the point.
+    ImageFileWriter(const QString& path, const QString& extension);
+
+    /// Encodes in memory, writes to a temporary file beside the target and renames that, so that a failure leaves an
+    /// older file as it was. False with one log line on any failure. Takes the option "quality" (JPEG, 0 to 100,
+    /// default 95). Never throws.
+    bool saveImage(CxImageData* image, const QVariantMap* options) override;
+
+private:
+    /// Saves or returns what is wrong.
+    QString save(CxImageData* image, const QVariantMap& options) const;
+
+    QString m_path;
+    QString m_extension;
+};
