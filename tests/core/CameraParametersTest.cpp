@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <limits>
 
 namespace {
@@ -186,11 +187,11 @@ TEST_F(CameraParameters, KeepsTheOldRegionForOneOutsideOrEmpty)
 {
     constexpr int least = std::numeric_limits<int>::min();
     store->setROIRectParams(16, 8, 320, 240, true, true);
-    const QList<QRect> refused = {{640, 0, 10, 10},  {0, 480, 10, 10},        {-10, 0, 10, 10}, {0, 0, 0, 10},
-                                  {0, 0, 10, 0},     {0, 0, -5, 10},          {0, 0, 10, -5},   {least, least, 5, 5},
-                                  {0, 0, least, 10}, {100000, 100000, 10, 10}};
-    for (const QRect& rect : refused)
-        EXPECT_FALSE(store->setROIRectParams(rect.x(), rect.y(), rect.width(), rect.height(), true, true));
+    const std::array<int, 4> refused[] = {{640, 0, 10, 10}, {0, 480, 10, 10}, {-10, 0, 10, 10}, {0, 0, 0, 10},
+                                          {0, 0, 10, 0},    {0, 0, -5, 10},   {0, 0, 10, -5},   {least, 0, 5, 5},
+                                          {0, least, 5, 5}, {0, 0, least, 10}};
+    for (const auto& [x, y, width, height] : refused)
+        EXPECT_FALSE(store->setROIRectParams(x, y, width, height, true, true)) << x << ' ' << y;
     EXPECT_FALSE(store->setROIRectParams(least, least, least, least, true, true));
     device.refusing = true;
     EXPECT_FALSE(store->setROIRectParams(0, 0, 10, 10, true, true));

@@ -149,6 +149,10 @@ TEST_F(CameraSettings, OutOfRangeAreClipped)
     EXPECT_EQ(get(*store, "exposure"), CxValue::fromInt(1000000));
     EXPECT_EQ(get(*store, "gain"), CxValue::fromFloat(0.0F));
     EXPECT_EQ(store->currentROIRectParams().constFirst(), QRect(600, 0, 40, 100));
+    file(R"({"format": "vantrel camera settings", "version": 1, "parameters": {},
+             "region": [600, 0, 2147483647, 2147483647]})");
+    EXPECT_TRUE(load());
+    EXPECT_EQ(store->currentROIRectParams().constFirst(), QRect(600, 0, 40, 480));
 }
 
 TEST_F(CameraSettings, FromABadFileChangeNothingAndLogOneLine)

@@ -185,7 +185,8 @@ bool CxCameraParameters::saveParamValuesToFile(const QString& path, CxCameraPara
     for (const auto& param : d->params)
         if (!param->readOnly && !param->notSupported && param->visibility <= visibility)
             settings.values.append({param->name(), param->paramValue()});
-    settings.region = currentROIRectParams().constFirst();
+    const QRect current = currentROIRectParams().constFirst();
+    settings.region = {current.x(), current.y(), current.width(), current.height()};
     return writeCameraSettings(path, d->info, settings);
 }
 
@@ -205,7 +206,7 @@ bool CxCameraParameters::loadParamValuesFromFile(const QString& path, CxCameraPa
             failed->append(name);
     }
     if (const auto& region = settings->region)
-        setROIRectParams(region->x(), region->y(), region->width(), region->height(), commit, true);
+        setROIRectParams((*region)[0], (*region)[1], (*region)[2], (*region)[3], commit, true);
     return true;
 }
 

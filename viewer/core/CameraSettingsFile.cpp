@@ -8,7 +8,6 @@
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QSaveFile>
 
-#include <array>
 #include <cmath>
 #include <limits>
 
@@ -62,7 +61,7 @@ CxValue fromJson(const QJsonValue& json)
 }
 
 /// The region, nothing when the file has none; ok tells whether what is there is a region.
-std::optional<QRect> regionFromJson(const QJsonValue& json, bool& ok)
+std::optional<std::array<int, 4>> regionFromJson(const QJsonValue& json, bool& ok)
 {
     ok = json.isUndefined();
     const QJsonArray numbers = json.toArray();
@@ -76,7 +75,7 @@ std::optional<QRect> regionFromJson(const QJsonValue& json, bool& ok)
         edges[i] = number.toInt();
     }
     ok = true;
-    return QRect(edges[0], edges[1], edges[2], edges[3]);
+    return edges;
 }
 
 std::optional<CameraSettings> settingsFromJson(const QJsonObject& root)
@@ -124,7 +123,7 @@ bool writeCameraSettings(const QString& path, const SxCameraInfo& camera, const 
                                                  {QStringLiteral("device_sn"), camera.serialNumber}};
     root[QStringLiteral("parameters")] = parameters;
     if (const auto& region = settings.region)
-        root[QStringLiteral("region")] = QJsonArray{region->x(), region->y(), region->width(), region->height()};
+        root[QStringLiteral("region")] = QJsonArray{(*region)[0], (*region)[1], (*region)[2], (*region)[3]};
 
     QString problem = whyNoFile(path);
     if (problem.isEmpty()) {

@@ -5,15 +5,16 @@
 
 #include <QtCore/QList>
 #include <QtCore/QPair>
-#include <QtCore/QRect>
 #include <QtCore/QString>
 
+#include <array>
 #include <optional>
 
 /// What a camera settings file holds.
 struct CameraSettings {
     QList<QPair<QString, CxValue>> values; ///< in the order of the file
-    std::optional<QRect> region;
+    /// Offset and size as they stand in the file: any four integers, which QRect could not hold.
+    std::optional<std::array<int, 4>> region;
 };
 
 /// Writes a settings file; the description is for people who read it. The file is complete or, on failure (false, and
