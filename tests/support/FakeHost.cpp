@@ -30,11 +30,13 @@ int FakeDelegate::addView(std::unique_ptr<CxImageData> image, const QString& tit
 
 int FakeDelegate::activeViewId()
 {
+    lookups.append(QStringLiteral("activeViewId()"));
     return active;
 }
 
 CxMdiView* FakeDelegate::view(int id)
 {
+    lookups.append(QStringLiteral("view(%1)").arg(id));
     const auto found = views.find(id);
     return found == views.end() ? nullptr : found->second.get();
 }
@@ -104,18 +106,21 @@ void FakeDelegate::setViewImage(int id, CxImageData* image)
 
 CxImageData* FakeDelegate::viewImage(int id)
 {
+    lookups.append(QStringLiteral("viewImage(%1)").arg(id));
     const auto found = views.find(id);
     return found == views.end() ? nullptr : found->second->image.get();
 }
 
 QString FakeEnvironment::resolveFilePath(const QString& path)
 {
+    resolved.append(path);
     return QDir(directory).absoluteFilePath(path);
 }
 
 bool FakeEnvironment::isMainThread()
 {
-    return QThread::currentThread() == QCoreApplication::instance()->thread();
+    ++threadQuestions;
+    return !otherThread && QThread::currentThread() == QCoreApplication::instance()->thread();
 }
 
 void FakeEnvironment::addMenuItem(QMenu* /*menu*/, const QString& name, const QString& script, const QString& extra)
@@ -123,8 +128,9 @@ void FakeEnvironment::addMenuItem(QMenu* /*menu*/, const QString& name, const QS
     calls.append(QStringLiteral("addMenuItem(%1, %2, %3)").arg(name, script, extra));
 }
 
-bool FakeEnvironment::waitForNextFrame(CxMdiView* /*view*/, double timeout)
+bool FakeEnvironment::waitForNextFrame(CxMdiView* view, double timeout)
 {
+    waitedFor = view;
     calls.append(QStringLiteral("waitForNextFrame(%1)").arg(timeout));
     return frameComes;
 }

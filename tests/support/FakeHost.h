@@ -80,7 +80,8 @@ public:
     CxImageData* viewImage(int id) override;
     void playSound(const QString& path) override { note("playSound", path); }
 
-    QStringList calls; ///< "operation(arguments)" in the order of the calls
+    QStringList calls;   ///< "operation(arguments)" in the order of the calls
+    QStringList lookups; ///< the same of the questions that change nothing: activeViewId, view, viewImage
     std::map<int, std::unique_ptr<FakeView>> views;
     int active = -1;
     bool accepts = true; ///< the answer of operations that may fail
@@ -113,6 +114,10 @@ public:
     QStringList cameraParameters;
     QString directory = QDir::currentPath();
     QStringList calls;
+    QStringList resolved;           ///< the paths given to resolveFilePath
+    int threadQuestions = 0;        ///< calls of isMainThread
+    bool otherThread = false;       ///< answers isMainThread as if it were called on another thread
+    CxMdiView* waitedFor = nullptr; ///< the view of the latest waitForNextFrame
     bool frameComes = true;
     std::function<void(double)> onWait;
     std::map<QByteArray, QByteArray> help; ///< "module.function" or "object.method" to text

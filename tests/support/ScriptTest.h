@@ -1,0 +1,84 @@
+#pragma once
+
+#include "support/PluginHost.h"
+
+#include "CxPicBufAPI.h"
+
+#include <memory>
+#include <string>
+
+/// A copy of this image fails, in one of the two ways a host can fail it.
+class UncopyableImage : public CxImageData
+{
+public:
+    enum Failure { GivesNull, GivesAnotherObject };
+
+    explicit UncopyableImage(Failure failure = GivesNull)
+        : m_failure(failure)
+    {
+    }
+
+    QObject* clone(QObject* /*parent*/, QThread* /*thread*/) override
+    {
+        return m_failure == GivesNull ? nullptr : new QObject;
+    }
+
+private:
+    Failure m_failure;
+};
+
+/// A test whose interpreter has been started, with helpers to look at values of a script.
+class ScriptTest : public PluginTest
+{
+protected:
+    ScriptTest() { host.run(""); }
+
+    /// What `repr` says of a Python expression, or "ExceptionType: message" of the exception that it raises. A call
+    /// that fails without an exception gives "SystemError" alone: the interpreter's wording differs by version.
+    std::string value(const std::string& expression)
+    {
+        const std::string script = "try:\n"
+                                   "    print(repr(" +
+                                   expression +
+                                   "), end='')\n"
+                                   "except SystemError as error:\n"
+                                   "    print('SystemError' if 'NULL without setting' in str(error) else error)\n"
+                                   "except BaseException as error:\n"
+                                   "    print(type(error).__name__ + ': ' + str(error), end='')\n";
+        const QString result = host.run(QString::fromStdString(script));
+        return (host.printed().trimmed() + result).toStdString();
+    }
+
+    /// Makes an image visible to scripts; the test keeps owning it and keeps it until its end.
+    void publish(const char* name, CxImageData& image)
+    {
+        host.plugin->addImageVariable(QString::fromUtf8(name), &image);
+    }
+};
+
+/// An image with cleared pixels and every field of the record as given; a line stride of 0 is chosen by the library.
+inline std::unique_ptr<CxImageData> makeImage(const SxPicBufInfo& info)
+{
+    SxPicBuf buffer;
+    if (!CxPicBufAPI::AllocPicBufFromHeap(buffer, info, false, 0))
+        return nullptr;
+    auto image = std::make_unique<CxImageData>();
+    image->setPicBuf(buffer);
+    return image;
+}
+
+/// The record of an image of that form; bpc is all bits of the type.
+inline SxPicBufInfo imageInfo(unsigned width, unsigned height, unsigned channels = 1,
+                              ExImageDataType type = ExImageDataType::UInt8, unsigned lineStride = 0)
+{
+    SxPicBufInfo info;
+    info.width = width;
+    info.height = height;
+    info.lineStride = lineStride;
+    info.channels = channels;
+    info.dataType = type;
+    info.bpc = SxPicBufInfo::bytesPerValue(type) * 8;
+    info.storageFormat = ExDataStorageFormat::Interleaved;
+    info.isColor = channels >= 3;
+    return info;
+}
