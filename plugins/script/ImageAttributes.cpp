@@ -137,6 +137,18 @@ constexpr Attribute attributes[] = {
 // From name to index in the table. Belongs to the running interpreter.
 PyObject* attributeIndex = nullptr;
 
+/// The place of a name in the table, borrowed; null, with an error set only on failure, when it is not there.
+PyObject* findAttribute(PyObject* name)
+{
+    if (Py_TYPE(name) == &PyUnicode_Type)
+        return PyDict_GetItemWithError(attributeIndex, name);
+    if (!(PyType_GetFlags(Py_TYPE(name)) & Py_TPFLAGS_UNICODE_SUBCLASS))
+        return nullptr;
+    // A subclass may hash and compare as it likes; what counts is its text.
+    const PyRef text = PyRef::take(PyUnicode_FromObject(name));
+    return text ? PyDict_GetItemWithError(attributeIndex, text.get()) : nullptr;
+}
+
 } // namespace
 
 bool fx_img_prepareAttributes()
@@ -156,7 +168,7 @@ bool fx_img_prepareAttributes()
 
 PyObject* fx_pyimg_GetAttrO(PyObject* self, PyObject* name)
 {
-    PyObject* position = PyDict_GetItemWithError(attributeIndex, name);
+    PyObject* position = findAttribute(name);
     if (!position) {
         if (PyErr_Occurred())
             return nullptr;
