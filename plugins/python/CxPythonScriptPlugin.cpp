@@ -2,6 +2,7 @@
 
 #include "CxImageData.h"
 #include "ErrorLog.h"
+#include "ExitReport.h"
 #include "InterpreterLibrary.h"
 #include "IxScriptEnvironment.h"
 #include "NativeGuard.h"
@@ -109,6 +110,7 @@ QString CxPythonScriptPlugin::evaluate(const std::string& script, void (*fnStart
 
     // Shared: a script may keep the stream object longer than the run lasts.
     const auto errors = std::make_shared<std::string>();
+    const ExitReport report(*errors);
     emb::set_stderr([errors](const std::string& text) { errors->append(text); });
 
     const auto run = [&script] {
