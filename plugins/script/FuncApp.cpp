@@ -29,11 +29,13 @@ void fx_pyapp_register()
 PyObject* py_app_moduleInit()
 {
     fx_script_addHelp("vantrel", px_app_funcs, nullptr, nullptr);
+    fx_pygraphs_TypeReady();
     fx_pyimages_TypeReady();
 
     PyObject* module = PyModule_Create2(&px_app_module, stableAbiVersion);
     if (!module)
         return nullptr;
+    fx_pygraphs_TypeAdd(module);
     fx_pyimages_TypeAdd(module);
     return module;
 }

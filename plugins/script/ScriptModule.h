@@ -38,6 +38,9 @@ Q_DECL_EXPORT CxImageData* fx_pyimg_getImageObjectData(PyObject* object);
 // ...TypeReady attaches the help texts and creates the type; a failure is logged and leaves the type null.
 // ...TypeAdd adds it to the module: 1 on success, 0 when the type is null or adding fails.
 
+void fx_pygraphs_TypeReady();
+int fx_pygraphs_TypeAdd(PyObject* module);
+
 void fx_pyimages_TypeReady();
 int fx_pyimages_TypeAdd(PyObject* module);
 
