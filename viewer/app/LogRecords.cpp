@@ -16,10 +16,16 @@ namespace {
 // A plain descriptor: records come from any thread, and until the very end of the process.
 int logFd = STDERR_FILENO;
 
+/// What the toolkit says where there is no session or no display, and what is of no consequence there.
+bool isNoise(const QString& message)
+{
+    return message.startsWith(QStringLiteral("QStandardPaths: XDG_RUNTIME_DIR not set")) ||
+           message == QStringLiteral("This plugin does not support propagateSizeHints()");
+}
+
 void writeRecord(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
-    // Common in containers and services, of no consequence here, and said by the toolkit at every start.
-    if (message.startsWith(QStringLiteral("QStandardPaths: XDG_RUNTIME_DIR not set")))
+    if (isNoise(message))
         return;
     writeAll(logFd, (qFormatLogMessage(type, context, message) + QLatin1Char('\n')).toUtf8());
 }

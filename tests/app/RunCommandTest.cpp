@@ -1,0 +1,308 @@
+#include "Program.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtGui/QImage>
+
+#include <opencv2/videoio.hpp>
+
+#include <csignal>
+
+namespace {
+
+using testing::Test;
+
+void interrupt(QProcess& process)
+{
+    // The script sits where it is told to when the line before that has been printed; a moment later at the latest.
+    QThread::msleep(200);
+    kill(pid_t(process.processId()), SIGINT);
+}
+
+/// What is to hold on the GUI thread and on a thread of the scripts' own.
+class RunOnEitherThread : public ProgramTest, public testing::WithParamInterface<bool>
+{
+protected:
+    QStringList thread() const { return GetParam() ? list({"--worker"}) : QStringList(); }
+};
+
+INSTANTIATE_TEST_SUITE_P(Thread, RunOnEitherThread, testing::Bool(),
+                         [](const auto& thread) { return thread.param ? "Worker" : "Gui"; });
+
+TEST_P(RunOnEitherThread, OutputAndErrorsGoTheirOwnWays)
+{
+    const Outcome outcome = run("import sys\nprint('Grüße', end='')\nsys.stderr.write('öops')\n", thread());
+    EXPECT_EQ(outcome.output, "Grüße");
+    EXPECT_EQ(outcome.errors, "öops");
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST_P(RunOnEitherThread, AScriptWithoutErrorsGivesStatusZero)
+{
+    const Outcome outcome = run("print(1)\n", thread());
+    EXPECT_EQ(outcome.output, "1\n");
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.status, 0);
+}
+
+TEST_P(RunOnEitherThread, ATracebackIsWrittenVerbatim)
+{
+    const Outcome outcome = run("1/0\n", thread());
+    EXPECT_EQ(outcome.errors, "Traceback (most recent call last):\n  File \"<string>\", line 1, in <module>\n"
+                              "ZeroDivisionError: division by zero\n");
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST_P(RunOnEitherThread, SystemExitEndsTheProcessWithItsCode)
+{
+    for (const int code : {0, 7}) {
+        const QByteArray script = "import sys\nprint('before')\nsys.exit(" + QByteArray::number(code) + ")\n";
+        const Outcome outcome = run(script.constData(), thread());
+        EXPECT_EQ(outcome.output, "before\n");
+        EXPECT_EQ(outcome.status, code) << outcome.errors;
+    }
+}
+
+TEST_P(RunOnEitherThread, AnInterruptStopsAScriptThatComputes)
+{
+    const Outcome outcome = run("print('begun')\nwhile True: pass\n", thread(), interrupt);
+    EXPECT_NE(outcome.errors.find("KeyboardInterrupt"), std::string::npos) << outcome.errors;
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST_P(RunOnEitherThread, AnInterruptStopsAScriptThatSleeps)
+{
+    const Outcome outcome = run("import time\nprint('begun')\ntime.sleep(600)\n", thread(), interrupt);
+    EXPECT_NE(outcome.errors.find("KeyboardInterrupt"), std::string::npos) << outcome.errors;
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST_P(RunOnEitherThread, ImagesArePublishedUnderTheirNames)
+{
+    ASSERT_TRUE(QImage(6, 4, QImage::Format_Grayscale8).save(path("dark.png")));
+    const Outcome outcome = run("print(dark.width, dark.height)\n",
+                                thread() + list({"--image"}) + QStringList(QStringLiteral("dark=dark.png")));
+    EXPECT_EQ(outcome.output, "6 4\n");
+    EXPECT_EQ(outcome.errors, "");
+}
+
+using RunCommand = ProgramTest;
+
+TEST_F(RunCommand, LaterScriptsRunAfterOneThatFails)
+{
+    const QString bad = write("bad.py", "print('bad')\nraise ValueError('no')\n");
+    const Outcome outcome = run("print('good')\n", QStringList(bad));
+    EXPECT_EQ(outcome.output, "bad\ngood\n");
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST_F(RunCommand, AllScriptsShareOneInterpreterButNoVariables)
+{
+    const QString first = write("first.py", "import sys\nsys.mine = 1\nother = 2\n");
+    const Outcome outcome = run("import sys\nprint(sys.mine, 'other' in globals())\n", QStringList(first));
+    EXPECT_EQ(outcome.output, "1 False\n");
+}
+
+TEST_F(RunCommand, OutputAppearsAsItIsPrinted)
+{
+    run("import vantrel\nprint('a', end='')\nvantrel.wait(600)\n", {}, [](QProcess& process) {
+        EXPECT_EQ(process.readAllStandardOutput(), "a");
+        interrupt(process);
+    });
+}
+
+TEST_F(RunCommand, ThousandsOfLinesArriveWhole)
+{
+    const Outcome outcome = run("for i in range(20000): print('line', i, 'ä' * 20)\n");
+    EXPECT_EQ(std::count(outcome.output.begin(), outcome.output.end(), '\n'), 20000);
+    EXPECT_NE(outcome.output.find("line 19999 ää"), std::string::npos);
+    EXPECT_EQ(outcome.status, 0);
+}
+
+TEST_F(RunCommand, ConstantsAreThere)
+{
+    const Outcome outcome = run("print(PARAM_EXPOSURE, DATA_UINT8, DATA_FLOAT, DATA_PACKED565)\n");
+    EXPECT_EQ(outcome.output, "exposure 2 9 11\n");
+}
+
+TEST_F(RunCommand, AnInterruptStopsAScriptThatWaits)
+{
+    QElapsedTimer clock;
+    clock.start();
+    const Outcome outcome = run("import vantrel\n"
+                                "print('begun')\n"
+                                "try:\n"
+                                "    vantrel.wait(600)\n"
+                                "except KeyboardInterrupt:\n"
+                                "    print('stopped')\n"
+                                "vantrel.wait(0.2)\n"
+                                "print('went on')\n",
+                                {}, interrupt);
+    EXPECT_EQ(outcome.output, "begun\nstopped\nwent on\n");
+    EXPECT_EQ(outcome.status, 0) << outcome.errors;
+}
+
+TEST_F(RunCommand, AnInterruptStopsOneScriptOfSeveral)
+{
+    const QString first = write("first.py", "import vantrel\nprint('begun')\nvantrel.wait(600)\n");
+    const Outcome outcome = run("print('next')\n", QStringList(first), interrupt);
+    EXPECT_EQ(outcome.output, "begun\nnext\n");
+    EXPECT_EQ(outcome.status, 1);
+}
+
+TEST_F(RunCommand, OnItsOwnThreadAScriptMayNotTouchTheWindows)
+{
+    const Outcome outcome = run("import vantrel\nvantrel.tile_views()\n", list({"--worker"}));
+    EXPECT_NE(outcome.errors.find("Exception: running GUI function from non-main thread"), std::string::npos);
+}
+
+TEST_F(RunCommand, OnItsOwnThreadAScriptCanReadAViewsImage)
+{
+    ASSERT_TRUE(QImage(6, 4, QImage::Format_Grayscale8).save(path("a.png")));
+    const Outcome outcome =
+        run("import vantrel\nprint(vantrel.get_view_image().width)\n", list({"--worker", "--open", "a.png"}));
+    EXPECT_EQ(outcome.output, "6\n") << outcome.errors;
+}
+
+TEST_F(RunCommand, FilesAreOpenedBeforeTheFirstScript)
+{
+    ASSERT_TRUE(QImage(6, 4, QImage::Format_Grayscale8).save(path("a.png")));
+    ASSERT_TRUE(QImage(3, 2, QImage::Format_Grayscale8).save(path("b.png")));
+    const Outcome outcome = run("import vantrel\n"
+                                "last = vantrel.get_active_view_id()\n"
+                                "print(vantrel.get_view_image(last).width, vantrel.get_view_image(last - 1).width)\n",
+                                list({"--open", "a.png", "--open", "b.png"}));
+    EXPECT_EQ(outcome.output, "3 6\n") << outcome.errors;
+}
+
+TEST_F(RunCommand, ViewsAreSavedBesideTheScriptOrInTheGivenFolder)
+{
+    ASSERT_TRUE(QImage(6, 4, QImage::Format_Grayscale8).save(path("a.png")));
+    ASSERT_TRUE(QDir().mkpath(path("elsewhere")));
+    const char* const script = "import vantrel\nvantrel.save_to_file('one/two/b.png')\n";
+    EXPECT_EQ(run(script, list({"--open", "a.png"})).status, 0);
+    EXPECT_TRUE(QFile::exists(path("one/two/b.png")));
+    EXPECT_EQ(run(script, list({"--open", "a.png", "--workdir", "elsewhere"})).status, 0);
+    EXPECT_TRUE(QFile::exists(path("elsewhere/one/two/b.png")));
+}
+
+TEST_F(RunCommand, ASystemExitWhileAVideoIsRecordedCompletesIt)
+{
+    ASSERT_TRUE(QImage(64, 48, QImage::Format_Grayscale8).save(path("a.png")));
+    const Outcome outcome = run("import sys, vantrel\n"
+                                "print(vantrel.record_video_to_file('v.avi'))\n"
+                                "for i in range(3): vantrel.set_view_image(vantrel.get_view_image())\n"
+                                "sys.exit(5)\n",
+                                list({"--open", "a.png"}));
+    EXPECT_EQ(outcome.output, "True\n") << outcome.errors;
+    EXPECT_EQ(outcome.status, 5);
+    cv::VideoCapture video(path("v.avi").toStdString(), cv::CAP_OPENCV_MJPEG);
+    int frames = 0;
+    for (cv::Mat frame; video.read(frame);)
+        ++frames;
+    EXPECT_EQ(frames, 3);
+}
+
+TEST_F(RunCommand, WaitingForAFrameWhereNoneComesGivesFalse)
+{
+    ASSERT_TRUE(QImage(6, 4, QImage::Format_Grayscale8).save(path("a.png")));
+    const Outcome outcome = run("import vantrel\n"
+                                "print(vantrel.wait_for_next_frame(), vantrel.wait_for_next_frame(0.05))\n",
+                                list({"--open", "a.png"}));
+    EXPECT_EQ(outcome.output, "False False\n") << outcome.errors;
+}
+
+TEST_F(RunCommand, LogRecordsGoToTheLogFileWhenThereIsOne)
+{
+    const char* const script = "import vantrel\nvantrel.open_file('missing.png')\n";
+    const Outcome without = run(script);
+    EXPECT_NE(without.errors.find("missing.png"), std::string::npos);
+    const Outcome with = run(script, list({"--log", "log.txt"}));
+    EXPECT_EQ(with.errors.find("missing.png"), std::string::npos) << with.errors;
+    EXPECT_TRUE(read("log.txt").contains("missing.png"));
+    EXPECT_EQ(with.errors.substr(0, 9), "Traceback");
+}
+
+TEST_F(RunCommand, NothingButTheErrorsIsWrittenWithoutADisplayAndALocale)
+{
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C"));
+    environment.remove(QStringLiteral("XDG_RUNTIME_DIR"));
+    const Outcome outcome = run("print('ä')\n");
+    EXPECT_EQ(outcome.output, "ä\n");
+    EXPECT_EQ(outcome.errors, "");
+}
+
+TEST_F(RunCommand, ADisplayThatDoesNotAnswerCountsAsNone)
+{
+    environment.insert(QStringLiteral("DISPLAY"), QStringLiteral(":987"));
+    const Outcome outcome = run("import vantrel\nvantrel.tile_views()\nprint('ran')\n");
+    EXPECT_EQ(outcome.output, "ran\n") << outcome.errors;
+    EXPECT_EQ(outcome.status, 0);
+}
+
+TEST_F(RunCommand, ScriptsMayHaveAByteOrderMarkAndWindowsLineEnds)
+{
+    const Outcome outcome = run("\xEF\xBB\xBFx = 'ä'\r\nif x:\r\n    print(x)\r\n");
+    EXPECT_EQ(outcome.output, "ä\n") << outcome.errors;
+}
+
+TEST_F(RunCommand, UnreadableFilesGiveStatusTwoBeforeAnyScriptRuns)
+{
+    const QString script = write("ok.py", "print('ran')\n");
+    write("latin.py", "print('\xE4')\n");
+    write("broken.png", "no image");
+    const QList<QStringList> calls = {
+        list({"run", "ok.py", "missing.py"}),
+        list({"run", "ok.py", "."}),
+        list({"run", "ok.py", "latin.py"}),
+        list({"run", "--open", "missing.png", "ok.py"}),
+        list({"run", "--open", "broken.png", "ok.py"}),
+        list({"run", "--open", "ok.py", "ok.py"}),
+        list({"run", "--image", "a=missing.png", "ok.py"}),
+        list({"run", "--image", "a=broken.png", "ok.py"}),
+        list({"run", "--workdir", "missing", "ok.py"}),
+        list({"run", "--python-home", "missing", "ok.py"}),
+        list({"run", "--log", "missing/log.txt", "ok.py"}),
+    };
+    for (const QStringList& arguments : calls) {
+        const Outcome outcome = call(arguments);
+        const std::string what = arguments.join(QLatin1Char(' ')).toStdString();
+        EXPECT_EQ(outcome.status, 2) << what;
+        EXPECT_EQ(outcome.output, "") << what;
+        EXPECT_NE(outcome.errors.find("vantrel run: "), std::string::npos) << what << outcome.errors;
+    }
+}
+
+TEST_F(RunCommand, WrongUsageGivesOneSentenceAndStatusTwo)
+{
+    for (const QStringList& arguments :
+         {QStringList(), list({"run"}), list({"fly"}), list({"run", "--fast", "a.py"})}) {
+        const Outcome outcome = call(arguments);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.output, "");
+        EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
+    }
+}
+
+TEST_F(RunCommand, HelpGoesToStandardOutput)
+{
+    for (const QStringList& arguments : {list({"--help"}), list({"run", "--help"}), list({"view", "--help"})}) {
+        const Outcome outcome = call(arguments);
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.output.substr(0, 6), "Usage:");
+        EXPECT_EQ(outcome.errors, "");
+    }
+}
+
+TEST_F(RunCommand, AMissingPluginIsSaidInOneSentence)
+{
+    environment.insert(QStringLiteral("VANTREL_PLUGIN"), QStringLiteral("/nowhere/plugin.so"));
+    const Outcome outcome = run("print(1)\n");
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
+}
+
+} // namespace
