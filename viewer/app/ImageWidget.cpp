@@ -13,6 +13,7 @@ namespace {
 constexpr double smallestScale = 1.0 / 64;
 constexpr double largestScale = 64;
 constexpr double wheelStep = 1.25;
+constexpr QColor surround(56, 56, 60); // darker than what it surrounds is, most of the time
 } // namespace
 
 ImageWidget::ImageWidget(QWidget* parent)
@@ -76,7 +77,7 @@ QSize ImageWidget::sizeHint() const
 void ImageWidget::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    painter.fillRect(rect(), palette().color(QPalette::Dark));
+    painter.fillRect(rect(), surround);
     if (m_displayIsStale) {
         const SxPicBuf* buffer = m_image ? m_image->picBuf() : nullptr;
         m_display = buffer ? displayImage(*buffer) : QImage();
