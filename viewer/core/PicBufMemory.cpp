@@ -2,32 +2,16 @@
 
 #include "CxPicBufAPI.h"
 
-#include <QtCore/QLoggingCategory>
+#include "PicBufRecord.h"
 
 #include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <utility>
 
 namespace {
 constexpr std::uint64_t rowAlignment = 16;
 constexpr unsigned long defaultAlignment = 64;
-
-bool sameShape(const SxPicBufInfo& a, const SxPicBufInfo& b)
-{
-    return a.width == b.width && a.height == b.height && a.channels == b.channels && a.dataType == b.dataType;
-}
-
-template<typename T>
-void swapFirstAndThird(SxPicBuf& buffer)
-{
-    for (std::uint32_t y = 0; y < buffer.height; ++y) {
-        auto* pixel = reinterpret_cast<T*>(buffer.row(y));
-        for (std::uint32_t x = 0; x < buffer.width; ++x, pixel += buffer.channels)
-            std::swap(pixel[0], pixel[2]);
-    }
-}
 } // namespace
 
 void CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, unsigned width, unsigned height, unsigned channels,
@@ -97,47 +81,20 @@ void CxPicBufAPI::FreePicBuf(SxPicBuf& buffer, bool reset)
 
 bool CxPicBufAPI::CopyPicBuf(SxPicBuf& dst, const SxPicBuf& src, bool withInfo)
 {
-    if (!dst.data || !src.data || !sameShape(dst, src)) {
-        qWarning("CopyPicBuf: the buffers differ in size or format");
-        return false;
-    }
-    if (dst.data == src.data)
-        return true;
-    const std::size_t rowBytes = std::size_t(src.bytesPerPixel()) * src.width;
-    if (dst.lineStride == src.lineStride) {
-        std::memcpy(dst.data, src.data, std::size_t(src.lineStride) * (src.height - 1) + rowBytes);
-    } else {
-        for (std::uint32_t y = 0; y < src.height; ++y)
-            std::memcpy(dst.row(y), src.row(y), rowBytes);
+    if (!hasPixels(dst) || !hasPixels(src) || !sameSize(dst, src) || !sameKind(dst, src))
+        return refuse("CopyPicBuf", "the buffers differ in size or format");
+    const std::size_t bytes = rowBytes(src);
+    if (dst.data != src.data) {
+        if (dst.lineStride == bytes && src.lineStride == bytes)
+            std::memcpy(dst.data, src.data, src.dataSize());
+        else // padding stays as it is: it may belong to a larger image around this one
+            for (std::uint32_t y = 0; y < src.height; ++y)
+                std::memcpy(dst.row(y), src.row(y), bytes);
     }
     if (withInfo) {
         const std::uint32_t stride = dst.lineStride;
         static_cast<SxPicBufInfo&>(dst) = src;
         dst.lineStride = stride;
-    }
-    return true;
-}
-
-bool CxPicBufAPI::SwapRedAndBlue(SxPicBuf& buffer)
-{
-    if (!buffer.data || (buffer.channels != 3 && buffer.channels != 4) ||
-        buffer.dataType == ExImageDataType::Packed565) {
-        qWarning("SwapRedAndBlue: the buffer has no red and blue channels");
-        return false;
-    }
-    switch (SxPicBufInfo::bytesPerValue(buffer.dataType)) {
-    case 1:
-        swapFirstAndThird<std::uint8_t>(buffer);
-        break;
-    case 2:
-        swapFirstAndThird<std::uint16_t>(buffer);
-        break;
-    case 4:
-        swapFirstAndThird<std::uint32_t>(buffer);
-        break;
-    default:
-        swapFirstAndThird<std::uint64_t>(buffer);
-        break;
     }
     return true;
 }

@@ -1,0 +1,168 @@
+// Colours and their channels.
+
+#include "CxPicBufAPI.h"
+
+#include "Packed565.h"
+#include "PicBufMat.h"
+#include "PicBufRecord.h"
+#include "PixelTypes.h"
+#include "ScopedPicBuf.h"
+
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include <new>
+#include <utility>
+
+namespace {
+
+template<typename T>
+void swapFirstAndThird(SxPicBuf& buffer)
+{
+    for (std::uint32_t y = 0; y < buffer.height; ++y) {
+        std::uint8_t* row = buffer.row(y);
+        for (std::size_t i = 0; i < valuesPerRow(buffer); i += buffer.channels) {
+            const T first = loadValue<T>(row, i);
+            storeValue(row, i, loadValue<T>(row, i + 2));
+            storeValue(row, i + 2, first);
+        }
+    }
+}
+
+void unpackToRgb(const SxPicBuf& src, SxPicBuf& dst)
+{
+    const auto stretched = [](unsigned value, unsigned maximum) {
+        return std::uint8_t((value * 255 + maximum / 2) / maximum);
+    };
+    for (std::uint32_t y = 0; y < src.height; ++y) {
+        std::uint8_t* out = dst.row(y);
+        for (std::size_t x = 0; x < src.width; ++x, out += dst.channels) {
+            const Packed565 colour = Packed565::unpack(loadValue<std::uint16_t>(src.row(y), x));
+            out[0] = stretched(colour.blue, Packed565::maxBlue);
+            out[1] = stretched(colour.green, Packed565::maxGreen);
+            out[2] = stretched(colour.red, Packed565::maxRed);
+            if (dst.channels == 4)
+                out[3] = 255;
+        }
+    }
+}
+
+/// The channels that count for a colour: one of grey, three of colour, or four with alpha.
+cv::Mat visibleChannels(const cv::Mat& pixels)
+{
+    if (pixels.channels() == 1 || pixels.channels() == 3 || pixels.channels() == 4)
+        return pixels;
+    cv::Mat visible;
+    if (pixels.channels() == 2) {
+        cv::extractChannel(pixels, visible, 0);
+        return visible;
+    }
+    visible.create(pixels.size(), CV_8UC3);
+    const int firstThree[] = {0, 0, 1, 1, 2, 2};
+    cv::mixChannels(&pixels, 1, &visible, 1, firstThree, 3);
+    return visible;
+}
+
+void toColour(const cv::Mat& pixels, cv::Mat& colour)
+{
+    const bool alpha = colour.channels() == 4;
+    switch (pixels.channels()) {
+    case 1:
+        cv::cvtColor(pixels, colour, alpha ? cv::COLOR_GRAY2BGRA : cv::COLOR_GRAY2BGR);
+        break;
+    case 3:
+        alpha ? cv::cvtColor(pixels, colour, cv::COLOR_BGR2BGRA) : pixels.copyTo(colour);
+        break;
+    default:
+        alpha ? pixels.copyTo(colour) : cv::cvtColor(pixels, colour, cv::COLOR_BGRA2BGR);
+        break;
+    }
+}
+
+/// Values of any number type as 8 bits, full scale to 255. Bytes of full depth are taken as they stand.
+SxPicBuf asBytes(const SxPicBuf& src, ScopedPicBuf& converted)
+{
+    if (src.dataType == ExImageDataType::UInt8 && (src.bpc == 0 || src.bpc >= 8))
+        return src;
+    SxPicBufInfo info = src;
+    info.dataType = ExImageDataType::UInt8;
+    info.bpc = 8;
+    if (!converted.allocate(info))
+        throw std::bad_alloc();
+    CxPicBufAPI::ConvertPicToDifBpc(src, converted.buffer, true);
+    return converted.buffer;
+}
+
+} // namespace
+
+bool CxPicBufAPI::SwapRedAndBlue(SxPicBuf& buffer)
+{
+    if (!hasPixels(buffer) || (buffer.channels != 3 && buffer.channels != 4) ||
+        buffer.dataType == ExImageDataType::Packed565)
+        return refuse("SwapRedAndBlue", "the buffer has no red and blue channels");
+    const std::size_t bytes = SxPicBufInfo::bytesPerValue(buffer.dataType);
+    const std::optional<cv::Mat> pixels =
+        bytes == 8 ? std::nullopt : wrapMat(buffer, bytes == 4 ? CV_32F : moveDepth(buffer.dataType));
+    if (pixels) {
+        cv::Mat swapped = *pixels; // a header of its own: OpenCV copies first when it is given one for both
+        cv::cvtColor(*pixels, swapped, buffer.channels == 3 ? cv::COLOR_BGR2RGB : cv::COLOR_BGRA2RGBA);
+    } else if (bytes == 1) {
+        swapFirstAndThird<std::uint8_t>(buffer);
+    } else if (bytes == 2) {
+        swapFirstAndThird<std::uint16_t>(buffer);
+    } else if (bytes == 4) {
+        swapFirstAndThird<std::uint32_t>(buffer);
+    } else {
+        swapFirstAndThird<std::uint64_t>(buffer);
+    }
+    return true;
+}
+
+bool CxPicBufAPI::ConvertPicToRGB(const SxPicBuf& src, SxPicBuf& dst)
+{
+    if (!hasPixels(src) || !hasPixels(dst) || !sameSize(src, dst))
+        return refuse("ConvertPicToRGB", "the buffers differ in size");
+    if (dst.dataType != ExImageDataType::UInt8 || (dst.channels != 3 && dst.channels != 4))
+        return refuse("ConvertPicToRGB", "the destination is not 8-bit colour");
+    if (overlap(src, dst))
+        return refuse("ConvertPicToRGB", "source and destination share memory");
+    if (src.dataType == ExImageDataType::Packed565) {
+        unpackToRgb(src, dst);
+        return true;
+    }
+    if (!visitNumberType(src.dataType, [](auto) {}))
+        return refuse("ConvertPicToRGB", "the source's type is unknown");
+    try {
+        ScopedPicBuf converted;
+        const cv::Mat pixels = visibleChannels(readMat(asBytes(src, converted), CV_8U));
+        cv::Mat colour = readMat(dst, CV_8U);
+        toColour(pixels, colour);
+        return true;
+    } catch (const cv::Exception& error) {
+        return refuse("ConvertPicToRGB", error.err.c_str());
+    } catch (const std::bad_alloc&) {
+        return refuse("ConvertPicToRGB", "out of memory");
+    }
+}
+
+bool CxPicBufAPI::ExtractChannel(const SxPicBuf& src, SxPicBuf& dst, unsigned channel)
+{
+    if (!hasPixels(src) || !hasPixels(dst) || !sameSize(src, dst) || src.dataType != dst.dataType || dst.channels != 1)
+        return refuse("ExtractChannel", "the destination must have one channel and the source's size and type");
+    if (channel >= src.channels)
+        return refuse("ExtractChannel", "there is no such channel");
+    const int depth = moveDepth(src.dataType);
+    try {
+        const cv::Mat pixels = readMat(src, depth);
+        if (std::optional<cv::Mat> wrapped = wrapMat(dst, depth)) {
+            cv::extractChannel(pixels, *wrapped, int(channel));
+        } else {
+            cv::Mat extracted;
+            cv::extractChannel(pixels, extracted, int(channel));
+            storeMat(extracted, dst);
+        }
+        return true;
+    } catch (const cv::Exception& error) {
+        return refuse("ExtractChannel", error.err.c_str());
+    }
+}

@@ -1,0 +1,128 @@
+// What the stored values tell: bits in use, largest value, sign.
+
+#include "CxPicBufAPI.h"
+
+#include "PicBufRecord.h"
+#include "PixelTypes.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <limits>
+#include <optional>
+
+namespace {
+
+template<typename T>
+std::make_unsigned_t<T> magnitude(T value)
+{
+    using Unsigned = std::make_unsigned_t<T>;
+    const auto bits = static_cast<Unsigned>(value);
+    return value < 0 ? static_cast<Unsigned>(Unsigned(0) - bits) : bits;
+}
+
+/// All magnitudes of a row or-ed together: the highest bit set in any of them is the highest of the result.
+template<typename T>
+std::uint64_t bitsOfRow(const std::uint8_t* row, std::size_t count)
+{
+    std::make_unsigned_t<T> bits = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        bits |= magnitude(loadValue<T>(row, i));
+    return bits;
+}
+
+template<typename T>
+bool hasNegative(const std::uint8_t* row, std::size_t count)
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        int found = 0; // no early end, so that the loop runs in vectors
+        for (std::size_t i = 0; i < count; ++i)
+            found |= int(loadValue<T>(row, i) < 0);
+        return found != 0;
+    } else {
+        T bits = 0; // the sign bit is set when it is in any value
+        for (std::size_t i = 0; i < count; ++i)
+            bits |= loadValue<T>(row, i);
+        return bits < 0;
+    }
+}
+
+template<typename T>
+std::uint64_t maxOfRow(const std::uint8_t* row, std::size_t count)
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        T largest = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            const T value = std::fabs(loadValue<T>(row, i));
+            largest = value > largest ? value : largest; // in this order a not-a-number never wins
+        }
+        constexpr T tooLarge = T(18446744073709551616.0); // 2 to the power 64
+        return largest >= tooLarge ? std::numeric_limits<std::uint64_t>::max() : static_cast<std::uint64_t>(largest);
+    } else {
+        std::make_unsigned_t<T> largest = 0;
+        for (std::size_t i = 0; i < count; ++i)
+            largest = std::max(largest, magnitude(loadValue<T>(row, i)));
+        return largest;
+    }
+}
+
+/// The magnitudes of all integer values or-ed together; nothing for other types.
+std::optional<std::uint64_t> bitsInUse(const SxPicBuf& buffer, std::uint32_t rowStep)
+{
+    std::optional<std::uint64_t> bits;
+    visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
+        if constexpr (std::is_integral_v<T>) {
+            bits = 0;
+            for (std::uint64_t y = 0; y < buffer.height; y += rowStep)
+                *bits |= bitsOfRow<T>(buffer.row(std::uint32_t(y)), valuesPerRow(buffer));
+        }
+    });
+    return bits;
+}
+
+} // namespace
+
+bool CxPicBufAPI::DetectNegativePixelValue(const SxPicBuf& buffer)
+{
+    bool found = false;
+    if (!hasPixels(buffer))
+        return found;
+    visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
+        if constexpr (std::is_signed_v<T>)
+            for (std::uint32_t y = 0; y < buffer.height && !found; ++y)
+                found = hasNegative<T>(buffer.row(y), valuesPerRow(buffer));
+    });
+    return found;
+}
+
+bool CxPicBufAPI::DetectColorBitDepth(const SxPicBuf& buffer, unsigned& bpc, bool wholeImage)
+{
+    if (!hasPixels(buffer))
+        return refuse("DetectColorBitDepth", "the buffer has no pixels");
+    const std::optional<std::uint64_t> bits = bitsInUse(buffer, wholeImage ? 1 : 4);
+    if (!bits)
+        return refuse("DetectColorBitDepth", "the buffer does not hold integers");
+    bpc = unsigned(std::max(1, int(std::bit_width(*bits))));
+    return true;
+}
+
+std::uint64_t CxPicBufAPI::DetectMaxAbsValue(const SxPicBuf& buffer)
+{
+    std::uint64_t largest = 0;
+    if (!hasPixels(buffer))
+        return largest;
+    const auto type = buffer.dataType == ExImageDataType::Packed565 ? ExImageDataType::UInt16 : buffer.dataType;
+    visitNumberType(type, [&]<typename T>(std::type_identity<T>) {
+        for (std::uint32_t y = 0; y < buffer.height; ++y)
+            largest = std::max(largest, maxOfRow<T>(buffer.row(y), valuesPerRow(buffer)));
+    });
+    return largest;
+}
+
+bool CxPicBufAPI::CheckPicValidData(const SxPicBuf& buffer)
+{
+    if (!hasPixels(buffer))
+        return false;
+    const std::optional<std::uint64_t> bits = bitsInUse(buffer, 1);
+    return !bits || std::uint32_t(std::bit_width(*bits)) <= buffer.bpc;
+}
