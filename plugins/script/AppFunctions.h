@@ -26,6 +26,10 @@ QString fx_app_resolvePath(const char* utf8);
 PyObject* fx_app_none();
 PyObject* fx_app_bool(bool value);
 
+// ---- cameras: FuncCamera.cpp ----
+
+PyObject* fx_pycams_GetCount(PyObject* module, PyObject* args);
+
 // ---- views, files and video: AppViews.cpp ----
 
 PyObject* fx_pyapp_OpenFile(PyObject* module, PyObject* args);

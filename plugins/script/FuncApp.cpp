@@ -29,12 +29,14 @@ void fx_pyapp_register()
 PyObject* py_app_moduleInit()
 {
     fx_script_addHelp("vantrel", px_app_funcs, nullptr, nullptr);
+    fx_pycams_TypeReady();
     fx_pygraphs_TypeReady();
     fx_pyimages_TypeReady();
 
     PyObject* module = PyModule_Create2(&px_app_module, stableAbiVersion);
     if (!module)
         return nullptr;
+    fx_pycams_TypeAdd(module);
     fx_pygraphs_TypeAdd(module);
     fx_pyimages_TypeAdd(module);
     return module;
@@ -95,6 +97,7 @@ PyObject* fx_app_bool(bool value)
 
 // Writable: the help texts are put in before the module is made.
 PyMethodDef px_app_funcs[] = {
+    {"get_number_devices", guarded<fx_pycams_GetCount>, METH_NOARGS, nullptr},
     {"open_file", guarded<fx_pyapp_OpenFile>, METH_VARARGS, nullptr},
     {"save_to_file", guarded<fx_pyapp_SaveToFile>, METH_VARARGS, nullptr},
     {"duplicate_view", guarded<fx_pyapp_DuplicateView>, METH_VARARGS, nullptr},

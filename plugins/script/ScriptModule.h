@@ -32,11 +32,23 @@ Q_DECL_EXPORT PyObject* fx_pyimg_createNewImageObject(CxImageData* image, int ow
 /// one that is empty; no error is set.
 Q_DECL_EXPORT CxImageData* fx_pyimg_getImageObjectData(PyObject* object);
 
+/// For the host, not for scripts: saves the camera's current flat-field settings as a preset, in place of one of the
+/// same name. self is a vantrel.Camera; args are the preset's name, its reference text and perhaps its note. Returns
+/// None, or null (perhaps without an error) on failure.
+Q_DECL_EXPORT PyObject* fx_pycam_CreateShadingPreset(PyObject* self, PyObject* args);
+
+/// For the host, not for scripts: writes a preset's settings to the camera. args are the preset's name; an unknown one
+/// is ignored. Returns None, or null (perhaps without an error) on failure.
+Q_DECL_EXPORT PyObject* fx_pycam_ActivateShadingPreset(PyObject* self, PyObject* args);
+
 } // extern "C"
 
 // ---- offered to the module's initialisation ----
 // ...TypeReady attaches the help texts and creates the type; a failure is logged and leaves the type null.
 // ...TypeAdd adds it to the module: 1 on success, 0 when the type is null or adding fails.
+
+void fx_pycams_TypeReady();
+int fx_pycams_TypeAdd(PyObject* module);
 
 void fx_pygraphs_TypeReady();
 int fx_pygraphs_TypeAdd(PyObject* module);

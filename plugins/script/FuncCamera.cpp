@@ -1,0 +1,231 @@
+// The type vantrel.Camera: its objects, how they are attached to the host's cameras, device information, acquisition,
+// and its tables.
+
+#include "AppFunctions.h"
+#include "CameraObject.h"
+#include "CxCameraManager.h"
+#include "CxCameraParameters.h"
+#include "ErrorLog.h"
+#include "IxAppDelegate.h"
+#include "NativeGuard.h"
+#include "PyRef.h"
+#include "ScriptModule.h"
+
+#include <QtCore/QString>
+
+PyTypeObject* TxPyCameraType = nullptr;
+
+static PyObject* toPython(const QString& text)
+{
+    const QByteArray utf8 = text.toUtf8();
+    return PyUnicode_FromStringAndSize(utf8.constData(), utf8.size());
+}
+
+CxCameraParameters* fx_cam_parameters(PyObject* self)
+{
+    return self ? CxCameraManager::instance()->cameraParameters(fx_cam_record(self).cameraHandle) : nullptr;
+}
+
+// ---- module function ----
+
+PyObject* fx_pycams_GetCount(PyObject* /*module*/, PyObject* /*args*/)
+{
+    return PyLong_FromUnsignedLong(quint32(CxCameraManager::instance()->openedCameraCount()));
+}
+
+// ---- life and text form ----
+
+static int fx_pycam_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keywords*/)
+{
+    fx_cam_record(self).cameraHandle = nullptr;
+    return 0;
+}
+
+static PyObject* fx_pycam_ToString(PyObject* self)
+{
+    const CxCameraParameters* parameters = fx_cam_parameters(self);
+    if (!parameters)
+        return toPython(QStringLiteral("camera(disconnected)"));
+    const SxCameraInfo& info = parameters->cameraInfo();
+    return toPython(QStringLiteral("camera(%1, sn: %2)").arg(info.deviceName, info.serialNumber));
+}
+
+// ---- attaching and detaching ----
+
+static PyObject* fx_pycam_Open(PyObject* self, PyObject* args)
+{
+    if (!self)
+        return nullptr;
+    int index = 0;
+    if (!PyArg_ParseTuple(args, "|i", &index))
+        return nullptr;
+    const QList<void*> cameras = CxCameraManager::instance()->openedCameras();
+    if (index < 0 || index >= cameras.size()) {
+        PyErr_SetString(PyExc_Exception, "Camera not available");
+        return nullptr;
+    }
+    fx_cam_record(self).cameraHandle = cameras.at(index);
+    return fx_app_none();
+}
+
+/// Attaches the first opened camera whose description has the given text in that field, in any letter case.
+static PyObject* openByText(PyObject* self, PyObject* args, QString SxCameraInfo::*field)
+{
+    if (!self)
+        return nullptr;
+    const char* utf8 = nullptr;
+    if (!PyArg_ParseTuple(args, "s", &utf8))
+        return nullptr;
+    const QString wanted = QString::fromUtf8(utf8);
+    const CxCameraManager& manager = *CxCameraManager::instance();
+    void* found = nullptr;
+    const QList<void*> cameras = manager.openedCameras();
+    for (void* camera : cameras) {
+        const CxCameraParameters* parameters = manager.cameraParameters(camera);
+        if (!parameters || QString::compare(parameters->cameraInfo().*field, wanted, Qt::CaseInsensitive) != 0)
+            continue;
+        found = camera;
+        break;
+    }
+    if (!found) {
+        PyErr_SetString(PyExc_Exception, "Camera not found");
+        return nullptr;
+    }
+    fx_cam_record(self).cameraHandle = found;
+    return fx_app_none();
+}
+
+static PyObject* fx_pycam_OpenByUserId(PyObject* self, PyObject* args)
+{
+    return openByText(self, args, &SxCameraInfo::userId);
+}
+
+static PyObject* fx_pycam_OpenBySN(PyObject* self, PyObject* args)
+{
+    return openByText(self, args, &SxCameraInfo::serialNumber);
+}
+
+static PyObject* fx_pycam_OpenByPath(PyObject* self, PyObject* args)
+{
+    return openByText(self, args, &SxCameraInfo::instancePath);
+}
+
+static PyObject* fx_pycam_Close(PyObject* self, PyObject* /*args*/)
+{
+    if (!self)
+        return nullptr;
+    fx_cam_record(self).cameraHandle = nullptr;
+    return fx_app_none();
+}
+
+// ---- device information ----
+
+static PyObject* fx_pycam_GetDeviceInfoString(PyObject* self, PyObject* args)
+{
+    const char* utf8 = nullptr;
+    if (!self || !PyArg_ParseTuple(args, "s", &utf8))
+        return nullptr;
+    const CxCameraParameters* parameters = fx_cam_parameters(self);
+    if (!parameters)
+        return nullptr;
+    const SxCameraInfo& info = parameters->cameraInfo();
+    const QString key = QString::fromUtf8(utf8);
+    if (key == QLatin1String("device_sn"))
+        return toPython(info.serialNumber);
+    if (key == QLatin1String("device_inst_path"))
+        return toPython(info.instancePath);
+    if (key == QLatin1String("device_type"))
+        return toPython(info.deviceType);
+    if (key == QLatin1String("device_name"))
+        return toPython(info.deviceName);
+    if (key == QLatin1String("device_user_id"))
+        return toPython(info.userId);
+    if (key == QLatin1String("device_model_id"))
+        return toPython(QString::number(info.modelId));
+    return toPython(QString());
+}
+
+// ---- acquisition ----
+
+static PyObject* fx_pycam_StartAcquisition(PyObject* self, PyObject* /*args*/)
+{
+    IxAppDelegate* delegate = self ? fx_app_delegate() : nullptr;
+    if (!delegate)
+        return nullptr;
+    const bool started = delegate->setCameraAcquisition(true, fx_cam_record(self).cameraHandle);
+    return PyLong_FromLong(started ? delegate->activeViewId() : -1);
+}
+
+static PyObject* fx_pycam_StopAcquisition(PyObject* self, PyObject* /*args*/)
+{
+    IxAppDelegate* delegate = self ? fx_app_delegate() : nullptr;
+    if (!delegate)
+        return nullptr;
+    delegate->setCameraAcquisition(false, fx_cam_record(self).cameraHandle);
+    return fx_app_none();
+}
+
+// ---- tables ----
+
+// Writable: the help texts are put in before the type is made.
+static PyMethodDef px_camera_meths[] = {
+    {"open_device", guarded<fx_pycam_Open>, METH_VARARGS, nullptr},
+    {"open_device_by_user_id", guarded<fx_pycam_OpenByUserId>, METH_VARARGS, nullptr},
+    {"open_device_by_SN", guarded<fx_pycam_OpenBySN>, METH_VARARGS, nullptr},
+    {"open_device_by_path", guarded<fx_pycam_OpenByPath>, METH_VARARGS, nullptr},
+    {"close_device", guarded<fx_pycam_Close>, METH_NOARGS, nullptr},
+    {"get_device_info_string", guarded<fx_pycam_GetDeviceInfoString>, METH_VARARGS, nullptr},
+    {"set_param", guarded<fx_pycam_SetParam>, METH_VARARGS, nullptr},
+    {"get_param", guarded<fx_pycam_GetParam>, METH_VARARGS, nullptr},
+    {"set_roi", guarded<fx_pycam_SetRoi>, METH_VARARGS, nullptr},
+    {"get_roi", guarded<fx_pycam_GetRoi>, METH_NOARGS, nullptr},
+    {"start_acquisition", guarded<fx_pycam_StartAcquisition>, METH_NOARGS, nullptr},
+    {"stop_acquisition", guarded<fx_pycam_StopAcquisition>, METH_NOARGS, nullptr},
+    {"save_settings_to_file", guarded<fx_pycam_SaveSettingsToFile>, METH_VARARGS, nullptr},
+    {"load_settings_from_file", guarded<fx_pycam_LoadSettingsFromFile>, METH_VARARGS, nullptr},
+    {"ask_user_capture_image", guarded<fx_pycam_AskUserCaptureImage>, METH_VARARGS, nullptr},
+    {"restart_with_default_settings", guarded<fx_pycam_RestartWithDefaultSettings>, METH_NOARGS, nullptr},
+    {nullptr, nullptr, 0, nullptr},
+};
+
+// No deallocation slot: an object owns nothing, the interpreter releases the record.
+static PyType_Slot TxPyCameraType_Slots[] = {
+    {Py_tp_str, guardedSlot<fx_pycam_ToString>()},
+    {Py_tp_getattro, guardedSlot<fx_pycam_GetAttrO>()},
+    {Py_tp_methods, px_camera_meths},
+    {Py_tp_init, guardedSlot<fx_pycam_Init>()},
+    {Py_tp_new, reinterpret_cast<void*>(PyType_GenericNew)},
+    {0, nullptr},
+};
+
+static PyType_Spec TxPyCameraType_Spec = {
+    "vantrel.Camera",       // name
+    sizeof(pycam_userdata), // basicsize
+    0,                      // itemsize
+    Py_TPFLAGS_DEFAULT,     // flags: cannot be subclassed
+    TxPyCameraType_Slots,   // slots
+};
+
+// ---- registration ----
+
+void fx_pycams_TypeReady()
+{
+    fx_script_addHelp("vantrel", nullptr, "cameraObj", px_camera_meths);
+    TxPyCameraType = nullptr;
+    if (fx_cam_prepareAttributes())
+        TxPyCameraType = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&TxPyCameraType_Spec));
+    if (!TxPyCameraType)
+        fx_logError(
+            QStringLiteral("fx_pycams_TypeReady(): %1").arg(QStringLiteral("Failed to register vantrel.CameraType")));
+}
+
+int fx_pycams_TypeAdd(PyObject* module)
+{
+    if (!TxPyCameraType)
+        return 0;
+    PyRef type = PyRef::retain(reinterpret_cast<PyObject*>(TxPyCameraType));
+    if (PyModule_AddObject(module, "Camera", type.get()) != 0)
+        return 0;
+    static_cast<void>(type.release());
+    return 1;
+}
