@@ -86,6 +86,26 @@ TEST_P(DamagedImageFile, FlippedBytesNeverCrash)
     }
 }
 
+TEST_P(DamagedImageFile, FlippedBytesAroundTheNotedDepthNeverCrash)
+{
+    std::mt19937_64 random(6);
+    TestPicBuf source({6, 4, 3, ExImageDataType::UInt16, 0, 12});
+    for (unsigned y = 0; y < 4; ++y)
+        for (std::size_t i = 0; i < source.values(); ++i)
+            source.setBits(i, y, random() & 0xFFF);
+    const QString path = m_folder.filePath(QStringLiteral("deep.") + QString::fromLatin1(GetParam()));
+    const std::unique_ptr<CxImageFileSaver> saver(CxImageFormatManager::instance()->saverForFile(path));
+    ASSERT_TRUE(saver->saveImage(source.image().get(), nullptr));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray whole = file.readAll();
+    for (int round = 0; round < 800; ++round) {
+        QByteArray broken = whole;
+        broken[qsizetype(random() % std::uint64_t(broken.size()))] = char(random());
+        loads(broken, GetParam());
+    }
+}
+
 TEST_P(DamagedImageFile, RandomBytesBehindTheSignatureNeverCrash)
 {
     std::mt19937_64 random(11);

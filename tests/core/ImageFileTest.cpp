@@ -2,7 +2,7 @@
 
 #include "CxImageFormatManager.h"
 #include "LogCapture.h"
-#include "TestPicBuf.h"
+#include "PicBufReference.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -52,6 +52,7 @@ protected:
         EXPECT_EQ(buffer.height, 7U);
         EXPECT_EQ(buffer.channels, channels);
         EXPECT_EQ(typeName(buffer.dataType), typeName(type));
+        EXPECT_EQ(buffer.bpc, source.record.bpc);
         EXPECT_EQ(buffer.isColor, channels > 1);
         EXPECT_EQ(buffer.storageFormat, ExDataStorageFormat::Interleaved);
         EXPECT_EQ(TestPicBuf::pixelsOf(buffer), source.pixels());
@@ -82,10 +83,111 @@ TEST_F(ImageFile, SixteenBitsComeBackUnchanged)
     expectUnchanged(QStringLiteral("a.ppm"), ExImageDataType::UInt16, 3);
 }
 
-TEST_F(ImageFile, TwelveBitsInSixteenComeBackUnchanged)
+TEST_F(ImageFile, FewerBitsInSixteenComeBackUnchangedAndKnown)
 {
-    for (const char* name : {"a.png", "a.tif", "a.pgm"})
-        expectUnchanged(QString::fromLatin1(name), ExImageDataType::UInt16, 1, 12);
+    for (const unsigned bpc : {10U, 12U, 15U}) {
+        for (const char* name : {"a.png", "a.tif", "a.pgm"})
+            expectUnchanged(QString::fromLatin1(name), ExImageDataType::UInt16, 1, bpc);
+        for (const char* name : {"a.png", "a.tif", "a.ppm"})
+            expectUnchanged(QString::fromLatin1(name), ExImageDataType::UInt16, 3, bpc);
+        for (const char* name : {"a.png", "a.tif"})
+            expectUnchanged(QString::fromLatin1(name), ExImageDataType::UInt16, 4, bpc);
+    }
+}
+
+TEST_F(ImageFile, BitsThatTheValuesExceedAreNotNoted)
+{
+    TestPicBuf source({2, 1, 1, ExImageDataType::UInt16, 0, 12});
+    source.setBits(0, 0, 5);
+    source.setBits(1, 0, 4096);
+    for (const char* name : {"a.png", "a.tif", "a.pgm"}) {
+        ASSERT_TRUE(save(*source.image(), path(QString::fromLatin1(name))));
+        const auto loaded = load(path(QString::fromLatin1(name)));
+        ASSERT_NE(loaded, nullptr);
+        EXPECT_EQ(loaded->picBuf()->bpc, 16U);
+        EXPECT_EQ(TestPicBuf::pixelsOf(*loaded->picBuf()), source.pixels());
+    }
+}
+
+TEST_F(ImageFile, OtherTypesAreStoredWhereEveryValueSurvives)
+{
+    struct Row {
+        const char* name;
+        ExImageDataType type;
+        unsigned channels;
+        std::uint64_t value;
+        ExImageDataType stored; ///< None: refused
+    };
+    using Type = ExImageDataType;
+    const Row rows[] = {
+        {"a.png", Type::Int8, 1, 127, Type::UInt8},
+        {"a.png", Type::Int16, 3, 0xFFFF, Type::None}, // -1
+        {"a.png", Type::UInt32, 4, 65535, Type::UInt16},
+        {"a.png", Type::UInt32, 1, 65536, Type::None},
+        {"a.png", Type::Float, 1, 0x3F000000, Type::None}, // 0.5
+        {"a.ppm", Type::Int64, 3, 40000, Type::UInt16},
+        {"a.tif", Type::Int16, 3, 0xFFFF, Type::Float},
+        {"a.tif", Type::UInt32, 1, 0xFFFFFFFF, Type::Double},
+        {"a.tif", Type::UInt32, 3, 0xFFFFFFFF, Type::None},
+        {"a.tif", Type::Int64, 1, ~0ULL, Type::Int8},
+        {"a.tif", Type::UInt64, 1, (1ULL << 60) + 1, Type::None},
+        {"a.tif", Type::Double, 3, 0x3FE0000000000000, Type::Float}, // 0.5
+        {"a.tif", Type::Double, 3, 0x3FB999999999999A, Type::None},  // 0.1
+        {"a.jpg", Type::Float, 1, 0x3F000000, Type::None},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.name) + " " + typeName(row.type) + " " + std::to_string(row.value));
+        TestPicBuf source({3, 2, row.channels, row.type, 1});
+        for (unsigned y = 0; y < 2; ++y)
+            for (std::size_t i = 0; i < source.values(); ++i)
+                source.setBits(i, y, row.value);
+        const QString file = path(QString::fromLatin1(row.name));
+        if (row.stored == Type::None) {
+            const LogCapture log;
+            EXPECT_FALSE(save(*source.image(), file));
+            EXPECT_EQ(LogCapture::lines().size(), 1);
+            continue;
+        }
+        ASSERT_TRUE(save(*source.image(), file));
+        const auto loaded = load(file);
+        ASSERT_NE(loaded, nullptr);
+        EXPECT_EQ(typeName(loaded->picBuf()->dataType), typeName(row.stored));
+        EXPECT_EQ(loaded->picBuf()->channels, row.channels);
+        EXPECT_EQ(valueAt(*loaded->picBuf(), 0, 1), valueAt(source.record, 0, 1));
+    }
+}
+
+TEST_F(ImageFile, DeepValuesBecomeBytesInPicturesForTheEye)
+{
+    TestPicBuf source({2, 1, 1, ExImageDataType::UInt16, 0, 12});
+    source.setBits(0, 0, 4095);
+    source.setBits(1, 0, 2048);
+    ASSERT_TRUE(save(*source.image(), path(QStringLiteral("a.bmp"))));
+    const auto loaded = load(path(QStringLiteral("a.bmp")));
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_EQ(loaded->picBuf()->row(0)[0], 255);
+    EXPECT_EQ(loaded->picBuf()->row(0)[1], 128);
+}
+
+TEST_F(ImageFile, PackedColoursBecomeColours)
+{
+    TestPicBuf source({1, 1, 1, ExImageDataType::Packed565});
+    source.setBits(0, 0, 0xF81F);
+    for (const char* name : {"a.png", "a.tif", "a.bmp", "a.ppm"}) {
+        ASSERT_TRUE(save(*source.image(), path(QString::fromLatin1(name))));
+        const auto loaded = load(path(QString::fromLatin1(name)));
+        ASSERT_NE(loaded, nullptr);
+        EXPECT_EQ(TestPicBuf::pixelsOf(*loaded->picBuf()), (std::vector<std::uint8_t>{255, 0, 255}));
+    }
+}
+
+TEST_F(ImageFile, TwoChannelsAreRefused)
+{
+    const LogCapture log;
+    const TestPicBuf source({2, 2, 2});
+    for (const char* name : {"a.png", "a.tif", "a.bmp", "a.ppm", "a.jpg"})
+        EXPECT_FALSE(save(*source.image(), path(QString::fromLatin1(name))));
+    EXPECT_EQ(LogCapture::lines().size(), 5);
 }
 
 TEST_F(ImageFile, FloatsComeBackUnchangedFromTiff)

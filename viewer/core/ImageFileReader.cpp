@@ -1,6 +1,8 @@
 #include "ImageFileReader.h"
 
 #include "CxImageData.h"
+#include "CxPicBufAPI.h"
+#include "ImageFileDepth.h"
 #include "ImageFileHeader.h"
 #include "PicBufMat.h"
 
@@ -73,6 +75,12 @@ QString ImageFileReader::read()
     SxPicBuf buffer = picBufFromMat(pixels);
     if (!buffer.data)
         return QStringLiteral("is too large for the memory");
+    const unsigned noted = notedDepth(bytes);
+    if (buffer.dataType == ExImageDataType::UInt16 && noted > 0 && noted < buffer.bpc) {
+        buffer.bpc = noted;
+        if (!CxPicBufAPI::CheckPicValidData(buffer)) // the note is about other pixels
+            buffer.bpc = 16;
+    }
     m_image = std::make_unique<CxImageData>();
     m_image->attachPicBuf(&buffer);
     return QString();

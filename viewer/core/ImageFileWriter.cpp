@@ -1,7 +1,9 @@
 #include "ImageFileWriter.h"
 
 #include "CxImageData.h"
+#include "ImageFileDepth.h"
 #include "PicBufMat.h"
+#include "StorablePixels.h"
 
 #include <QtCore/QDebug>
 #include <QtCore/QSaveFile>
@@ -34,16 +36,19 @@ bool keepsAlpha(Format format)
     return format == Format::Png || format == Format::Tiff;
 }
 
-bool stores(Format format, int channels, int depth)
+StorableTypes storableTypes(Format format, std::uint32_t channels)
 {
+    using Type = ExImageDataType;
     switch (format) {
     case Format::Bmp:
     case Format::Jpeg:
-        return depth == CV_8U;
-    case Format::Tiff: // the encoder takes the others with one channel only
-        return depth == CV_8U || depth == CV_16U || depth == CV_32F || channels == 1;
+        return {{Type::UInt8}, true};
+    case Format::Tiff: // the encoder takes the further ones with one channel only
+        if (channels == 1)
+            return {{Type::UInt8, Type::UInt16, Type::Int8, Type::Int16, Type::Int32, Type::Float, Type::Double}};
+        return {{Type::UInt8, Type::UInt16, Type::Float}};
     default:
-        return depth == CV_8U || depth == CV_16U;
+        return {{Type::UInt8, Type::UInt16}};
     }
 }
 
@@ -75,12 +80,17 @@ std::vector<int> encoderParameters(Format format, const QVariantMap& options)
     return {};
 }
 
-QString writeFile(const QString& path, const std::vector<uchar>& bytes)
+/// Whether there is something to note about the depth of the values, and it is true.
+bool hasDepthToNote(const SxPicBuf& pixels)
+{
+    return pixels.dataType == ExImageDataType::UInt16 && pixels.bpc > 0 && pixels.bpc < 16 &&
+           CxPicBufAPI::CheckPicValidData(pixels);
+}
+
+QString writeFile(const QString& path, const QByteArray& bytes)
 {
     QSaveFile file(path);
-    const auto size = qint64(bytes.size());
-    if (!file.open(QIODevice::WriteOnly) || file.write(reinterpret_cast<const char*>(bytes.data()), size) != size ||
-        !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
         return QStringLiteral("cannot be written (%1)").arg(file.errorString());
     return QString();
 }
@@ -114,20 +124,23 @@ QString ImageFileWriter::save(CxImageData* image, const QVariantMap& options) co
     if (!buffer || !buffer->data)
         return QStringLiteral("has no pixels");
     const Format format = formatOf(m_extension);
-    const int depth = matDepth(buffer->dataType);
     if (buffer->channels != 1 && buffer->channels != 3 && buffer->channels != 4)
         return QStringLiteral("has %1 channels, which no file format holds").arg(buffer->channels);
-    if (depth < 0 || !stores(format, int(buffer->channels), depth))
-        return QStringLiteral("has values of a type that the format does not hold");
+    ScopedPicBuf converted;
+    const SxPicBuf storable = storablePixels(*buffer, storableTypes(format, buffer->channels), converted);
+    if (!storable.data)
+        return QStringLiteral("has values that the format cannot hold");
 
-    cv::Mat pixels = readMat(*buffer, depth);
-    if (buffer->channels == 4 && !keepsAlpha(format)) {
+    cv::Mat pixels = readMat(storable, matDepth(storable.dataType));
+    if (pixels.channels() == 4 && !keepsAlpha(format)) {
         cv::Mat opaque;
         cv::cvtColor(pixels, opaque, cv::COLOR_BGRA2BGR);
         pixels = opaque;
     }
-    std::vector<uchar> bytes;
-    if (!cv::imencode(encoderName(format, pixels.channels()), pixels, bytes, encoderParameters(format, options)))
+    std::vector<uchar> encoded;
+    if (!cv::imencode(encoderName(format, pixels.channels()), pixels, encoded, encoderParameters(format, options)))
         return QStringLiteral("cannot be encoded");
-    return writeFile(m_path, bytes);
+    const auto bytes =
+        QByteArray::fromRawData(reinterpret_cast<const char*>(encoded.data()), qsizetype(encoded.size()));
+    return writeFile(m_path, hasDepthToNote(storable) ? withNotedDepth(bytes, storable.bpc) : bytes);
 }

@@ -6,15 +6,18 @@
 
 /// Writes one still image in the format that the file's extension names.
 ///
-/// | format    | channels                 | values that are stored as they are                                    |
-/// |-----------|--------------------------|-----------------------------------------------------------------------|
-/// | PNG       | 1, 3, 4                  | unsigned 8 and 16 bits                                                |
-/// | TIFF      | 1, 3, 4                  | the same and 32-bit float; with one channel also signed 8, 16 and 32  |
-/// |           |                          | bits and 64-bit float                                                 |
-/// | PGM, PPM  | 1, 3 (by the image, not by the extension); alpha is dropped | unsigned 8 and 16 bits             |
-/// | BMP, JPEG | 1, 3; alpha is dropped   | unsigned 8 bits                                                       |
+/// | format    | channels                 | values                                                               |
+/// |-----------|--------------------------|----------------------------------------------------------------------|
+/// | PNG       | 1, 3, 4                  | unsigned 8 and 16 bits                                               |
+/// | TIFF      | 1, 3, 4                  | the same and 32-bit float; with one channel also signed 8, 16 and 32 |
+/// |           |                          | bits and 64-bit float                                                |
+/// | PGM, PPM  | 1, 3 (by the image, not by the extension); alpha is dropped | unsigned 8 and 16 bits            |
+/// | BMP, JPEG | 1, 3; alpha is dropped   | unsigned 8 bits                                                      |
 ///
-/// A type that the format lacks is refused.
+/// Values of other types are stored in one of these that holds every single one unchanged, and refused where there is
+/// none: a save never changes a value. Two exceptions are for pictures that are looked at: BMP and JPEG take deeper
+/// unsigned values with their full scale as 255, and packed colours become 8-bit colours. The bits in use of 16-bit
+/// values are noted in the file (see ImageFileDepth.h).
 class ImageFileWriter final : public CxImageFileSaver
 {
 public:
