@@ -122,7 +122,8 @@ T quotient(T value, int divisor)
         result += result < 0 ? -0.5 : 0.5;
         result = std::max(result, static_cast<double>(std::numeric_limits<T>::min()));
         result = std::min(result, static_cast<double>(std::numeric_limits<T>::max()));
-        return static_cast<T>(static_cast<std::int64_t>(result));
+        using Fitting = std::conditional_t<std::is_same_v<T, std::uint32_t>, std::int64_t, std::int32_t>;
+        return static_cast<T>(static_cast<Fitting>(result)); // not wider than needed: int has vectors
     } else {
         // Magnitudes, so that neither the smallest integer nor a negative divisor overflows.
         const bool negative = (value < 0) != (divisor < 0);
