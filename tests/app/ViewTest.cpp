@@ -1,11 +1,14 @@
 #include "ImageView.h"
 
 #include "ApplicationDelegate.h"
+#include "DisplayImage.h"
+#include "ImageFiles.h"
 #include "ImageWidget.h"
 #include "MainWindow.h"
 #include "Pictures.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtCore/QTemporaryDir>
 #include <QtGui/QMouseEvent>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
@@ -257,6 +260,38 @@ TEST(MainWindow, StatusLineTellsTheFormatTheScaleAndThePixel)
     EXPECT_TRUE(statusText(window).contains(QStringLiteral("(1, 1)  4095"))) << statusText(window).toStdString();
     view->setImage(greyPicture(2, 2, 9));
     EXPECT_TRUE(statusText(window).contains(QStringLiteral("(1, 1)  9"))) << statusText(window).toStdString();
+}
+
+TEST(ImageFiles, SixteenBitFilesAreAsDeepAsTheirValues)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.tif"));
+    const std::vector<std::pair<std::uint16_t, unsigned>> depths = {{0, 12},     {900, 12},   {4095, 12}, {4096, 14},
+                                                                    {16383, 14}, {16384, 16}, {65535, 16}};
+    for (const auto& [value, depth] : depths) {
+        const auto image = picture<std::uint16_t>(ExImageDataType::UInt16, 16, 2, 1, {0, value});
+        ASSERT_TRUE(saveImageFile(*image, path));
+        const auto loaded = loadImageFile(path);
+        ASSERT_NE(loaded, nullptr);
+        EXPECT_EQ(loaded->picBuf()->bpc, depth) << value;
+        EXPECT_EQ(pixelText(*loaded->picBuf(), 1, 0), QString::number(value));
+    }
+}
+
+TEST(ImageFiles, EightBitFilesStayEightBitDeep)
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.png"));
+    ASSERT_TRUE(saveImageFile(*greyPicture(2, 2, 3), path));
+    const auto loaded = loadImageFile(path);
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_EQ(loaded->picBuf()->bpc, 8U);
+}
+
+TEST(ImageFiles, UnknownExtensionsAreNeitherReadNorWritten)
+{
+    EXPECT_EQ(loadImageFile(QStringLiteral("a.xyz")), nullptr);
+    EXPECT_FALSE(saveImageFile(*greyPicture(2, 2, 3), QStringLiteral("a.xyz")));
 }
 
 TEST(ImageWidget, FitsTheImageUntilToldAScale)

@@ -11,7 +11,7 @@
 
 #if defined(__SANITIZE_ADDRESS__)
 // The interpreter keeps memory until the very end; a leak report at exit would drown everything else.
-extern "C" const char* __asan_default_options();
+extern "C" Q_DECL_EXPORT const char* __asan_default_options();
 extern "C" const char* __asan_default_options()
 {
     return "detect_leaks=0";
