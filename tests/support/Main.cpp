@@ -32,7 +32,7 @@ class LeftoverCheck : public testing::EmptyTestEventListener
 
 // LeakSanitizer cannot tell the interpreter's deliberate leftovers from leaks; these tests count live objects
 // themselves.
-extern "C" const char* __asan_default_options();
+extern "C" Q_DECL_EXPORT const char* __asan_default_options();
 extern "C" const char* __asan_default_options()
 {
     return "detect_leaks=0";
