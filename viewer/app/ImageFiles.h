@@ -6,7 +6,7 @@
 
 class CxImageData;
 
-/// Reads an image file. 16-bit values count as 12 or 14 bits deep when all of them fit in so many. Null with a log line
+/// Reads an image file; null with a log line
 /// when its extension is unknown or it cannot be read.
 std::shared_ptr<CxImageData> loadImageFile(const QString& path);
 
