@@ -26,6 +26,9 @@ QString fx_app_resolvePath(const char* utf8);
 PyObject* fx_app_none();
 PyObject* fx_app_bool(bool value);
 
+/// A new str.
+PyObject* fx_app_text(const QString& text);
+
 // ---- cameras: FuncCamera.cpp ----
 
 PyObject* fx_pycams_GetCount(PyObject* module, PyObject* args);
@@ -47,3 +50,30 @@ PyObject* fx_pyapp_SetViewImage(PyObject* module, PyObject* args);
 PyObject* fx_pyapp_NewViewWithImage(PyObject* module, PyObject* args);
 PyObject* fx_pyapp_RecordVideoToFile(PyObject* module, PyObject* args);
 PyObject* fx_pyapp_StopVideoRecording(PyObject* module, PyObject* args);
+
+// ---- dialogs and messages: AppDialogs.cpp ----
+
+PyObject* fx_pyapp_MessageBox(PyObject* module, PyObject* args);
+PyObject* fx_pyapp_ShowNotification(PyObject* module, PyObject* args);
+PyObject* fx_pyapp_PrintToErrorLog(PyObject* module, PyObject* args);
+PyObject* fx_pyapp_AskUserForString(PyObject* module, PyObject* args);
+
+// ---- scripts, menus and sounds: AppScripts.cpp ----
+
+PyObject* fx_pyapp_AddMenuItem(PyObject* module, PyObject* args);
+PyObject* fx_pyapp_RunScript(PyObject* module, PyObject* args);
+PyObject* fx_pyapp_GetWorkingDirectory(PyObject* module, PyObject* args);
+PyObject* fx_pyapp_PlaySound(PyObject* module, PyObject* args);
+
+// ---- values shared by scripts: AppVariables.cpp ----
+
+PyObject* fx_pyapp_SetGlobalVariableImg(PyObject* module, PyObject* args);
+PyObject* fx_pyapp_GetGlobalVariableImg(PyObject* module, PyObject* args);
+PyObject* fx_pyapp_SetGlobalVariableInt(PyObject* module, PyObject* args);
+PyObject* fx_pyapp_GetGlobalVariableInt(PyObject* module, PyObject* args);
+PyObject* fx_pyapp_SetGlobalVariableString(PyObject* module, PyObject* args);
+PyObject* fx_pyapp_GetGlobalVariableString(PyObject* module, PyObject* args);
+
+// ---- processing chains: AppChain.cpp ----
+
+PyObject* fx_pyapp_AddChainObject(PyObject* module, PyObject* args);

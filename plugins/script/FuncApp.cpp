@@ -93,6 +93,12 @@ PyObject* fx_app_bool(bool value)
     return PyBool_FromLong(value);
 }
 
+PyObject* fx_app_text(const QString& text)
+{
+    const QByteArray utf8 = text.toUtf8();
+    return PyUnicode_FromStringAndSize(utf8.constData(), utf8.size());
+}
+
 // ---- tables ----
 
 // Writable: the help texts are put in before the module is made.
@@ -106,6 +112,7 @@ PyMethodDef px_app_funcs[] = {
     {"close_view", guarded<fx_pyapp_CloseView>, METH_VARARGS, nullptr},
     {"tile_views", guarded<fx_pyapp_TileViews>, METH_NOARGS, nullptr},
     {"switch_full_screen", guarded<fx_pyapp_SwitchFullScreen>, METH_VARARGS, nullptr},
+    {"add_chain_object", guarded<fx_pyapp_AddChainObject>, METH_VARARGS, nullptr},
     {"wait_for_next_frame", guarded<fx_pyapp_WaitForNextFrame>, METH_VARARGS, nullptr},
     {"wait", guarded<fx_pyapp_Wait>, METH_VARARGS, nullptr},
     {"get_view_image", guarded<fx_pyapp_GetViewImage>, METH_VARARGS, nullptr},
@@ -113,6 +120,20 @@ PyMethodDef px_app_funcs[] = {
     {"new_view_with_image", guarded<fx_pyapp_NewViewWithImage>, METH_VARARGS, nullptr},
     {"record_video_to_file", guarded<fx_pyapp_RecordVideoToFile>, METH_VARARGS, nullptr},
     {"stop_video_recording", guarded<fx_pyapp_StopVideoRecording>, METH_VARARGS, nullptr},
+    {"message_box", guarded<fx_pyapp_MessageBox>, METH_VARARGS, nullptr},
+    {"show_notification", guarded<fx_pyapp_ShowNotification>, METH_VARARGS, nullptr},
+    {"print_to_error_log", guarded<fx_pyapp_PrintToErrorLog>, METH_VARARGS, nullptr},
+    {"ask_user_for_string", guarded<fx_pyapp_AskUserForString>, METH_VARARGS, nullptr},
+    {"add_menu_item", guarded<fx_pyapp_AddMenuItem>, METH_VARARGS, nullptr},
+    {"run_script", guarded<fx_pyapp_RunScript>, METH_VARARGS, nullptr},
+    {"get_working_directory", guarded<fx_pyapp_GetWorkingDirectory>, METH_NOARGS, nullptr},
+    {"play_sound", guarded<fx_pyapp_PlaySound>, METH_VARARGS, nullptr},
+    {"set_global_variable_img", guarded<fx_pyapp_SetGlobalVariableImg>, METH_VARARGS, nullptr},
+    {"get_global_variable_img", guarded<fx_pyapp_GetGlobalVariableImg>, METH_VARARGS, nullptr},
+    {"set_global_variable_int", guarded<fx_pyapp_SetGlobalVariableInt>, METH_VARARGS, nullptr},
+    {"get_global_variable_int", guarded<fx_pyapp_GetGlobalVariableInt>, METH_VARARGS, nullptr},
+    {"set_global_variable_string", guarded<fx_pyapp_SetGlobalVariableString>, METH_VARARGS, nullptr},
+    {"get_global_variable_string", guarded<fx_pyapp_GetGlobalVariableString>, METH_VARARGS, nullptr},
     {nullptr, nullptr, 0, nullptr},
 };
 

@@ -1,0 +1,104 @@
+// What scripts show to the user and ask of them.
+
+#include "AppFunctions.h"
+#include "IxAppDelegate.h"
+
+#include <QtCore/QDebug>
+#include <QtCore/QMessageLogger>
+#include <QtCore/QPointer>
+#include <QtWidgets/QAbstractButton>
+#include <QtWidgets/QInputDialog>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+
+namespace {
+
+QString textOf(const char* utf8)
+{
+    return utf8 ? QString::fromUtf8(utf8) : QString();
+}
+
+QAbstractButton* addButtonIfNamed(QMessageBox& box, const QString& label)
+{
+    return label.isEmpty() ? nullptr : box.addButton(label, QMessageBox::ActionRole);
+}
+
+/// Shows the box and returns the button that ended it; null when none did, or when the box went away with its parent.
+QAbstractButton* askUser(const QPointer<QMessageBox>& box)
+{
+    box->exec();
+    return box ? box->clickedButton() : nullptr;
+}
+
+} // namespace
+
+PyObject* fx_pyapp_MessageBox(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    const char* title = nullptr;
+    const char* text = nullptr;
+    const char* label1 = nullptr;
+    const char* label2 = nullptr;
+    const char* label3 = nullptr;
+    if (!PyArg_ParseTuple(args, "ss|sss", &title, &text, &label1, &label2, &label3))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    const QString secondLabel = textOf(label2);
+
+    const QPointer<QMessageBox> box = new QMessageBox(delegate->mainWindow());
+    box->setWindowTitle(textOf(title));
+    box->setText(textOf(text));
+    // Its own label serves the first button only beside a second one.
+    const QAbstractButton* first = secondLabel.isEmpty() ? box->addButton(QMessageBox::Ok)
+                                                         : box->addButton(textOf(label1), QMessageBox::ActionRole);
+    const QAbstractButton* second = addButtonIfNamed(*box, secondLabel);
+    const QAbstractButton* third = addButtonIfNamed(*box, textOf(label3));
+
+    // A missing button compares equal to none clicked.
+    const QAbstractButton* clicked = askUser(box);
+    const int result = clicked == first ? 1 : clicked == second ? 2 : clicked == third ? 3 : 0;
+    delete box;
+    return PyLong_FromLong(result);
+}
+
+PyObject* fx_pyapp_ShowNotification(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    const char* text = nullptr;
+    if (!PyArg_ParseTuple(args, "s", &text))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    delegate->showNotification(textOf(text));
+    return fx_app_none();
+}
+
+PyObject* fx_pyapp_PrintToErrorLog(PyObject* /*module*/, PyObject* args)
+{
+    const char* text = nullptr;
+    if (!PyArg_ParseTuple(args, "s", &text))
+        return nullptr;
+    QMessageLogger(nullptr, 0, nullptr, "default").critical() << textOf(text);
+    return fx_app_none();
+}
+
+PyObject* fx_pyapp_AskUserForString(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    const char* title = nullptr;
+    const char* label = nullptr;
+    if (!PyArg_ParseTuple(args, "ss", &title, &label))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    return fx_app_text(
+        QInputDialog::getText(delegate->mainWindow(), textOf(title), textOf(label), QLineEdit::Normal, QString()));
+}

@@ -1,0 +1,83 @@
+// Scripts and menus: items that run a script, script files run by a script, its folder, and sounds.
+
+#include "AppFunctions.h"
+#include "IxAppDelegate.h"
+#include "IxScriptEnvironment.h"
+#include "ScriptModule.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QList>
+#include <QtWidgets/QMenu>
+
+#include <algorithm>
+
+// The kind of menu that receives the items added by scripts.
+static constexpr int scriptMenuKind = 3;
+
+static QMenu* findOrAddSubmenu(QMenu& menu, const QString& title)
+{
+    const QList<QMenu*> submenus = menu.findChildren<QMenu*>();
+    const auto found =
+        std::find_if(submenus.begin(), submenus.end(), [&title](const QMenu* sub) { return sub->title() == title; });
+    return found != submenus.end() ? *found : menu.addMenu(title);
+}
+
+PyObject* fx_pyapp_AddMenuItem(PyObject* /*module*/, PyObject* args)
+{
+    if (!fx_app_onMainThread())
+        return nullptr;
+    const char* name = nullptr;
+    const char* script = nullptr;
+    const char* submenu = nullptr;
+    const char* extra = nullptr;
+    if (!PyArg_ParseTuple(args, "ss|ss", &name, &script, &submenu, &extra))
+        return nullptr;
+    IxAppDelegate* delegate = fx_app_delegate();
+    QMenu* menu = delegate ? delegate->menu(scriptMenuKind) : nullptr;
+    if (!menu)
+        return nullptr;
+    if (submenu && *submenu)
+        menu = findOrAddSubmenu(*menu, QString::fromUtf8(submenu));
+    g_pScriptPlugin->addMenuItem(menu, QString::fromUtf8(name), QString::fromUtf8(script), QString::fromUtf8(extra));
+    return fx_app_none();
+}
+
+PyObject* fx_pyapp_RunScript(PyObject* /*module*/, PyObject* args)
+{
+    const char* path = nullptr;
+    if (!PyArg_ParseTuple(args, "s", &path))
+        return nullptr;
+    QFile file(fx_app_resolvePath(path));
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        PyErr_SetString(PyExc_Exception, "given script file can't be opened.");
+        return nullptr;
+    }
+    const QByteArray text = file.readAll();
+    file.close();
+    if (text.contains('\0')) {
+        // The interpreter would stop reading there and run half a script.
+        PyErr_SetString(PyExc_ValueError, "source code string cannot contain null bytes");
+        PyErr_Print();
+    } else {
+        fx_pyapp_RunPythonString(text.constData());
+    }
+    return fx_app_none();
+}
+
+PyObject* fx_pyapp_GetWorkingDirectory(PyObject* /*module*/, PyObject* /*args*/)
+{
+    return fx_app_text(g_pScriptPlugin->workingDirectory());
+}
+
+PyObject* fx_pyapp_PlaySound(PyObject* /*module*/, PyObject* args)
+{
+    const char* path = nullptr;
+    if (!PyArg_ParseTuple(args, "s", &path))
+        return nullptr;
+    const QString resolved = fx_app_resolvePath(path);
+    IxAppDelegate* delegate = fx_app_delegate();
+    if (!delegate)
+        return nullptr;
+    delegate->playSound(resolved);
+    return fx_app_none();
+}
