@@ -14,6 +14,41 @@
 // The kind of menu that receives the items added by scripts.
 static constexpr int scriptMenuKind = 3;
 
+// Scripts within scripts. The interpreter's own limit of recursion comes later, but leaves no room to print its error
+// in.
+static constexpr int maxNestedScripts = 200;
+
+namespace {
+
+thread_local int nestedScripts = 0;
+
+/// Counts a script in while it runs.
+class NestedScript
+{
+public:
+    NestedScript() { ++nestedScripts; }
+    ~NestedScript() { --nestedScripts; }
+    Q_DISABLE_COPY_MOVE(NestedScript)
+};
+
+/// Runs the text of a script file. Errors are printed, also those of a text that cannot be run at all.
+void runText(const QByteArray& text)
+{
+    if (nestedScripts >= maxNestedScripts) {
+        PyErr_SetString(PyExc_RecursionError, "too many scripts run within scripts");
+        PyErr_Print();
+    } else if (text.contains('\0')) {
+        // The interpreter would stop reading there and run half a script.
+        PyErr_SetString(PyExc_ValueError, "source code string cannot contain null bytes");
+        PyErr_Print();
+    } else {
+        const NestedScript nested;
+        fx_pyapp_RunPythonString(text.constData());
+    }
+}
+
+} // namespace
+
 static QMenu* findOrAddSubmenu(QMenu& menu, const QString& title)
 {
     const QList<QMenu*> submenus = menu.findChildren<QMenu*>();
@@ -54,13 +89,7 @@ PyObject* fx_pyapp_RunScript(PyObject* /*module*/, PyObject* args)
     }
     const QByteArray text = file.readAll();
     file.close();
-    if (text.contains('\0')) {
-        // The interpreter would stop reading there and run half a script.
-        PyErr_SetString(PyExc_ValueError, "source code string cannot contain null bytes");
-        PyErr_Print();
-    } else {
-        fx_pyapp_RunPythonString(text.constData());
-    }
+    runText(text);
     return fx_app_none();
 }
 

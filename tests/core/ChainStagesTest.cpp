@@ -4,6 +4,7 @@
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
 #include "CxRTTI.h"
+#include "support/LogCatcher.h"
 
 #include <gtest/gtest.h>
 
@@ -18,26 +19,6 @@
 namespace {
 
 using Settings = std::vector<std::pair<const char*, const char*>>;
-
-/// Log lines written while it lives.
-class LogCatcher
-{
-public:
-    LogCatcher()
-    {
-        m_former = qInstallMessageHandler(collect);
-        lines.clear();
-    }
-    ~LogCatcher() { qInstallMessageHandler(m_former); }
-    LogCatcher(const LogCatcher&) = delete;
-    LogCatcher& operator=(const LogCatcher&) = delete;
-
-    static inline QStringList lines;
-
-private:
-    static void collect(QtMsgType, const QMessageLogContext&, const QString& text) { lines.append(text); }
-    QtMessageHandler m_former;
-};
 
 std::unique_ptr<ImageStage> makeStage(const char* className, const Settings& settings = {})
 {
@@ -346,10 +327,10 @@ TEST(ChainStages, WhatCannotBeProcessedStaysAndIsLoggedOnce)
     const LogCatcher log;
     for (CxImageData* image : {planar.get(), planar.get(), unknown.get(), broad.get(), broad.get()})
         stage->process(*image);
-    ASSERT_EQ(LogCatcher::lines.size(), 3) << LogCatcher::lines.join(u'\n').toStdString();
-    EXPECT_EQ(LogCatcher::lines.at(0).toStdString(),
+    ASSERT_EQ(LogCatcher::texts().size(), 3) << LogCatcher::texts().join(u'\n').toStdString();
+    EXPECT_EQ(LogCatcher::texts().at(0).toStdString(),
               "Gaussian Blur: the image is left as it is: planar pixels are not supported");
-    EXPECT_EQ(LogCatcher::lines.at(2).toStdString(),
+    EXPECT_EQ(LogCatcher::texts().at(2).toStdString(),
               "Gaussian Blur: the image is left as it is: the pixels have too many channels");
     EXPECT_EQ(valuesOf<std::uint8_t>(*planar), (std::vector<std::uint8_t>{1, 2}));
     EXPECT_EQ(valuesOf<std::uint8_t>(*broad), std::vector<std::uint8_t>(1200, 5));
@@ -366,11 +347,17 @@ TEST(ChainStages, ImagesWithoutPixelsAreLeftAlone)
 // ---- settings ----
 
 struct WrongValue {
+    const char* test;
     const char* stage;
     const char* name;
     const char* value;
     const char* summary;
 };
+
+void PrintTo(const WrongValue& wrong, std::ostream* out)
+{
+    *out << wrong.name << " = " << wrong.value;
+}
 
 class WrongSettings : public testing::TestWithParam<WrongValue>
 {
@@ -381,29 +368,30 @@ TEST_P(WrongSettings, AreLoggedAndTheDefaultIsUsed)
     const LogCatcher log;
     const auto stage = makeStage(GetParam().stage, {{GetParam().name, GetParam().value}});
     EXPECT_EQ(stage->summary().toStdString(), GetParam().summary);
-    ASSERT_EQ(LogCatcher::lines.size(), 1);
-    EXPECT_TRUE(LogCatcher::lines.first().contains(QLatin1String(GetParam().name)));
-    EXPECT_TRUE(LogCatcher::lines.first().contains(QLatin1String(GetParam().value).left(20)));
+    ASSERT_EQ(LogCatcher::texts().size(), 1);
+    EXPECT_TRUE(LogCatcher::texts().first().contains(QLatin1String(GetParam().name)));
+    EXPECT_TRUE(LogCatcher::texts().first().contains(QLatin1String(GetParam().value).left(20)));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, WrongSettings,
-                         testing::Values(WrongValue{"GainStage", "gain", "much", "gain 1, offset 0"},
-                                         WrongValue{"GainStage", "gain", "nan", "gain 1, offset 0"},
-                                         WrongValue{"GainStage", "gain", "inf", "gain 1, offset 0"},
-                                         WrongValue{"GainStage", "offset", "", "gain 1, offset 0"},
-                                         WrongValue{"GainStage", "offset", "1e300", "gain 1, offset 0"},
-                                         WrongValue{"FlipStage", "vertical", "2", "neither way"},
-                                         WrongValue{"GaussianBlurStage", "sigma", "-1", "sigma 1"},
-                                         WrongValue{"GaussianBlurStage", "sigma", "51", "sigma 1"},
-                                         WrongValue{"ThresholdStage", "level", "half",
-                                                    "level at half of the full scale"}));
+                         testing::Values(WrongValue{"Words", "GainStage", "gain", "much", "gain 1, offset 0"},
+                                         WrongValue{"NotANumber", "GainStage", "gain", "nan", "gain 1, offset 0"},
+                                         WrongValue{"Infinity", "GainStage", "gain", "inf", "gain 1, offset 0"},
+                                         WrongValue{"Nothing", "GainStage", "offset", "", "gain 1, offset 0"},
+                                         WrongValue{"TooLarge", "GainStage", "offset", "1e300", "gain 1, offset 0"},
+                                         WrongValue{"NoFlag", "FlipStage", "vertical", "2", "neither way"},
+                                         WrongValue{"Negative", "GaussianBlurStage", "sigma", "-1", "sigma 1"},
+                                         WrongValue{"TooBroad", "GaussianBlurStage", "sigma", "51", "sigma 1"},
+                                         WrongValue{"WordForALevel", "ThresholdStage", "level", "half",
+                                                    "level at half of the full scale"}),
+                         [](const auto& test) { return std::string(test.param.test); });
 
 TEST(ChainStages, UnknownAttributesAreIgnored)
 {
     const LogCatcher log;
     const auto stage = makeStage("GainStage", {{"sigma", "wrong"}, {"Gain", "5"}, {"gain", "3"}});
     EXPECT_EQ(stage->summary().toStdString(), "gain 3, offset 0");
-    EXPECT_TRUE(LogCatcher::lines.isEmpty());
+    EXPECT_TRUE(LogCatcher::texts().isEmpty());
 }
 
 TEST(ChainStages, ANewConfigurationStartsFromTheDefaults)

@@ -123,8 +123,9 @@ bool FakeEnvironment::isMainThread()
     return !otherThread && QThread::currentThread() == QCoreApplication::instance()->thread();
 }
 
-void FakeEnvironment::addMenuItem(QMenu* /*menu*/, const QString& name, const QString& script, const QString& extra)
+void FakeEnvironment::addMenuItem(QMenu* menu, const QString& name, const QString& script, const QString& extra)
 {
+    itemMenus.append(menu);
     calls.append(QStringLiteral("addMenuItem(%1, %2, %3)").arg(name, script, extra));
 }
 
