@@ -35,16 +35,12 @@ QAbstractButton* askUser(const QPointer<QMessageBox>& box)
 
 PyObject* fx_pyapp_MessageBox(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     const char* title = nullptr;
     const char* text = nullptr;
     const char* label1 = nullptr;
     const char* label2 = nullptr;
     const char* label3 = nullptr;
-    if (!PyArg_ParseTuple(args, "ss|sss", &title, &text, &label1, &label2, &label3))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = fx_app_enter(args, "ss|sss", &title, &text, &label1, &label2, &label3);
     if (!delegate)
         return nullptr;
     const QString secondLabel = textOf(label2);
@@ -67,12 +63,8 @@ PyObject* fx_pyapp_MessageBox(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_ShowNotification(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     const char* text = nullptr;
-    if (!PyArg_ParseTuple(args, "s", &text))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = fx_app_enter(args, "s", &text);
     if (!delegate)
         return nullptr;
     delegate->showNotification(textOf(text));
@@ -90,13 +82,9 @@ PyObject* fx_pyapp_PrintToErrorLog(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_AskUserForString(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     const char* title = nullptr;
     const char* label = nullptr;
-    if (!PyArg_ParseTuple(args, "ss", &title, &label))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = fx_app_enter(args, "ss", &title, &label);
     if (!delegate)
         return nullptr;
     return fx_app_text(

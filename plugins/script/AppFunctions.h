@@ -16,6 +16,16 @@ bool fx_app_onMainThread(const char* message = "running GUI function from non-ma
 /// The application; null with an error set when the host has none.
 IxAppDelegate* fx_app_delegate();
 
+/// What every function that touches windows begins with: the thread is checked, then the arguments are parsed. Returns
+/// the application, or null with an error set.
+template<typename... Targets>
+IxAppDelegate* fx_app_enter(PyObject* args, const char* format, Targets*... targets)
+{
+    if (!fx_app_onMainThread() || !PyArg_ParseTuple(args, format, targets...))
+        return nullptr;
+    return fx_app_delegate();
+}
+
 /// The view identifier to use: a negative one stands for the active view.
 int fx_app_resolveViewId(IxAppDelegate& delegate, int id);
 

@@ -59,15 +59,11 @@ static QMenu* findOrAddSubmenu(QMenu& menu, const QString& title)
 
 PyObject* fx_pyapp_AddMenuItem(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     const char* name = nullptr;
     const char* script = nullptr;
     const char* submenu = nullptr;
     const char* extra = nullptr;
-    if (!PyArg_ParseTuple(args, "ss|ss", &name, &script, &submenu, &extra))
-        return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = fx_app_enter(args, "ss|ss", &name, &script, &submenu, &extra);
     QMenu* menu = delegate ? delegate->menu(scriptMenuKind) : nullptr;
     if (!menu)
         return nullptr;

@@ -16,16 +16,6 @@
 
 namespace {
 
-/// What every function that touches windows begins with: the thread is checked, then the arguments are parsed. Returns
-/// the application, or null with an error set.
-template<typename... Targets>
-IxAppDelegate* enter(PyObject* args, const char* format, Targets*... targets)
-{
-    if (!fx_app_onMainThread() || !PyArg_ParseTuple(args, format, targets...))
-        return nullptr;
-    return fx_app_delegate();
-}
-
 /// An independent copy of an image; null with an error set when there is no memory for it.
 std::unique_ptr<CxImageData> cloneImage(CxImageData& image)
 {
@@ -63,7 +53,7 @@ PyObject* fx_pyapp_OpenFile(PyObject* /*module*/, PyObject* args)
 PyObject* fx_pyapp_SaveToFile(PyObject* /*module*/, PyObject* args)
 {
     const char* path = nullptr;
-    IxAppDelegate* delegate = enter(args, "s", &path);
+    IxAppDelegate* delegate = fx_app_enter(args, "s", &path);
     if (!delegate)
         return nullptr;
     const QString resolved = fx_app_resolvePath(path);
@@ -81,7 +71,7 @@ PyObject* fx_pyapp_SaveToFile(PyObject* /*module*/, PyObject* args)
 PyObject* fx_pyapp_DuplicateView(PyObject* /*module*/, PyObject* args)
 {
     int id = -1;
-    IxAppDelegate* delegate = enter(args, "|i", &id);
+    IxAppDelegate* delegate = fx_app_enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     return PyLong_FromLong(delegate->duplicateView(id) ? delegate->activeViewId() : -1);
@@ -98,7 +88,7 @@ PyObject* fx_pyapp_GetActiveViewId(PyObject* /*module*/, PyObject* /*args*/)
 PyObject* fx_pyapp_ActivateView(PyObject* /*module*/, PyObject* args)
 {
     int id = -1;
-    IxAppDelegate* delegate = enter(args, "|i", &id);
+    IxAppDelegate* delegate = fx_app_enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     delegate->activateView(id);
@@ -108,7 +98,7 @@ PyObject* fx_pyapp_ActivateView(PyObject* /*module*/, PyObject* args)
 PyObject* fx_pyapp_CloseView(PyObject* /*module*/, PyObject* args)
 {
     int id = -1;
-    IxAppDelegate* delegate = enter(args, "|i", &id);
+    IxAppDelegate* delegate = fx_app_enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     if (CxMdiView* view = findView(*delegate, id))
@@ -130,7 +120,7 @@ PyObject* fx_pyapp_TileViews(PyObject* /*module*/, PyObject* /*args*/)
 PyObject* fx_pyapp_SwitchFullScreen(PyObject* /*module*/, PyObject* args)
 {
     int on = 0;
-    IxAppDelegate* delegate = enter(args, "p", &on);
+    IxAppDelegate* delegate = fx_app_enter(args, "p", &on);
     if (!delegate)
         return nullptr;
     delegate->setFullScreen(on != 0);
@@ -141,7 +131,7 @@ PyObject* fx_pyapp_WaitForNextFrame(PyObject* /*module*/, PyObject* args)
 {
     double timeout = -1.0;
     int id = -1;
-    IxAppDelegate* delegate = enter(args, "|di", &timeout, &id);
+    IxAppDelegate* delegate = fx_app_enter(args, "|di", &timeout, &id);
     if (!delegate)
         return nullptr;
     CxMdiView* view = findView(*delegate, id);
@@ -231,7 +221,7 @@ PyObject* fx_pyapp_RecordVideoToFile(PyObject* /*module*/, PyObject* args)
 {
     const char* path = nullptr;
     int id = -1;
-    IxAppDelegate* delegate = enter(args, "s|i", &path, &id);
+    IxAppDelegate* delegate = fx_app_enter(args, "s|i", &path, &id);
     if (!delegate)
         return nullptr;
     const QString resolved = fx_app_resolvePath(path);
@@ -242,7 +232,7 @@ PyObject* fx_pyapp_RecordVideoToFile(PyObject* /*module*/, PyObject* args)
 PyObject* fx_pyapp_StopVideoRecording(PyObject* /*module*/, PyObject* args)
 {
     int id = -1;
-    IxAppDelegate* delegate = enter(args, "|i", &id);
+    IxAppDelegate* delegate = fx_app_enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     if (CxMdiView* view = findView(*delegate, id))

@@ -118,7 +118,7 @@ public:
     int threadQuestions = 0;        ///< calls of isMainThread
     bool otherThread = false;       ///< answers isMainThread as if it were called on another thread
     CxMdiView* waitedFor = nullptr; ///< the view of the latest waitForNextFrame
-    QList<QMenu*> itemMenus; ///< the menu of every item added
+    QList<QMenu*> itemMenus;        ///< the menu of every item added
     bool frameComes = true;
     std::function<void(double)> onWait;
     std::map<QByteArray, QByteArray> help; ///< "module.function" or "object.method" to text
