@@ -85,10 +85,12 @@ VANTREL_READS_FOREIGN_MEMORY bool copyRowByValues(const Walk& walk, std::uint32_
 template<typename T, std::uint32_t Channels>
 void gatherRow(const Walk& walk, std::uint32_t y)
 {
-    const std::uint8_t* from = reinterpret_cast<const std::uint8_t*>(walk.rowAddress(y));
+    std::uint64_t from = walk.rowAddress(y);
     std::uint8_t* to = walk.buffer.row(y);
-    for (std::uint32_t x = 0; x < walk.buffer.width; ++x, from += walk.source.xStride, to += Channels * sizeof(T))
-        std::memcpy(to, from, Channels * sizeof(T));
+    for (std::uint32_t x = 0; x < walk.buffer.width; ++x, to += Channels * sizeof(T)) {
+        std::memcpy(to, reinterpret_cast<const void*>(from), Channels * sizeof(T));
+        from += std::uint64_t(walk.source.xStride);
+    }
 }
 
 template<typename T>

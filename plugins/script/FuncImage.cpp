@@ -3,6 +3,7 @@
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
 #include "ErrorLog.h"
+#include "ImageMethods.h"
 #include "ImageObject.h"
 #include "NativeGuard.h"
 #include "PyRef.h"
@@ -264,6 +265,30 @@ PyMethodDef px_image_meths[] = {
     {"get_bytes_per_pixel", guarded<fx_pyimg_GetBytesPerPixel>, METH_NOARGS, nullptr},
     {"get_image_data_raw", guarded<fx_pyimg_Bytes>, METH_NOARGS, nullptr},
     {"get_image_data_numpy", guarded<fx_pyimg_GetImageDataNumpy>, METH_VARARGS, nullptr},
+    {"from_file", guarded<fx_pyimg_FromFile>, METH_VARARGS, nullptr},
+    {"from_array", guarded<fx_pyimg_FromArray>, METH_O, nullptr},
+    {"get_pixel_value", guarded<fx_pyimg_GetPixelValue>, METH_VARARGS, nullptr},
+    {"set_pixel_value", guarded<fx_pyimg_SetPixelValue>, METH_VARARGS, nullptr},
+    {"draw_pixel_line", guarded<fx_pyimg_DrawPixelLine>, METH_VARARGS, nullptr},
+    {"draw_pixel_rect", guarded<fx_pyimg_DrawPixelRect>, METH_VARARGS, nullptr},
+    {"to_rgb", guarded<fx_pyimg_ToRgb>, METH_NOARGS, nullptr},
+    {"extract_channel", guarded<fx_pyimg_ExtractChannel>, METH_VARARGS, nullptr},
+    {"convert_bpc", guarded<fx_pyimg_ConvertBpc>, METH_VARARGS, nullptr},
+    {"new_copy", guarded<fx_pyimg_NewCopy>, METH_NOARGS, nullptr},
+    {"crop", guarded<fx_pyimg_Crop>, METH_VARARGS, nullptr},
+    {"resize", guarded<fx_pyimg_Resize>, METH_VARARGS, nullptr},
+    {"copy_to", guarded<fx_pyimg_CopyTo>, METH_O, nullptr},
+    {"copy_rect_to", guarded<fx_pyimg_CopyRectTo>, METH_VARARGS, nullptr},
+    {"resize_to", guarded<fx_pyimg_ResizeTo>, METH_O, nullptr},
+    // Published with this spelling: scripts call it so.
+    {"tesize_rect_to", guarded<fx_pyimg_ResizeRectTo>, METH_VARARGS, nullptr},
+    {"add", guarded<fx_pyimg_Add>, METH_O, nullptr},
+    {"subtract", guarded<fx_pyimg_Subtract>, METH_O, nullptr},
+    {"divide_by_value", guarded<fx_pyimg_DivideByValue>, METH_VARARGS, nullptr},
+    {"save_to_file", guarded<fx_pyimg_SaveToFile>, METH_VARARGS, nullptr},
+    {"measure_rect", guarded<fx_pyimg_MeasureRect>, METH_VARARGS, nullptr},
+    {"measure_row_profiles_in_rect", guarded<fx_pyimg_MeasureRowProfilesInRect>, METH_VARARGS, nullptr},
+    {"measure_column_profiles_in_rect", guarded<fx_pyimg_MeasureColumnProfilesInRect>, METH_VARARGS, nullptr},
     {nullptr, nullptr, 0, nullptr},
 };
 

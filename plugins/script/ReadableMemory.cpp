@@ -1,8 +1,11 @@
 #include "ReadableMemory.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
+#include <cerrno>
 
+#include <sys/mman.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -16,7 +19,56 @@ unsigned slotShiftFor(std::size_t expectedPages)
     const std::size_t wanted = std::clamp(expectedPages, fewestSlots / 2, mostSlots / 2) * 2;
     return 64U - unsigned(std::bit_width(std::bit_ceil(wanted)) - 1);
 }
+
+/// Collects pages and asks about many at once: a byte of each is read through the system.
+class PageProbe
+{
+public:
+    /// False when a page asked about so far cannot be read.
+    bool add(std::uint64_t address)
+    {
+        m_from[m_count++] = {reinterpret_cast<void*>(address), 1};
+        return m_count < m_from.size() || ask();
+    }
+
+    bool ask()
+    {
+        if (m_count == 0)
+            return true;
+        std::array<char, mostAtOnce> bytes;
+        const iovec into = {bytes.data(), m_count};
+        const ssize_t read = process_vm_readv(getpid(), &into, 1, m_from.data(), m_count, 0);
+        const bool refused = read >= 0 ? std::size_t(read) < m_count : errno == EFAULT;
+        m_count = 0;
+        return !refused;
+    }
+
+private:
+    static constexpr std::size_t mostAtOnce = 1024; // the system takes no more
+    std::array<iovec, mostAtOnce> m_from;
+    std::size_t m_count = 0;
+};
 } // namespace
+
+bool memoryIsThere(std::uint64_t begin, std::uint64_t end)
+{
+    const auto pageSize = std::uint64_t(sysconf(_SC_PAGESIZE));
+    std::array<unsigned char, 4096> inMemory{};
+    PageProbe absent;
+    begin -= begin % pageSize;
+    while (begin < end) {
+        const std::uint64_t pages = std::min<std::uint64_t>((end - begin + pageSize - 1) / pageSize, inMemory.size());
+        if (mincore(reinterpret_cast<void*>(begin), pages * pageSize, inMemory.data()) != 0)
+            return errno != ENOMEM;
+        // A page that is not in memory may be one that nobody is allowed to touch.
+        for (std::uint64_t i = 0; i < pages; ++i) {
+            if (!(inMemory[i] & 1U) && !absent.add(begin + i * pageSize))
+                return false;
+        }
+        begin += pages * pageSize;
+    }
+    return absent.ask();
+}
 
 ReadableMemory::ReadableMemory(std::size_t expectedPages)
     : m_pageSize(std::uint64_t(sysconf(_SC_PAGESIZE)))

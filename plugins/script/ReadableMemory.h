@@ -4,6 +4,10 @@
 #include <cstdint>
 #include <vector>
 
+/// False when the system says that a page of [begin, end) cannot be read. Quick enough to ask about a whole array
+/// before it is copied. Where the system does not answer, and for pages that were used once and locked since, true.
+bool memoryIsThere(std::uint64_t begin, std::uint64_t end);
+
 /// Answers whether addresses of this process can be read, by asking the system and not by trying.
 ///
 /// The answer holds for as long as nobody unmaps the memory. One object remembers the pages it has asked about, so it

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <random>
 #include <string>
 
@@ -238,6 +239,36 @@ TEST_F(PagesWithAHole, AreRefusedWhenAValueReachesIntoTheHole)
     ArrayLayout layout = layoutAt(start + page - 3, 4, 4);
     layout.channelStride = 4;
     EXPECT_FALSE(copyArray(layout, image.buffer));
+}
+
+TEST(ArrayCopy, IgnoresTheStrideOfAnAxisOfOne)
+{
+    const std::uint8_t values[] = {5, 6, 7};
+    for (const std::int64_t stride : {INT64_MAX, INT64_MIN, std::int64_t(1) << 62}) {
+        PicBufHolder image(1, 3, 1, ExImageDataType::UInt8);
+        ArrayLayout layout;
+        layout.address = reinterpret_cast<std::uint64_t>(values);
+        layout.extent = {layout.address, layout.address + 3};
+        layout.xStride = stride;
+        layout.yStride = 1;
+        layout.channelStride = 1;
+        EXPECT_TRUE(copyArray(layout, image.buffer));
+        EXPECT_EQ(image.buffer.row(2)[0], 7);
+    }
+}
+
+TEST(ArrayCopy, ReadsTheNeighboursOfABlockFromTheHeap)
+{
+    const auto block = std::make_unique<std::uint8_t[]>(64);
+    std::memset(block.get(), 9, 64);
+    PicBufHolder image(200, 1, 1, ExImageDataType::UInt8);
+    ArrayLayout layout;
+    layout.address = reinterpret_cast<std::uint64_t>(block.get());
+    layout.extent = {layout.address, layout.address + 64};
+    layout.xStride = layout.yStride = layout.channelStride = 1;
+    // What lies there is not told, only that it can be read.
+    EXPECT_TRUE(copyArray(layout, image.buffer));
+    EXPECT_EQ(image.buffer.row(0)[63], 9);
 }
 
 TEST(ArrayCopy, RefusesStridesThatLeaveMemory)

@@ -51,4 +51,41 @@ TEST(ReadableMemory, TellsApartThePagesOfOneMapping)
     munmap(start, pages * page);
 }
 
+TEST(MemoryIsThere, ForEveryMappedPageUsedOrNot)
+{
+    constexpr std::size_t size = std::size_t(40) << 20;
+    void* start = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    ASSERT_NE(start, MAP_FAILED);
+    static_cast<char*>(start)[size / 2] = 1;
+    EXPECT_TRUE(memoryIsThere(addressOf(start), addressOf(start) + size));
+    EXPECT_TRUE(memoryIsThere(addressOf(start) + 5, addressOf(start) + size - 5));
+    munmap(start, size);
+    EXPECT_FALSE(memoryIsThere(addressOf(start), addressOf(start) + size));
+}
+
+TEST(MemoryIsThere, NotWhereAPageIsMissingOrLocked)
+{
+    const auto page = std::size_t(sysconf(_SC_PAGESIZE));
+    const std::size_t size = 5000 * page;
+    auto* start =
+        static_cast<std::uint8_t*>(mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    ASSERT_NE(static_cast<void*>(start), MAP_FAILED);
+    ASSERT_EQ(mprotect(start + 4500 * page, page, PROT_NONE), 0);
+    EXPECT_TRUE(memoryIsThere(addressOf(start), addressOf(start) + 4500 * page));
+    EXPECT_FALSE(memoryIsThere(addressOf(start), addressOf(start) + 4500 * page + 1));
+    EXPECT_TRUE(memoryIsThere(addressOf(start) + 4501 * page, addressOf(start) + size));
+    munmap(start + 100 * page, page);
+    EXPECT_TRUE(memoryIsThere(addressOf(start), addressOf(start) + 100 * page));
+    EXPECT_FALSE(memoryIsThere(addressOf(start), addressOf(start) + 101 * page));
+    munmap(start, size);
+}
+
+TEST(MemoryIsThere, NotAtAddressesThatCannotBe)
+{
+    EXPECT_FALSE(memoryIsThere(0, 100));
+    EXPECT_FALSE(memoryIsThere(std::uint64_t(1) << 60, (std::uint64_t(1) << 60) + 1));
+    EXPECT_FALSE(memoryIsThere(UINT64_MAX - 100, UINT64_MAX));
+    EXPECT_TRUE(memoryIsThere(0, 0));
+}
+
 } // namespace
