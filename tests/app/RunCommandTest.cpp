@@ -297,6 +297,25 @@ TEST_F(RunCommand, HelpGoesToStandardOutput)
     }
 }
 
+TEST_F(RunCommand, TheViewerStaysOpenAndSaysWhatItCannotShow)
+{
+    ASSERT_TRUE(QImage(6, 4, QImage::Format_Grayscale8).save(path("a.png")));
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.setWorkingDirectory(folder.path());
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    process.start(QStringLiteral(VANTREL_PROGRAM), list({"view", "a.png", "missing.png"}));
+    QByteArray said;
+    while (!said.contains("missing.png") && process.waitForReadyRead(30000))
+        said += process.readAll();
+    EXPECT_TRUE(said.contains("There is no display")) << said.toStdString();
+    EXPECT_TRUE(said.contains("missing.png")) << said.toStdString();
+    EXPECT_FALSE(said.contains("a.png is")) << said.toStdString();
+    EXPECT_FALSE(process.waitForFinished(300)) << "the viewer has ended by itself";
+    process.terminate();
+    EXPECT_TRUE(process.waitForFinished(30000));
+}
+
 TEST_F(RunCommand, AMissingPluginIsSaidInOneSentence)
 {
     environment.insert(QStringLiteral("VANTREL_PLUGIN"), QStringLiteral("/nowhere/plugin.so"));

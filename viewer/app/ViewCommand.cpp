@@ -17,6 +17,8 @@ int openViewer(const ViewOptions& options)
         viewer.window().showNotification(problem);
     }
     viewer.window().show();
+    if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
+        qWarning() << "There is no display: nobody sees the windows";
     QStringList failed;
     for (const QString& path : options.files)
         if (!viewer.window().openFile(path))
