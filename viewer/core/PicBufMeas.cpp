@@ -3,6 +3,7 @@
 #include "CxImageData.h"
 #include "Packed565.h"
 #include "PicBufRecord.h"
+#include "RowChannels.h"
 #include "ScopedPicBuf.h"
 #include "ValueStatistics.h"
 
@@ -114,27 +115,6 @@ private:
     double m_perValue = 1;
 };
 
-/// One channel of some pixels of a row, one value after another: the row itself when it has one channel, else copied.
-template<typename T>
-const std::uint8_t* channelOfRow(const std::uint8_t* row, std::size_t channels, std::size_t channel, std::size_t count,
-                                 std::vector<T>& copy)
-{
-    if (channels == 1)
-        return row;
-    const auto gather = [&](auto step) {
-        for (std::size_t i = 0; i < count; ++i)
-            copy[i] = loadValue<T>(row, i * step + channel);
-    };
-    copy.resize(count);
-    if (channels == 3) // said as constants for the compiler's sake
-        gather(std::integral_constant<std::size_t, 3>());
-    else if (channels == 4)
-        gather(std::integral_constant<std::size_t, 4>());
-    else
-        gather(channels);
-    return reinterpret_cast<const std::uint8_t*>(copy.data());
-}
-
 template<typename T>
 void brightnessOfRow(const std::uint8_t* row, std::size_t channels, std::vector<double>& brightness)
 {
@@ -187,10 +167,12 @@ void measureChannels(CxHistoData& result, const SxPicBuf& part, CxHistoData::ExH
     std::vector<ChannelMeasurement<T>> channels;
     for (std::uint32_t c = 0; c < part.channels; ++c)
         channels.emplace_back(part, blackLevelOf(part, c, flags), flags);
-    std::vector<T> copy;
-    for (std::uint32_t y = 0; y < part.height; ++y)
+    RowChannels<T> row(part.channels, part.width);
+    for (std::uint32_t y = 0; y < part.height; ++y) {
+        row.take(part.row(y));
         for (std::uint32_t c = 0; c < part.channels; ++c)
-            channels[c].add(channelOfRow<T>(part.row(y), part.channels, c, part.width, copy), part.width);
+            channels[c].add(row.channel(c), part.width);
+    }
     for (const ChannelMeasurement<T>& channel : channels)
         channel.store(result);
 }
@@ -211,11 +193,12 @@ void measureBrightness(CxHistoData& result, const SxPicBuf& part, CxHistoData::E
 template<typename T>
 void measureRows(CxProfileData& result, const SxPicBuf& part)
 {
-    std::vector<T> copy;
+    RowChannels<T> row(part.channels, part.width);
     for (std::uint32_t y = 0; y < part.height; ++y) {
+        row.take(part.row(y));
         for (std::uint32_t c = 0; c < part.channels; ++c) {
             ValueStatistics<T> statistics;
-            statistics.add(channelOfRow<T>(part.row(y), part.channels, c, part.width, copy), part.width);
+            statistics.add(row.channel(c), part.width);
             result.stats[qsizetype(c)] += pixelStats(statistics.summary(), 0);
         }
     }
