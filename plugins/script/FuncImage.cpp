@@ -318,9 +318,11 @@ void fx_pyimages_TypeReady()
     TxPyImageType = nullptr;
     if (fx_img_prepareAttributes())
         TxPyImageType = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&TxPyImageType_Spec));
-    if (!TxPyImageType)
-        fx_logError(QStringLiteral("fx_pyimages_TypeReady(): %1")
-                        .arg(QStringLiteral("Failed to register vantrel.ImageType with limited API")));
+    if (TxPyImageType)
+        return;
+    PyErr_Clear(); // the module comes without the type; a pending error would take the whole module away
+    fx_logError(QStringLiteral("fx_pyimages_TypeReady(): %1")
+                    .arg(QStringLiteral("Failed to register vantrel.ImageType with limited API")));
 }
 
 int fx_pyimages_TypeAdd(PyObject* module)
@@ -328,8 +330,10 @@ int fx_pyimages_TypeAdd(PyObject* module)
     if (!TxPyImageType)
         return 0;
     PyRef type = PyRef::retain(reinterpret_cast<PyObject*>(TxPyImageType));
-    if (PyModule_AddObject(module, "Image", type.get()) != 0)
+    if (PyModule_AddObject(module, "Image", type.get()) != 0) {
+        PyErr_Clear();
         return 0;
+    }
     static_cast<void>(type.release());
     return 1;
 }
