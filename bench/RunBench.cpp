@@ -1,0 +1,77 @@
+// What a run and its output cost beside the interpreter's own means.
+
+#include "BenchHost.h"
+
+#include <benchmark/benchmark.h>
+
+namespace {
+
+/// The time that a script measured and printed, in seconds.
+double measuredBy(const QString& script)
+{
+    bool ok = false;
+    const double seconds = BenchHost::instance().lastTextOf(script).toDouble(&ok);
+    if (!ok)
+        qFatal("the script printed no time");
+    return seconds;
+}
+
+/// `body` in a loop of `count` times, timed by the interpreter itself, in seconds of the processor.
+QString timedLoop(const QString& setUp, const QString& body, int count)
+{
+    return QStringLiteral("import io, sys, time\n"
+                          "%1\n"
+                          "def loop():\n"
+                          "    before = time.process_time()\n"
+                          "    for i in range(%3):\n"
+                          "        %2\n"
+                          "    return time.process_time() - before\n"
+                          "elapsed = loop()\n"
+                          "sys.stdout = standard\n"
+                          "print(elapsed)\n")
+        .arg(setUp, body)
+        .arg(count);
+}
+
+void runOf(benchmark::State& state, const char* text)
+{
+    const QString script = QString::fromUtf8(text);
+    BenchHost& host = BenchHost::instance();
+    for ([[maybe_unused]] auto _ : state)
+        host.run(script);
+}
+
+void execOf(benchmark::State& state, const char* text)
+{
+    constexpr int count = 1000;
+    const QString script =
+        timedLoop(QStringLiteral("standard, names = sys.stdout, {}"),
+                  QStringLiteral("exec(compile('%1', '<string>', 'exec'), names)").arg(QString::fromUtf8(text)), count);
+    for ([[maybe_unused]] auto _ : state)
+        state.SetIterationTime(measuredBy(script) / count);
+}
+
+void prints(benchmark::State& state, const char* setUp)
+{
+    const QString script = timedLoop(QString::fromUtf8(setUp), QStringLiteral("print('x')"), 100000);
+    for ([[maybe_unused]] auto _ : state)
+        state.SetIterationTime(measuredBy(script));
+}
+
+} // namespace
+
+// Scripts that time themselves run a fixed number of times: the library cannot see how long they really take.
+BENCHMARK_CAPTURE(runOf, empty, "")->MinTime(0.2)->Repetitions(5);
+BENCHMARK_CAPTURE(execOf, empty, "")->UseManualTime()->Iterations(30)->Repetitions(5);
+BENCHMARK_CAPTURE(runOf, pass, "pass")->MinTime(0.2)->Repetitions(5);
+BENCHMARK_CAPTURE(execOf, pass, "pass")->UseManualTime()->Iterations(30)->Repetitions(5);
+BENCHMARK_CAPTURE(prints, callback, "standard = sys.stdout")
+    ->UseManualTime()
+    ->Iterations(3)
+    ->Repetitions(5)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(prints, StringIO, "standard, sys.stdout = sys.stdout, io.StringIO()")
+    ->UseManualTime()
+    ->Iterations(3)
+    ->Repetitions(5)
+    ->Unit(benchmark::kMillisecond);
