@@ -12,12 +12,6 @@ void collect(const QString& text, bool /*flag*/)
     collected += text;
 }
 
-void keepLast(const QString& text, bool /*flag*/)
-{
-    if (text != QLatin1Char('\n'))
-        collected = text;
-}
-
 } // namespace
 
 BenchHost::BenchHost(const QString& pluginFile, const QString& pythonHome)
@@ -44,25 +38,26 @@ BenchHost& BenchHost::instance()
 
 void BenchHost::run(const QString& script)
 {
-    runInto(script, drop);
+    const QString errors = runInto(script, drop);
+    if (!errors.isEmpty())
+        qFatal("the script failed: %s", qPrintable(errors));
 }
 
 QString BenchHost::printedBy(const QString& script)
 {
     collected.clear();
-    runInto(script, collect);
+    const QString errors = runInto(script, collect);
+    if (!errors.isEmpty())
+        qFatal("the script failed: %s", qPrintable(errors));
     return collected;
 }
 
-QString BenchHost::lastTextOf(const QString& script)
+QString BenchHost::errorTextOf(const QString& script)
 {
-    runInto(script, keepLast);
-    return collected;
+    return runInto(script, drop);
 }
 
-void BenchHost::runInto(const QString& script, void (*output)(const QString&, bool))
+QString BenchHost::runInto(const QString& script, void (*output)(const QString&, bool))
 {
-    const QString result = m_plugin->runScript(script, &m_environment, m_pythonHome, nullptr, nullptr, output);
-    if (!result.isEmpty())
-        qFatal("the script failed: %s", qPrintable(result));
+    return m_plugin->runScript(script, &m_environment, m_pythonHome, nullptr, nullptr, output);
 }

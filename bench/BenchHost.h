@@ -26,8 +26,8 @@ public:
     /// Runs a script and returns what it prints.
     QString printedBy(const QString& script);
 
-    /// Runs a script and returns the last text that it prints, without line feeds; takes next to no time for each.
-    QString lastTextOf(const QString& script);
+    /// Runs a script, drops what it prints, and returns what it writes to its error stream.
+    QString errorTextOf(const QString& script);
 
     CxScriptLangInterface& plugin() { return *m_plugin; }
     FakeDelegate& delegate() { return m_delegate; }
@@ -36,7 +36,7 @@ public:
     static BenchHost& instance();
 
 private:
-    void runInto(const QString& script, void (*output)(const QString&, bool));
+    QString runInto(const QString& script, void (*output)(const QString&, bool));
 
     QPluginLoader m_loader;
     QString m_pythonHome;

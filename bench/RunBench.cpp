@@ -6,13 +6,14 @@
 
 namespace {
 
-/// The time that a script measured and printed, in seconds.
+/// The time that a script measured and wrote to its error stream, in seconds.
 double measuredBy(const QString& script)
 {
     bool ok = false;
-    const double seconds = BenchHost::instance().lastTextOf(script).toDouble(&ok);
+    const QString written = BenchHost::instance().errorTextOf(script);
+    const double seconds = written.toDouble(&ok);
     if (!ok)
-        qFatal("the script printed no time");
+        qFatal("the script measured no time: %s", qPrintable(written));
     return seconds;
 }
 
@@ -28,7 +29,7 @@ QString timedLoop(const QString& setUp, const QString& body, int count)
                           "    return time.process_time() - before\n"
                           "elapsed = loop()\n"
                           "sys.stdout = standard\n"
-                          "print(elapsed)\n")
+                          "sys.stderr.write(str(elapsed))\n")
         .arg(setUp, body)
         .arg(count);
 }

@@ -63,7 +63,7 @@ void printRunRatios(const std::map<std::string, double>& seconds)
         QStringLiteral("below 2"));
 }
 
-/// Runs the Python side. Its lines "ROW<tab>name<tab>seconds<tab>peer's seconds<tab>goal" become rows.
+/// Runs the Python side. Its lines "ROW<tab>name<tab>seconds<tab>peer's seconds or None<tab>goal" become rows.
 void runScriptBench(const QString& fileName)
 {
     QFile file(fileName);
@@ -73,10 +73,12 @@ void runScriptBench(const QString& fileName)
     RatioTable::begin(QStringLiteral("scripts"));
     for (const QString& line : printed.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         const QStringList cells = line.split(QLatin1Char('\t'));
-        if (cells.size() == 5 && cells.at(0) == QStringLiteral("ROW"))
-            RatioTable::timeRow(cells.at(1), cells.at(2).toDouble(), cells.at(3).toDouble(), cells.at(4));
-        else
+        if (cells.size() != 5 || cells.at(0) != QStringLiteral("ROW"))
             std::puts(qPrintable(line));
+        else if (cells.at(3) == QStringLiteral("None"))
+            RatioTable::row(cells.at(1), RatioTable::readable(cells.at(2).toDouble()), cells.at(4));
+        else
+            RatioTable::timeRow(cells.at(1), cells.at(2).toDouble(), cells.at(3).toDouble(), cells.at(4));
     }
 }
 
