@@ -11,6 +11,7 @@
 #include <QtXml/QDomDocument>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <utility>
@@ -298,6 +299,32 @@ TEST(ChainStages, FlipNamesTheColourFiltersAnew)
     EXPECT_EQ(image->imageMetadata()->colorFilterArray, ExColorFilterArray::GRBG);
     makeStage("FlipStage", {{"vertical", "1"}})->process(*image);
     EXPECT_EQ(image->picBuf()->colorFilterArray, ExColorFilterArray::BGGR);
+}
+
+TEST(ChainStages, RowsMayStartAtAnyByte)
+{
+    SxPicBuf buffer;
+    CxPicBufAPI::AllocPicBufFromHeap(buffer, 2, 3, 1, ExImageDataType::UInt16, 7, 0, 12,
+                                     ExDataStorageFormat::Interleaved, ExColorFilterArray::None, false, true, 0);
+    ASSERT_NE(buffer.data, nullptr);
+    const std::uint16_t values[] = {100, 200};
+    std::memcpy(buffer.row(1), values, sizeof(values));
+    for (const ExImageDataType type : {ExImageDataType::UInt16, ExImageDataType::Packed565}) {
+        CxImageData image;
+        SxPicBuf copy;
+        ASSERT_TRUE(CxPicBufAPI::AllocPicBufFromHeap(copy, buffer, true, 0));
+        std::memcpy(copy.data, buffer.data, buffer.dataSize());
+        copy.dataType = type;
+        image.setPicBuf(copy);
+        for (const char* name : {"GainStage", "InvertStage", "GaussianBlurStage", "ThresholdStage"})
+            makeStage(name, {{"gain", "2"}, {"sigma", "0.5"}, {"level", "0"}})->process(image);
+        makeStage("FlipStage", {{"vertical", "1"}})->process(image);
+        std::uint16_t result = 0;
+        std::memcpy(&result, image.picBuf()->row(1), sizeof(result));
+        EXPECT_EQ(result, type == ExImageDataType::UInt16 ? 4095 : 0xFFFF);
+        EXPECT_EQ(image.picBuf()->lineStride, 7U);
+    }
+    CxPicBufAPI::FreePicBuf(buffer, true);
 }
 
 TEST(ChainStages, BlurOfNothingChangesNothing)

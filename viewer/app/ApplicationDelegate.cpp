@@ -4,7 +4,6 @@
 #include "ImageView.h"
 #include "MainWindow.h"
 
-#include <QtCore/QDebug>
 #include <QtCore/QThread>
 
 ApplicationDelegate::ApplicationDelegate(MainWindow& window)
@@ -113,5 +112,5 @@ CxImageData* ApplicationDelegate::viewImage(int id)
 
 void ApplicationDelegate::playSound(const QString& path)
 {
-    qWarning().noquote() << QStringLiteral("Sound is not available: %1 is not played").arg(path);
+    m_sounds.play(path);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "IxAppDelegate.h"
+#include "SoundPlayer.h"
 
 class MainWindow;
 
@@ -36,4 +37,5 @@ public:
 
 private:
     MainWindow& m_window;
+    SoundPlayer m_sounds;
 };

@@ -1,17 +1,29 @@
 #include "ImageView.h"
 
+#include "ChainPanel.h"
 #include "CxImageData.h"
 #include "ImageWidget.h"
+#include "ViewChain.h"
 #include "ViewStore.h"
 
 #include <QtGui/QCloseEvent>
+#include <QtWidgets/QHBoxLayout>
 
 ImageView::ImageView(int id, const QString& title, ViewStore& store)
     : m_id(id)
     , m_store(store)
+    , m_chain(std::make_unique<ViewChain>())
     , m_widget(new ImageWidget)
+    , m_panel(new ChainPanel(*m_chain, m_chain->end()))
 {
-    setWidget(m_widget);
+    auto* contents = new QWidget;
+    auto* layout = new QHBoxLayout(contents);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_widget, 1);
+    layout->addWidget(m_panel);
+    setWidget(contents);
+    connect(m_chain.get(), &CxChain::changed, this, &ImageView::processAnew);
     setWindowTitle(title);
     setAttribute(Qt::WA_DeleteOnClose);
 }
@@ -19,16 +31,33 @@ ImageView::ImageView(int id, const QString& title, ViewStore& store)
 ImageView::~ImageView()
 {
     m_store.remove(m_id);
+    // The chain goes before the widgets do; the panel looks at it.
+    m_chain->disconnect();
+    delete m_panel;
 }
 
 void ImageView::setImage(std::shared_ptr<CxImageData> image)
 {
-    m_image = std::move(image);
-    m_store.setImage(m_id, m_image);
-    m_widget->setImage(m_image);
+    m_source = std::move(image);
+    present();
     if (const SxPicBuf* buffer = m_image ? m_image->picBuf() : nullptr)
         m_recorder.add(*buffer);
     Q_EMIT imageShown();
+}
+
+void ImageView::present()
+{
+    m_image = m_chain->processed(m_source);
+    m_store.setImage(m_id, m_image);
+    m_widget->setImage(m_image);
+}
+
+void ImageView::processAnew()
+{
+    // No next image: nothing is recorded, and whoever waits for a frame goes on waiting. A stopped chain is being
+    // changed and starts in a moment.
+    if (m_source && !m_chain->stopped())
+        present();
 }
 
 void ImageView::setLive(bool live)
@@ -51,7 +80,7 @@ void ImageView::stopVideoRecording()
 
 CxChainable* ImageView::chainObject()
 {
-    return nullptr;
+    return m_chain->end();
 }
 
 void ImageView::closeEvent(QCloseEvent* event)
@@ -62,6 +91,7 @@ void ImageView::closeEvent(QCloseEvent* event)
     // The object is deleted when the event loop comes round again, which a long script can put off: what is large goes
     // now.
     m_recorder.stop();
+    m_source.reset();
     m_image.reset();
     m_widget->setImage(nullptr);
     m_store.remove(m_id);

@@ -7,8 +7,10 @@
 
 #include <memory>
 
+class ChainPanel;
 class CxImageData;
 class ImageWidget;
+class ViewChain;
 class ViewStore;
 
 /// A view: a sub-window of the main window that shows an image. Deletes itself when it is closed.
@@ -24,10 +26,10 @@ public:
     int id() const { return m_id; }
 
     /// Gives the view its next image, or none for null. Every image, of a file, a script or a camera, comes this way:
-    /// here it is recorded and shown.
+    /// here it passes the processing chain, and what comes out is recorded and shown.
     void setImage(std::shared_ptr<CxImageData> image);
 
-    /// What the view shows, or null.
+    /// What the view shows, processed, or null.
     const std::shared_ptr<CxImageData>& image() const { return m_image; }
 
     /// Tells whether images arrive by themselves, as from a running camera.
@@ -37,6 +39,7 @@ public:
     /// Images per second that recordings are played at.
     void setFrameRate(double framesPerSecond) { m_frameRate = framesPerSecond; }
 
+    ViewChain& processingChain() const { return *m_chain; }
     ImageWidget* imageWidget() const { return m_widget; }
     const VideoRecorder& recorder() const { return m_recorder; }
 
@@ -59,10 +62,16 @@ protected:
     void doClose() override;
 
 private:
+    void present();
+    void processAnew();
+
     int m_id;
     ViewStore& m_store;
+    std::unique_ptr<ViewChain> m_chain;
     ImageWidget* m_widget;
-    std::shared_ptr<CxImageData> m_image;
+    ChainPanel* m_panel;
+    std::shared_ptr<CxImageData> m_source; ///< as it came
+    std::shared_ptr<CxImageData> m_image;  ///< as it is shown: the same one while the chain has nothing to do
     VideoRecorder m_recorder;
     double m_frameRate = 25;
     bool m_live = false;

@@ -4,6 +4,7 @@
 #include "ImageFiles.h"
 #include "ImageView.h"
 #include "ImageWidget.h"
+#include "NotificationArea.h"
 
 #include <QtCore/QDebug>
 #include <QtCore/QFileInfo>
@@ -14,10 +15,6 @@
 #include <QtWidgets/QStatusBar>
 
 #include <algorithm>
-
-namespace {
-constexpr int notificationMilliseconds = 5000;
-}
 
 MainWindow::MainWindow()
     : m_area(new QMdiArea)
@@ -137,7 +134,7 @@ QMenu* MainWindow::menu(int kind) const
 
 void MainWindow::showNotification(const QString& text)
 {
-    statusBar()->showMessage(text, notificationMilliseconds);
+    m_notifications->add(text);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -11,6 +11,7 @@
 class CxImageData;
 class ImageView;
 class ImageWidget;
+class NotificationArea;
 class QLabel;
 class QMdiArea;
 class QMdiSubWindow;
@@ -54,7 +55,7 @@ public:
     /// The menu of a kind, or null.
     QMenu* menu(int kind) const;
 
-    /// Shows a text for a few seconds.
+    /// Shows a text for a few seconds in a corner and in the status line, after those that wait already.
     void showNotification(const QString& text);
 
     /// Allows to stop a script, or to start one.
@@ -104,6 +105,7 @@ private:
     std::vector<int> m_activations; ///< identifiers of the open views, the active one last
     int m_lastId = 0;
     std::map<int, QMenu*> m_menus;
+    NotificationArea* m_notifications = nullptr;
     QAction* m_fullScreen = nullptr;
     QAction* m_runScript = nullptr;
     QAction* m_stopScript = nullptr;

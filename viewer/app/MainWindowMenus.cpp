@@ -7,6 +7,7 @@
 #include "ImageView.h"
 #include "ImageWidget.h"
 #include "MainWindow.h"
+#include "NotificationArea.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFileInfo>
@@ -90,6 +91,11 @@ void MainWindow::createStatusLine()
         *label = new QLabel;
         statusBar()->addPermanentWidget(*label);
     }
+    m_notifications = new NotificationArea(this, statusBar()->sizeHint().height());
+    connect(m_notifications, &NotificationArea::notificationShown, this, [this](const QString& text) {
+        constexpr qsizetype firstPart = 200; // characters: more than a line holds
+        statusBar()->showMessage(text.left(firstPart).simplified());
+    });
 }
 
 void MainWindow::setScriptRunning(bool running)

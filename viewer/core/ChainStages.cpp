@@ -67,6 +67,24 @@ private:
     QString m_stage;
 };
 
+/// Whether every value lies where the machine reads values of its type.
+bool isAligned(const SxPicBuf& buffer)
+{
+    const std::uint32_t size = SxPicBufInfo::bytesPerValue(buffer.dataType);
+    return buffer.lineStride % size == 0 && reinterpret_cast<std::uintptr_t>(buffer.data) % size == 0;
+}
+
+/// A copy with rows as the library lays them out; `data` is null when there is no memory.
+SxPicBuf alignedCopy(const SxPicBuf& buffer)
+{
+    SxPicBufInfo info = buffer;
+    info.lineStride = 0;
+    SxPicBuf copy;
+    if (CxPicBufAPI::AllocPicBufFromHeap(copy, info, true, 0))
+        CxPicBufAPI::CopyPicBuf(copy, buffer, false);
+    return copy;
+}
+
 template<typename Stage>
 void registerStage(CxRTTI& registry, const QString& name)
 {
@@ -96,14 +114,22 @@ void ImageStage::process(CxImageData& image)
     if (buffer->dataType == ExImageDataType::None || buffer->dataType > ExImageDataType::Packed565)
         return complainOnce(QStringLiteral("the pixels have no known type"));
     try {
-        if (buffer->dataType != ExImageDataType::Packed565)
+        const bool isPacked = buffer->dataType == ExImageDataType::Packed565;
+        if (isAligned(*buffer) && !isPacked)
             return processPixels(*buffer);
+        CxImageData aligned;
+        aligned.setPicBuf(alignedCopy(*buffer));
         CxImageData unpacked;
-        unpacked.setPicBuf(stage_pixels::unpack565(*buffer));
-        if (!unpacked.picBuf()->data)
+        if (isPacked && aligned.picBuf()->data)
+            unpacked.setPicBuf(stage_pixels::unpack565(*aligned.picBuf()));
+        SxPicBuf* work = isPacked ? unpacked.picBuf() : aligned.picBuf();
+        if (!work || !work->data)
             return complainOnce(QStringLiteral("there is no memory to work in"));
-        processPixels(*unpacked.picBuf());
-        stage_pixels::pack565(*unpacked.picBuf(), *buffer);
+        processPixels(*work);
+        if (isPacked)
+            stage_pixels::pack565(*work, *aligned.picBuf());
+        buffer->colorFilterArray = work->colorFilterArray;
+        CxPicBufAPI::CopyPicBuf(*buffer, *aligned.picBuf(), false);
     } catch (const std::exception& error) {
         complainOnce(QString::fromUtf8(error.what()));
     }

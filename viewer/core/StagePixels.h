@@ -7,7 +7,8 @@
 
 /// What the chain stages do with pixels.
 ///
-/// The buffers have pixels, interleaved, of any type but None and Packed565; rows may be padded. Functions may throw
+/// The buffers have pixels, interleaved, of any type but None and Packed565; rows may be padded, and start
+/// where values of the type may lie. Functions may throw
 /// std::exception (no memory, a shape that OpenCV refuses): the pixels are unchanged then.
 ///
 /// Full scale is 2^bpc - 1 for integers, never more than the type holds, and the saturation for floating-point values,

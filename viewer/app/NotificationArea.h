@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QtCore/QStringList>
+#include <QtCore/QTimer>
+#include <QtWidgets/QLabel>
+
+/// Shows texts in the lower right corner of its parent, one after another, each for a few seconds. A click sends the
+/// text away.
+class NotificationArea : public QLabel
+{
+    Q_OBJECT
+public:
+    /// bottomMargin is the height at the parent's lower edge that is left free, in pixels.
+    NotificationArea(QWidget* parent, int bottomMargin);
+
+    /// Shows the text when its turn comes.
+    void add(const QString& text);
+
+    /// Number of texts that wait for their turn.
+    qsizetype waiting() const { return m_waiting.size(); }
+
+    /// How long a text is shown, in milliseconds, and how long while others wait.
+    static constexpr int usualTime = 5000;
+    static constexpr int shortTime = 2000;
+
+Q_SIGNALS:
+    /// A text appeared, or none is left (empty).
+    void notificationShown(const QString& text);
+
+protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    void showNext();
+    void place();
+
+    int m_bottomMargin;
+    QStringList m_waiting;
+    QTimer m_timer;
+};
