@@ -201,6 +201,14 @@ TEST_F(NumPy, ATypeWithoutATypestrIsRefusedWithAnError)
     EXPECT_NE(seen.find("Error:"), std::string::npos) << seen;
 }
 
+TEST_F(NumPy, ABufferWithoutPixelsIsRefusedWithAnError)
+{
+    const std::unique_ptr<QObject> infoOnly(makeTestImage(1920, 1200)->copy(true));
+    publish("img", *qobject_cast<CxImageData*>(infoOnly.get()));
+    EXPECT_EQ(value("img.__array_interface__['data']"), "(0, 0)");
+    EXPECT_EQ(value("__import__('numpy').asarray(img)").substr(0, 11), "ValueError:");
+}
+
 TEST_F(NumPy, AnEmptyImageGivesItsError)
 {
     // NumPy drops the error of an attribute look-up in some versions, and then wraps the object itself.
