@@ -123,7 +123,12 @@ QString CxPythonScriptPlugin::evaluate(const std::string& script, void (*fnStart
         }
     };
     if (fnOutput) {
-        emb::set_stdout([fnOutput](const std::string& text) { fnOutput(QString::fromStdString(text), false); });
+        // Every print() writes its line feed by itself: the host gets one shared text for all of them. Not a literal,
+        // whose characters would go with this library.
+        const QString lineFeed(QLatin1Char('\n'));
+        emb::set_stdout([fnOutput, lineFeed](const std::string& text) {
+            fnOutput(text == "\n" ? lineFeed : QString::fromStdString(text), false);
+        });
         run();
         emb::reset_stdout();
     } else {
