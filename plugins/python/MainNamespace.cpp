@@ -1,6 +1,7 @@
 // The names in __main__: what a run finds there, and what it must not leave.
 
 #include "CxPythonScriptPlugin.h"
+#include "NativeGuard.h"
 #include "PyRef.h"
 
 #include <QtCore/QLoggingCategory>
@@ -91,6 +92,7 @@ void CxPythonScriptPlugin::deleteNewLocalVariables(const std::list<std::string>&
     for (const std::string& name : added) {
         if (PyObject_DelItemString(dictionary, name.c_str()) != 0)
             PyErr_Clear();
+        fx_rethrowNativeException(); // from a finaliser: the names that are left stay
     }
 }
 

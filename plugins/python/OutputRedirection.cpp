@@ -26,9 +26,9 @@ extern PyType_Spec TxPyStdOutType_Spec;
 
 static PyObject* TxPyStdOutType = nullptr;
 static PyObject* g_stdout = nullptr;
-static PyObject* g_stdout_saved = nullptr; // borrowed: sys.__stdout__ keeps it
+static PyObject* g_stdout_saved = nullptr; // held while g_stdout is there, since a script may drop every other holder
 static PyObject* g_stderr = nullptr;
-static PyObject* g_stderr_saved = nullptr; // borrowed: sys.__stderr__ keeps it
+static PyObject* g_stderr_saved = nullptr; // likewise
 
 } // namespace emb
 
@@ -38,6 +38,8 @@ PyObject* PyInit_emb()
     emb::g_stdout_saved = nullptr;
     emb::g_stderr = nullptr;
     emb::g_stderr_saved = nullptr;
+    // An interpreter that a script made import the module twice leaves this pointing at its own, dead dictionary.
+    emb::embmodule.m_base.m_copy = nullptr;
 
     emb::TxPyStdOutType = PyType_FromSpec(&emb::TxPyStdOutType_Spec);
     if (!emb::TxPyStdOutType) {
@@ -48,8 +50,10 @@ PyObject* PyInit_emb()
     if (!module)
         return nullptr;
     Py_INCREF(emb::TxPyStdOutType);
-    if (PyModule_AddObject(module, "stdout_object", emb::TxPyStdOutType) != 0)
+    if (PyModule_AddObject(module, "stdout_object", emb::TxPyStdOutType) != 0) {
         Py_DECREF(emb::TxPyStdOutType);
+        PyErr_Clear(); // the streams can be redirected without the name
+    }
     return module;
 }
 
@@ -112,6 +116,7 @@ static void install(const char* name, PyObject*& instance, PyObject*& saved, Wri
             PyErr_Clear();
             return;
         }
+        Py_XINCREF(saved);
     }
     // The old function goes when everything is in place: its release may run anything.
     std::swap(record(instance).fnWrite, write);
@@ -122,7 +127,10 @@ static void uninstall(const char* name, PyObject*& instance, PyObject* saved)
 {
     if (saved)
         PySys_SetObject(name, saved);
-    Py_XDECREF(std::exchange(instance, nullptr));
+    if (PyObject* installed = std::exchange(instance, nullptr)) {
+        Py_XDECREF(saved);
+        Py_DECREF(installed);
+    }
 }
 
 void set_stdout(Write write)

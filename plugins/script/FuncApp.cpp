@@ -26,12 +26,16 @@ void fx_pyapp_register()
         std::fputs("Error: could not extend in-built modules table\n", stderr);
 }
 
-PyObject* py_app_moduleInit()
+static PyObject* makeModule()
 {
+    // An interpreter that a script made import the module twice leaves this pointing at its own, dead dictionary.
+    px_app_module.m_base.m_copy = nullptr;
+
     fx_script_addHelp("vantrel", px_app_funcs, nullptr, nullptr);
     fx_pycams_TypeReady();
     fx_pygraphs_TypeReady();
     fx_pyimages_TypeReady();
+    PyErr_Clear(); // without one of its types the module is still of use
 
     PyObject* module = PyModule_Create2(&px_app_module, stableAbiVersion);
     if (!module)
@@ -39,14 +43,22 @@ PyObject* py_app_moduleInit()
     fx_pycams_TypeAdd(module);
     fx_pygraphs_TypeAdd(module);
     fx_pyimages_TypeAdd(module);
+    PyErr_Clear();
     return module;
+}
+
+PyObject* py_app_moduleInit()
+{
+    return guarded<makeModule>(); // the help texts come from the host
 }
 
 void fx_pyapp_RunPythonString(const char* text)
 {
-    if (const PyRef code = PyRef::take(Py_CompileString(text, "<string>", Py_file_input))) {
-        PyObject* globals = PyModule_GetDict(PyImport_AddModule("__main__"));
-        const PyRef result = PyRef::take(PyEval_EvalCode(code.get(), globals, globals));
+    const PyRef code = PyRef::take(Py_CompileString(text, "<string>", Py_file_input));
+    PyRef result;
+    if (PyObject* main = code ? PyImport_AddModule("__main__") : nullptr) {
+        PyObject* globals = PyModule_GetDict(main);
+        result = PyRef::take(PyEval_EvalCode(code.get(), globals, globals));
         fx_rethrowNativeException();
     }
     if (PyErr_Occurred())

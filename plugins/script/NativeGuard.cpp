@@ -24,7 +24,7 @@ void fx_rethrowNativeException()
     std::rethrow_exception(std::exchange(keptException, nullptr));
 }
 
-void fx_dropNativeException() noexcept
+bool fx_dropNativeException() noexcept
 {
-    keptException = nullptr;
+    return std::exchange(keptException, nullptr) != nullptr;
 }

@@ -17,8 +17,8 @@ void fx_keepNativeException() noexcept;
 /// Throws the kept exception, if there is one, and clears the Python error that stands for it.
 void fx_rethrowNativeException();
 
-/// Forgets a kept exception.
-void fx_dropNativeException() noexcept;
+/// Forgets a kept exception; true when there was one. Needs no interpreter.
+bool fx_dropNativeException() noexcept;
 
 namespace native_guard {
 
