@@ -5,6 +5,7 @@
 #include "ExitReport.h"
 #include "InterpreterLibrary.h"
 #include "IxScriptEnvironment.h"
+#include "MainThread.h"
 #include "NativeGuard.h"
 #include "OutputRedirection.h"
 #include "PyRef.h"
@@ -13,6 +14,7 @@
 #include <QtCore/QCoreApplication>
 
 #include <memory>
+#include <utility>
 
 IxScriptEnvironment* g_pScriptPlugin = nullptr;
 
@@ -25,13 +27,19 @@ void fx_script_addHelp(const char* moduleName, PyMethodDef* moduleFuncs, const c
 CxPythonScriptPlugin::~CxPythonScriptPlugin()
 {
     if (m_bPythonInitialized) {
+        bool crashed = false;
+        fx_dropNativeException();
         try {
+            fx_takeOverMainThread();
             Py_Finalize();
+            crashed = fx_dropNativeException();
         } catch (...) {
-            // The same prefix as a failed run: whoever reads the log looks for one text.
+            crashed = true;
+        }
+        // The same prefix as a failed run: whoever reads the log looks for one text.
+        if (crashed)
             fx_logError(QStringLiteral("CxPythonScriptPlugin::runScript(): %1")
                             .arg(QStringLiteral("Python crashed in Finalize")));
-        }
     }
     m_bPythonInitialized = false;
 }
@@ -63,6 +71,8 @@ QString CxPythonScriptPlugin::runScript(const QString& strScript, IxScriptEnviro
         const std::string script = strScript.toStdString();
         if (!m_bPythonInitialized)
             startInterpreter(pEnv, strPythonHome);
+        if (std::exchange(m_lastThread, std::this_thread::get_id()) != std::this_thread::get_id())
+            fx_takeOverMainThread(); // a script may end the process
         result = evaluate(script, fnStarted, pStartedData, fnOutput);
     } catch (...) {
         if (result.isEmpty())
@@ -86,7 +96,7 @@ void CxPythonScriptPlugin::startInterpreter(IxScriptEnvironment* pEnv, const QSt
     Py_Initialize();
 
     PyObject* main = PyImport_AddModule("__main__");
-    if (pEnv) {
+    if (pEnv && main) {
         for (const auto& definition : pEnv->apiParamDefs())
             PyModule_AddStringConstant(main, definition.name.toUtf8().constData(),
                                        definition.value.toUtf8().constData());
@@ -111,7 +121,10 @@ QString CxPythonScriptPlugin::evaluate(const std::string& script, void (*fnStart
     // Shared: a script may keep the stream object longer than the run lasts.
     const auto errors = std::make_shared<std::string>();
     const ExitReport report(*errors);
+    // Whatever takes an object out of its place may run the script's own code, which may reach the host: an exception
+    // from there ends the run at this step.
     emb::set_stderr([errors](const std::string& text) { errors->append(text); });
+    fx_rethrowNativeException();
 
     const auto run = [&script] {
         if (script.find('\0') == std::string::npos) {
@@ -129,15 +142,17 @@ QString CxPythonScriptPlugin::evaluate(const std::string& script, void (*fnStart
         emb::set_stdout([fnOutput, lineFeed](const std::string& text) {
             fnOutput(text == "\n" ? lineFeed : QString::fromStdString(text), false);
         });
+        fx_rethrowNativeException();
         run();
         emb::reset_stdout();
+        fx_rethrowNativeException();
     } else {
         run();
     }
 
     deleteNewLocalVariables(names);
     emb::reset_stderr();
-    fx_rethrowNativeException(); // thrown while the objects of the script went away
+    fx_rethrowNativeException();
     return QString::fromStdString(*errors);
 }
 

@@ -8,6 +8,7 @@
 
 #include <list>
 #include <string>
+#include <thread>
 
 /// The plugin's one object: runs Python scripts for the host.
 ///
@@ -51,4 +52,5 @@ private:
 
     QMutex m_lockScript; // held for the whole of a run
     bool m_bPythonInitialized = false;
+    std::thread::id m_lastThread; // that ran a script
 };
