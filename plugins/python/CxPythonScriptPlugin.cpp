@@ -161,7 +161,8 @@ void CxPythonScriptPlugin::addImageVariable(const QString& name, CxImageData* im
     PyRef object = PyRef::take(fx_pyimg_createNewImageObject(image, false));
     if (!object)
         return PyErr_Clear();
-    if (PyModule_AddObject(PyImport_AddModule("__main__"), name.toUtf8().constData(), object.get()) < 0)
+    PyObject* main = PyImport_AddModule("__main__");
+    if (!main || PyModule_AddObject(main, name.toUtf8().constData(), object.get()) < 0)
         return PyErr_Clear();
     static_cast<void>(object.release());
 }

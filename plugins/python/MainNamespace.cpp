@@ -6,16 +6,27 @@
 
 #include <QtCore/QLoggingCategory>
 
-#include <cstring>
+#include <new>
 #include <string_view>
 #include <utility>
 
 namespace {
 
+/// Clears the error that is set. Names must not count as missing because memory was short: that throws.
+void clearError()
+{
+    const bool outOfMemory = PyErr_ExceptionMatches(PyExc_MemoryError);
+    PyErr_Clear();
+    if (outOfMemory)
+        throw std::bad_alloc();
+}
+
 /// The dictionary of __main__, borrowed; null when there is none.
 PyObject* mainDictionary()
 {
     PyObject* main = PyImport_AddModule("__main__");
+    if (!main)
+        clearError();
     return main ? PyModule_GetDict(main) : nullptr;
 }
 
@@ -34,6 +45,8 @@ template<typename Function>
 void forEachName(PyObject* dictionary, Function function)
 {
     const PyRef keys = PyRef::take(PyDict_Keys(dictionary));
+    if (!keys)
+        clearError();
     const Py_ssize_t count = keys ? PyList_Size(keys.get()) : 0;
     for (Py_ssize_t i = 0; i < count; ++i) {
         PyObject* key = PyList_GetItem(keys.get(), i);
@@ -42,7 +55,7 @@ void forEachName(PyObject* dictionary, Function function)
         if (const PyRef bytes = PyRef::take(PyUnicode_AsUTF8String(key)))
             function(view(bytes.get()));
         else
-            PyErr_Clear();
+            clearError();
     }
 }
 
@@ -111,6 +124,7 @@ void CxPythonScriptPlugin::dumpLocalVariables()
         const PyRef valueText = value ? PyRef::take(PyObject_Str(value.get())) : PyRef();
         PyErr_Clear();
         if (isText(keyText.get()) && isText(valueText.get()))
-            QMessageLogger().critical() << QStringLiteral("%1: %2").arg(text(keyText.get()), text(valueText.get()));
+            QMessageLogger(nullptr, 0, nullptr).critical()
+                << QStringLiteral("%1: %2").arg(text(keyText.get()), text(valueText.get()));
     }
 }

@@ -104,6 +104,12 @@ static PyObject* Stdout_flush(PyObject* /*self*/, PyObject* /*args*/)
 
 // ---- installing it ----
 
+static void setStream(const char* name, PyObject* stream)
+{
+    if (PySys_SetObject(name, stream) != 0)
+        PyErr_Clear();
+}
+
 static void install(const char* name, PyObject*& instance, PyObject*& saved, Write write)
 {
     if (!TxPyStdOutType)
@@ -120,13 +126,13 @@ static void install(const char* name, PyObject*& instance, PyObject*& saved, Wri
     }
     // The old function goes when everything is in place: its release may run anything.
     std::swap(record(instance).fnWrite, write);
-    PySys_SetObject(name, instance);
+    setStream(name, instance);
 }
 
 static void uninstall(const char* name, PyObject*& instance, PyObject* saved)
 {
     if (saved)
-        PySys_SetObject(name, saved);
+        setStream(name, saved);
     if (PyObject* installed = std::exchange(instance, nullptr)) {
         Py_XDECREF(saved);
         Py_DECREF(installed);

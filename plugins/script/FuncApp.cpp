@@ -32,18 +32,19 @@ static PyObject* makeModule()
     px_app_module.m_base.m_copy = nullptr;
 
     fx_script_addHelp("vantrel", px_app_funcs, nullptr, nullptr);
-    fx_pycams_TypeReady();
-    fx_pygraphs_TypeReady();
-    fx_pyimages_TypeReady();
-    PyErr_Clear(); // without one of its types the module is still of use
+    // Without one of its types the module is still of use.
+    for (const auto ready : {fx_pycams_TypeReady, fx_pygraphs_TypeReady, fx_pyimages_TypeReady}) {
+        ready();
+        PyErr_Clear();
+    }
 
     PyObject* module = PyModule_Create2(&px_app_module, stableAbiVersion);
     if (!module)
         return nullptr;
-    fx_pycams_TypeAdd(module);
-    fx_pygraphs_TypeAdd(module);
-    fx_pyimages_TypeAdd(module);
-    PyErr_Clear();
+    for (const auto add : {fx_pycams_TypeAdd, fx_pygraphs_TypeAdd, fx_pyimages_TypeAdd}) {
+        add(module);
+        PyErr_Clear();
+    }
     return module;
 }
 
