@@ -1,13 +1,32 @@
 #include "ApplicationDelegate.h"
 
+#include "CaptureDialog.h"
 #include "CxImageData.h"
+#include "CxPicBufAPI.h"
 #include "ImageView.h"
 #include "MainWindow.h"
+#include "OpenedCamera.h"
 
 #include <QtCore/QThread>
 
+namespace {
+
+/// A buffer with a copy of the image's pixels, or null.
+std::unique_ptr<SxPicBuf> copyOf(CxImageData& image)
+{
+    auto copy = std::make_unique<SxPicBuf>();
+    const SxPicBuf* buffer = image.picBuf();
+    if (!buffer || !CxPicBufAPI::AllocPicBufFromHeap(*copy, *buffer, true, 0))
+        return nullptr;
+    CxPicBufAPI::CopyPicBuf(*copy, *buffer, true);
+    return copy;
+}
+
+} // namespace
+
 ApplicationDelegate::ApplicationDelegate(MainWindow& window)
     : m_window(window)
+    , m_liveViews(window, m_cameras)
 {
     IxAppDelegate::setInstance(this);
 }
@@ -62,21 +81,36 @@ bool ApplicationDelegate::duplicateView(int id)
     return m_window.duplicateView(id);
 }
 
-bool ApplicationDelegate::setCameraAcquisition(bool /*start*/, void* /*camera*/)
+bool ApplicationDelegate::setCameraAcquisition(bool start, void* camera)
 {
-    return false; // no camera is open
+    bool done = false;
+    m_gui.run([&] { done = start ? m_liveViews.start(camera) : m_liveViews.stop(camera); });
+    return done;
 }
 
-void ApplicationDelegate::restartCameraWithDefaults(void* /*camera*/)
+void ApplicationDelegate::restartCameraWithDefaults(void* camera)
 {
-    // No camera is open.
+    m_gui.run([&] { m_cameras.restart(camera); });
 }
 
-SxPicBuf* ApplicationDelegate::askUserCaptureImage(QWidget* /*parent*/, void* /*camera*/, QString* /*title*/,
-                                                   QString* /*message*/, bool /*optionGiven*/, int* /*option*/,
-                                                   int /*flags*/)
+SxPicBuf* ApplicationDelegate::askUserCaptureImage(QWidget* parent, void* camera, QString* title, QString* message,
+                                                   bool optionGiven, int* option, int /*flags*/)
 {
-    return nullptr; // no camera is open
+    std::unique_ptr<SxPicBuf> result;
+    m_gui.run([&] {
+        OpenedCamera* opened = m_cameras.camera(camera);
+        if (!opened) {
+            qWarning() << "No camera to capture from: it is not open, or not any more";
+            return;
+        }
+        CaptureDialog dialog(*opened, *title, *message, optionGiven ? *option : -1, parent ? parent : &m_window);
+        const bool accepted = dialog.exec() == QDialog::Accepted;
+        if (optionGiven)
+            *option = dialog.delay();
+        if (accepted)
+            result = copyOf(*dialog.captured());
+    });
+    return result.release();
 }
 
 bool ApplicationDelegate::openFile(const QString& path, bool activate)
@@ -88,8 +122,9 @@ bool ApplicationDelegate::newViewWithImage(CxImageData* image, const QString& ti
 {
     if (!image)
         return false;
-    m_window.addView(std::shared_ptr<CxImageData>(image), title);
-    return true;
+    // A captured image comes here on the script's thread, too.
+    image->moveToThread(m_window.thread());
+    return m_gui.run([&] { m_window.addView(std::shared_ptr<CxImageData>(image), title); });
 }
 
 void ApplicationDelegate::setViewImage(int id, CxImageData* image)

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "CameraSet.h"
+#include "GuiCalls.h"
 #include "IxAppDelegate.h"
+#include "LiveViews.h"
 #include "SoundPlayer.h"
 
 class MainWindow;
@@ -35,7 +38,16 @@ public:
 
     void playSound(const QString& path) override;
 
+    /// The cameras that are open in the application.
+    CameraSet& cameras() { return m_cameras; }
+
+    /// Called when the event loop will not run any more: scripts on another thread wait for nothing from then on.
+    void endCalls() { m_gui.end(); }
+
 private:
     MainWindow& m_window;
     SoundPlayer m_sounds;
+    CameraSet m_cameras;
+    LiveViews m_liveViews;
+    GuiCalls m_gui;
 };

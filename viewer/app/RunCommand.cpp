@@ -34,7 +34,8 @@ public:
     explicit RunSession(const RunOptions& options)
         : m_options(options)
         , m_answers(options.answers, dialogsAreSeen())
-        , m_viewer({options.worker, options.pythonHome, options.workingDirectory, options.show})
+        , m_viewer(
+              {options.worker, options.pythonHome, options.workingDirectory, options.show, options.simulatedCameras})
     {
         connect(&m_viewer.scripts(), &ScriptQueue::runEnded, this, &RunSession::noteRunEnd);
         connect(&m_viewer.scripts(), &ScriptQueue::becameIdle, this, &RunSession::noteIdle);

@@ -43,6 +43,7 @@ Viewer::Viewer(const Settings& settings)
 {
     if (m_settings.pythonHome.isEmpty())
         m_settings.pythonHome = QStringLiteral(VANTREL_PYTHON_HOME);
+    m_delegate.cameras().openSimulated(m_settings.simulatedCameras);
     if (m_settings.showsOutput) {
         m_console = new ScriptConsole(&m_window);
         m_window.addDockWidget(Qt::BottomDockWidgetArea, m_console);
@@ -70,6 +71,7 @@ Viewer::~Viewer()
 {
     ProcessExit::prepare(nullptr);
     m_window.disconnect(this);
+    m_delegate.endCalls();
     m_scripts.reset();
 }
 

@@ -20,6 +20,7 @@ public:
         QString pythonHome;       ///< empty: the built one
         QString workingDirectory; ///< of all scripts; empty: each script's own folder
         bool showsOutput = false; ///< whether the window shows what scripts print
+        int simulatedCameras = 2; ///< number of simulated cameras to open
     };
 
     explicit Viewer(const Settings& settings);
