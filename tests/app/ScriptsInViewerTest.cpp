@@ -1,6 +1,7 @@
 // Scripts in a viewer of the test's own process: what only shows when somebody uses the windows meanwhile.
 
 #include "ImageView.h"
+#include "Pictures.h"
 #include "ScriptEnvironment.h"
 #include "ScriptQueue.h"
 #include "Viewer.h"
@@ -17,6 +18,8 @@
 #include <QtWidgets/QPlainTextEdit>
 
 #include <gtest/gtest.h>
+
+#include <cstdlib>
 
 namespace {
 
@@ -124,6 +127,63 @@ TEST_F(ScriptsInViewer, ClosingTheWindowStopsTheScriptBeforeTheApplicationEnds)
     ASSERT_EQ(results.size(), 1);
     EXPECT_TRUE(results[0].contains(QStringLiteral("KeyboardInterrupt")));
     EXPECT_EQ(console().contains(QStringLiteral("never")), false);
+}
+
+TEST_F(ScriptsInViewer, ADialogIsDismissedWhenTheMainWindowCloses)
+{
+    for (const char* dialog :
+         {"vantrel.message_box('t', 'x', 'a', 'b', 'c')", "vantrel.ask_user_for_string('t', 'x')"}) {
+        viewer.reset(); // one at a time
+        SetUp();
+        results.clear();
+        viewer->window().show();
+        run(QByteArray("import vantrel\nprint('asking')\n").append(dialog).append("\nprint('never')\n"));
+        QTimer::singleShot(300, &viewer->window(), [this] {
+            EXPECT_NE(QApplication::activeModalWidget(), nullptr);
+            viewer->window().close();
+        });
+        QTimer::singleShot(20000, &viewer->window(), [] {
+            ADD_FAILURE() << "the dialog stays open";
+            std::abort();
+        });
+        QCoreApplication::exec();
+        EXPECT_FALSE(viewer->scripts().isBusy());
+        ASSERT_EQ(results.size(), 1);
+        EXPECT_TRUE(results[0].contains(QStringLiteral("KeyboardInterrupt"))) << results[0].toStdString();
+        EXPECT_TRUE(console().startsWith(QStringLiteral("asking\n")));
+        EXPECT_FALSE(console().contains(QStringLiteral("never")));
+    }
+}
+
+TEST_F(ScriptsInViewer, AStageAddedByAScriptWorksOnWhatScriptsGet)
+{
+    viewer->window().addView(greyPicture(4, 3, 20), QStringLiteral("view"));
+    run("import vantrel\n"
+        "vantrel.add_chain_object('gain', {'gain': 2, 'offset': 1.5, 'unknown': 'x'})\n"
+        "print(vantrel.get_view_image().get_image_data_raw()[0])\n"
+        "vantrel.set_view_image(vantrel.get_view_image())\n" // which passes the chain as every image does
+        "print(vantrel.get_view_image().get_image_data_raw()[0])\n");
+    runAll();
+    EXPECT_EQ(console().toStdString(), "42\n86\n");
+}
+
+TEST_F(ScriptsInViewer, AMenuItemAddedByAScriptTellsItsFourthTextAndRunsItsScript)
+{
+    write("tool.py", "print('tool')\n");
+    run("import vantrel\n"
+        "vantrel.add_menu_item('One', 'tool.py', 'Tools', 'what it <does>')\n"
+        "vantrel.add_menu_item('Two', 'tool.py', 'Tools')\n");
+    runAll();
+    const auto submenus = viewer->window().menu(MainWindow::ScriptMenu)->findChildren<QMenu*>();
+    ASSERT_EQ(submenus.size(), 1);
+    const QList<QAction*> items = submenus.first()->actions();
+    ASSERT_EQ(items.size(), 2);
+    EXPECT_EQ(items.at(0)->toolTip(), QStringLiteral("what it <does>"));
+    EXPECT_EQ(items.at(0)->statusTip(), QStringLiteral("what it <does>"));
+    EXPECT_TRUE(submenus.first()->toolTipsVisible());
+    items.at(0)->trigger();
+    runAll();
+    EXPECT_EQ(console().toStdString(), "tool\n");
 }
 
 TEST_F(ScriptsInViewer, AViewClosedByHandEndsTheWaitForItsFrame)

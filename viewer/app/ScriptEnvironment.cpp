@@ -58,6 +58,7 @@ void ScriptEnvironment::addMenuItem(QMenu* menu, const QString& name, const QStr
     QAction* action = menu->addAction(name);
     action->setToolTip(extra.isEmpty() ? name : extra);
     action->setStatusTip(extra);
+    menu->setToolTipsVisible(true);
     // The item outlives this environment.
     QObject::connect(action, &QAction::triggered, menu,
                      [path = resolveFilePath(script), run = m_runFile] { run(path); });

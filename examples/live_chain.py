@@ -1,0 +1,47 @@
+"""Live chain: a live camera with a gain and a blur stage, and a picture of before and after.
+
+Run it with
+
+    ./vantrel run examples/live_chain.py
+
+It takes the first camera and writes live_chain.png into the working directory, which is this script's own folder unless
+--workdir names another.
+"""
+import vantrel
+
+if vantrel.get_number_devices() == 0:
+    raise RuntimeError("live_chain needs a camera: start with --sim-cameras 1")
+
+cam = vantrel.Camera()
+cam.open_device(0)
+print("camera:", cam.get_device_info_string("device_name"))
+view = cam.start_acquisition()
+if view < 0:
+    raise RuntimeError("the camera does not start")
+
+try:
+    if not vantrel.wait_for_next_frame(5.0, view):
+        raise RuntimeError("no frame came")
+    before = vantrel.get_view_image(view)
+
+    # From here on every frame of the active view passes the two stages before it is shown.
+    vantrel.add_chain_object("Gain", {"gain": 2.0, "offset": 0})
+    vantrel.add_chain_object("Gaussian Blur", {"sigma": 4.0})
+    if not vantrel.wait_for_next_frame(5.0, view):
+        raise RuntimeError("no frame came")
+    after = vantrel.get_view_image(view)
+finally:
+    cam.stop_acquisition()
+
+for name, img in (("before", before), ("after", after)):
+    stats = img.measure_rect()[0]
+    print("%-6s  mean %6.1f  standard deviation %6.1f" % (name, stats["mean"], stats["stdev"]))
+
+# The two side by side.
+both = vantrel.Image()
+both.alloc(2 * before.width, before.height, before.channels, before.bpc)
+before.copy_rect_to(0, 0, before.width, before.height, both, 0, 0)
+after.copy_rect_to(0, 0, after.width, after.height, both, before.width, 0)
+vantrel.new_view_with_image(both, "Before and after")
+vantrel.save_to_file("live_chain.png")
+print("saved live_chain.png: %d x %d" % (both.width, both.height))
