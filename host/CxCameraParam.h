@@ -25,7 +25,10 @@ public:
     /// A parameter whose type is the type of its first value.
     CxCameraParam(const QString& name, const CxValue& value);
 
-    QString name() const { return m_name; }
+    const QString& name() const { return m_name; }
+
+    /// The type of all its values.
+    CxValue::ExType type() const { return m_type; }
 
     /// The current value, with the parameter's own type. Any thread.
     CxValue paramValue() const;

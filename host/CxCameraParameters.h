@@ -58,8 +58,8 @@ public:
     /// All listed parameters in the order of their adding. Owned by the store.
     QList<CxCameraParam*> params() const;
 
-    /// The listed parameter of that exact name, or null; with ignoreCase letter case does not count. Owned by the
-    /// store.
+    /// The listed parameter of that exact name, or null; with ignoreCase a name that differs in letter case is taken
+    /// when none is exactly equal. Owned by the store.
     CxCameraParam* findParam(const QString& name, bool ignoreCase) const;
 
     /// Writes a parameter: converts the value to the parameter's type, clips it to the limits, gives it to the camera

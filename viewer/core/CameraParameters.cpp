@@ -100,10 +100,14 @@ QList<CxCameraParam*> CxCameraParameters::params() const
 
 CxCameraParam* CxCameraParameters::findParam(const QString& name, bool ignoreCase) const
 {
-    const auto sensitivity = ignoreCase ? Qt::CaseInsensitive : Qt::CaseSensitive;
+    // Plain equality first: it is quick, and scripts ask all the time.
     for (const auto& param : d->params)
-        if (param->name().compare(name, sensitivity) == 0)
+        if (param->name() == name)
             return param.get();
+    if (ignoreCase)
+        for (const auto& param : d->params)
+            if (param->name().compare(name, Qt::CaseInsensitive) == 0)
+                return param.get();
     return nullptr;
 }
 
@@ -198,7 +202,7 @@ bool CxCameraParameters::loadParamValuesFromFile(const QString& path, CxCameraPa
         return false;
     for (const auto& [name, value] : settings->values) {
         CxCameraParam* param = findParam(name, false);
-        const bool taken = param && param->visibility <= visibility && fitsType(value, param->paramValue().type()) &&
+        const bool taken = param && param->visibility <= visibility && fitsType(value, param->type()) &&
                            d->write(*param, value, commit) >= 0;
         if (taken)
             Q_EMIT paramChanged(name);
@@ -222,7 +226,7 @@ CxCameraParameters::ExWriteStatus CxCameraParameters::Private::write(CxCameraPar
         return Refused;
     if (param.readOnly)
         return ReadOnly;
-    CxValue wanted = value.converted(param.paramValue().type());
+    CxValue wanted = value.converted(param.type());
     if (wanted.type() == CxValue::Floating && std::isnan(wanted.toFloat()))
         return Refused;
     if (wanted.type() == CxValue::String && !param.choices.isEmpty() && !param.choices.contains(wanted.toString()))
