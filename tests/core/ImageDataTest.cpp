@@ -88,4 +88,16 @@ TEST(PicBufMemory, RefusesSizesThatOverflow)
     EXPECT_EQ(buffer.data, nullptr);
 }
 
+TEST(PicBufMemory, RefusesSizesThatTheMachineCannotBack)
+{
+    SxPicBufInfo info;
+    info.width = 2000000000U;
+    info.height = 2000U; // 4 terabytes, which the kernel may well promise
+    info.channels = 1;
+    info.dataType = ExImageDataType::UInt8;
+    SxPicBuf buffer;
+    EXPECT_FALSE(CxPicBufAPI::AllocPicBufFromHeap(buffer, info, true, 0));
+    EXPECT_EQ(buffer.data, nullptr);
+}
+
 } // namespace

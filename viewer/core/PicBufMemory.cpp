@@ -4,6 +4,8 @@
 
 #include "PicBufRecord.h"
 
+#include <QtCore/QFile>
+
 #include <bit>
 #include <cstdlib>
 #include <cstring>
@@ -12,6 +14,23 @@
 namespace {
 constexpr std::uint64_t rowAlignment = 16;
 constexpr unsigned long defaultAlignment = 64;
+constexpr std::uint64_t largeSize = std::uint64_t(256) << 20;
+
+/// Whether the machine can back that many bytes. The kernel promises more memory than there is and ends the process
+/// when the promise is called in, so large sizes are compared with what is really available.
+bool memoryIsAvailable(std::uint64_t bytes)
+{
+    if (bytes < largeSize)
+        return true;
+    QFile file(QStringLiteral("/proc/meminfo"));
+    if (!file.open(QIODevice::ReadOnly))
+        return true; // no such file on this system
+    for (QByteArray line = file.readLine(); !line.isEmpty(); line = file.readLine()) {
+        if (line.startsWith("MemAvailable:"))
+            return bytes <= line.mid(13).replace("kB", "").trimmed().toULongLong() * 1024;
+    }
+    return true;
+}
 } // namespace
 
 void CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, unsigned width, unsigned height, unsigned channels,
@@ -56,7 +75,7 @@ bool CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, const SxPicBufInfo& info
     if (alignment == 0)
         alignment = defaultAlignment;
     if (bytes > std::uint64_t(std::numeric_limits<std::ptrdiff_t>::max()) - alignment ||
-        !std::has_single_bit(alignment))
+        !std::has_single_bit(alignment) || !memoryIsAvailable(bytes))
         return false;
 
     // aligned_alloc wants a size that is a multiple of the alignment.
