@@ -25,6 +25,9 @@ constexpr int shortestExposure = 10;
 constexpr int longestExposure = 1000000;
 constexpr int exposureStep = 10;
 
+/// Frames that wait for a host that is late.
+constexpr int bufferedFrames = 8;
+
 void addNumber(CxCameraParameters& store, const QString& name, const std::array<CxValue, 4>& defaultMinMaxStep)
 {
     CxCameraParam* param = store.addParam(name, defaultMinMaxStep[0]);
@@ -122,8 +125,8 @@ std::unique_ptr<CxImageData> SimulatedCamera::nextFrame()
     if (!CxPicBufAPI::AllocPicBufFromHeap(buffer, frameInfo(now), true, 0))
         return nullptr;
 
-    // Short delays are caught up with; after a long one the rate starts anew, or a burst of frames would follow.
-    m_lastDue = std::max(m_lastDue + period(), m_clock() - period());
+    // Short delays are caught up with; after a long one the rate starts anew, or a long burst of frames would follow.
+    m_lastDue = std::max(m_lastDue + period(), m_clock() - bufferedFrames * period());
     m_cameraTime += period();
     buffer.acqFrameNumber = ++m_framesSinceOpening;
     buffer.frameNumber = ++m_framesSinceStart;

@@ -8,7 +8,8 @@
 
 /// A camera without hardware: a moving scene seen by a sensor, at the set frame rate.
 ///
-/// Frames are not lost when nobody asks for them in time: the next one comes late, and the numbers go on without a gap.
+/// Frames are not lost when nobody asks for them in time: a few are kept and come one right after the other, further
+/// ones come late, and the numbers go on without a gap.
 class SimulatedCamera : public CameraBackend
 {
 public:
