@@ -161,7 +161,8 @@ def growth():
     title("Nanoseconds per pixel, by megapixels")
     sizes = (0.1, 1, 10, 100)
     print("%-34s" % "" + "".join("%10g" % size for size in sizes))
-    work = (("from_array, 8 bit", "u1", image_of, False), ("from_array, 12 bit in 16", "u2", image_of, False),
+    work = (("a.copy(), 8 bit", "u1", lambda a: a.copy(), False), ("from_array, 8 bit", "u1", image_of, False),
+            ("a.copy(), 16 bit", "u2", lambda a: a.copy(), False), ("from_array, 12 bit in 16", "u2", image_of, False),
             ("measure_rect, 8 bit", "u1", lambda img: img.measure_rect(), True),
             ("convert_bpc, 12 to 8 bit", "u2", lambda img: img.convert_bpc(8), True),
             ("to_rgb, 8 bit", "u1", lambda img: img.to_rgb(), True),

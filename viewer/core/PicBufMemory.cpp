@@ -11,6 +11,9 @@
 #include <cstring>
 #include <limits>
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 namespace {
 constexpr std::uint64_t rowAlignment = 16;
 constexpr unsigned long defaultAlignment = 64;
@@ -30,6 +33,18 @@ bool memoryIsAvailable(std::uint64_t bytes)
             return bytes <= line.mid(13).replace("kB", "").trimmed().toULongLong() * 1024;
     }
     return true;
+}
+
+// From this size on memory comes fresh from the system.
+constexpr std::uint64_t freshSize = 4U << 20;
+
+// A large block comes fresh from the system, page by page on the first touch. Small pages cost more than the pixels.
+void preferLargePages(std::uint8_t* memory, std::uint64_t bytes)
+{
+    const auto page = std::uintptr_t(sysconf(_SC_PAGESIZE));
+    const auto begin = (reinterpret_cast<std::uintptr_t>(memory) + page - 1) / page * page;
+    const auto end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / page * page;
+    madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
 }
 } // namespace
 
@@ -83,6 +98,8 @@ bool CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, const SxPicBufInfo& info
     auto* memory = static_cast<std::uint8_t*>(std::aligned_alloc(alignment, rounded));
     if (!memory)
         return false;
+    if (rounded >= freshSize)
+        preferLargePages(memory, rounded);
     if (!uninitialized)
         std::memset(memory, 0, bytes);
     buffer.lineStride = std::uint32_t(stride);
