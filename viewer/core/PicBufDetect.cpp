@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <optional>
 
@@ -21,14 +22,54 @@ std::make_unsigned_t<T> magnitude(T value)
     return value < 0 ? static_cast<Unsigned>(Unsigned(0) - bits) : bits;
 }
 
+inline std::uint64_t orOfWords(const std::uint8_t* words, std::size_t count)
+{
+    std::uint64_t bits = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        bits |= loadValue<std::uint64_t>(words, i);
+    return bits;
+}
+
+#if defined(__x86_64__)
+// The same in wider vectors. Finding the depth takes half of the time in which an array becomes an image.
+__attribute__((target("avx2"))) std::uint64_t orOfWordsByAvx2(const std::uint8_t* words, std::size_t count)
+{
+    std::uint64_t bits = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        bits |= loadValue<std::uint64_t>(words, i);
+    return bits;
+}
+const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
+#endif
+
+/// All bytes of a row, in words of 8, or-ed together; missing ones at the end count as 0.
+std::uint64_t orOfBytes(const std::uint8_t* row, std::size_t count)
+{
+    const std::size_t words = count / sizeof(std::uint64_t);
+    std::uint64_t rest = 0;
+    std::memcpy(&rest, row + words * sizeof rest, count % sizeof rest);
+#if defined(__x86_64__)
+    if (hasAvx2)
+        return rest | orOfWordsByAvx2(row, words);
+#endif
+    return rest | orOfWords(row, words);
+}
+
 /// All magnitudes of a row or-ed together: the highest bit set in any of them is the highest of the result.
 template<typename T>
 std::uint64_t bitsOfRow(const std::uint8_t* row, std::size_t count)
 {
-    std::make_unsigned_t<T> bits = 0;
-    for (std::size_t i = 0; i < count; ++i)
-        bits |= magnitude(loadValue<T>(row, i));
-    return bits;
+    if constexpr (std::is_unsigned_v<T>) {
+        std::uint64_t bits = orOfBytes(row, count * sizeof(T));
+        for (unsigned half = 32; half >= sizeof(T) * 8; half /= 2)
+            bits |= bits >> half;
+        return static_cast<T>(bits);
+    } else {
+        std::make_unsigned_t<T> bits = 0;
+        for (std::size_t i = 0; i < count; ++i)
+            bits |= magnitude(loadValue<T>(row, i));
+        return bits;
+    }
 }
 
 template<typename T>
