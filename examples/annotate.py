@@ -1,4 +1,4 @@
-"""Marks the brightest spot of a picture: a frame around it, a cross through it, a scale along the lower edge.
+"""Marks the brightest pixel of a picture: a frame around it, a cross through it, a scale along the lower edge.
 
     ./vantrel run examples/annotate.py
 
@@ -34,8 +34,8 @@ x = brightest(source.measure_column_profiles_in_rect())
 y = brightest(source.measure_row_profiles_in_rect())
 print("brightest column %d, brightest row %d, value %d there" % (x, y, source.get_pixel_value(x, y)))
 
-# Values of 12 bits become colours of 8 bits.
-marked = source.to_rgb()
+# The file keeps 12-bit values in 16 bits. Told so, the full scale of 12 bits becomes the full scale of the colours.
+marked = source.convert_bpc(12, False).to_rgb()
 last_x, last_y = marked.width - 1, marked.height - 1
 left, top = max(0, x - MARK_SIZE), max(0, y - MARK_SIZE)
 right, bottom = min(last_x, x + MARK_SIZE), min(last_y, y + MARK_SIZE)
