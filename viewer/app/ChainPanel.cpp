@@ -62,7 +62,8 @@ void ChainPanel::showStages()
     QList<CxChainable*> stages = m_chain.objects();
     stages.removeIf([this](const CxChainable* object) { return object == m_end; });
     setVisible(!stages.isEmpty());
-    if (stages == m_shown)
+    // Empty lists apart: comparing two of them hands null pointers to memcmp.
+    if ((stages.isEmpty() && m_shown.isEmpty()) || stages == m_shown)
         return; // rows follow their stage by themselves
     m_shown = stages;
     while (QLayoutItem* item = m_rows->takeAt(0)) {
