@@ -18,10 +18,11 @@
 #include <stdexcept>
 #include <thread>
 
-extern "C" const char* __asan_default_options();
+// As for the test programs: see support/Main.cpp.
+extern "C" Q_DECL_EXPORT const char* __asan_default_options();
 extern "C" const char* __asan_default_options()
 {
-    return "detect_leaks=0";
+    return "detect_leaks=0:use_sigaltstack=0";
 }
 
 namespace {
