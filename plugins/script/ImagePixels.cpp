@@ -4,8 +4,6 @@
 #include "ImageMethods.h"
 #include "LineDrawing.h"
 
-#include <climits>
-
 namespace {
 
 bool isInRange(int position, std::uint32_t limit)
