@@ -47,8 +47,11 @@ protected:
     QList<Widget*> visible()
     {
         QCoreApplication::processEvents(); // new rows show then
-        QList<Widget*> found = panel()->findChildren<Widget*>();
-        found.removeIf([](const Widget* widget) { return !widget->isVisible(); });
+        QList<Widget*> found;
+        for (Widget* widget : panel()->findChildren<Widget*>()) {
+            if (widget->isVisible())
+                found.append(widget);
+        }
         return found;
     }
 

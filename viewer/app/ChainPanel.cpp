@@ -59,8 +59,11 @@ ChainPanel::ChainPanel(CxChain& chain, const CxChainable* end, QWidget* parent)
 
 void ChainPanel::showStages()
 {
-    QList<CxChainable*> stages = m_chain.objects();
-    stages.removeIf([this](const CxChainable* object) { return object == m_end; });
+    QList<CxChainable*> stages;
+    for (CxChainable* object : m_chain.objects()) {
+        if (object != m_end)
+            stages.append(object);
+    }
     setVisible(!stages.isEmpty());
     // Empty lists apart: comparing two of them hands null pointers to memcmp.
     if ((stages.isEmpty() && m_shown.isEmpty()) || stages == m_shown)
