@@ -14,10 +14,10 @@ namespace {
 constexpr std::size_t mostSlots = 65536;
 constexpr std::size_t fewestSlots = 64;
 
-unsigned slotShiftFor(std::size_t expectedPages)
+// A power of two.
+std::size_t slotCountFor(std::size_t expectedPages)
 {
-    const std::size_t wanted = std::clamp(expectedPages, fewestSlots / 2, mostSlots / 2) * 2;
-    return 64U - unsigned(std::bit_width(std::bit_ceil(wanted)) - 1);
+    return std::bit_ceil(std::clamp(expectedPages, fewestSlots / 2, mostSlots / 2) * 2);
 }
 
 /// Collects pages and asks about many at once: a byte of each is read through the system.
@@ -72,8 +72,8 @@ bool memoryIsThere(std::uint64_t begin, std::uint64_t end)
 
 ReadableMemory::ReadableMemory(std::size_t expectedPages)
     : m_pageSize(std::uint64_t(sysconf(_SC_PAGESIZE)))
-    , m_slotShift(slotShiftFor(expectedPages))
-    , m_readablePages(std::size_t(1) << (64U - m_slotShift), 0)
+    , m_slotShift(64U - unsigned(std::countr_zero(slotCountFor(expectedPages))))
+    , m_readablePages(slotCountFor(expectedPages), 0)
 {
 }
 

@@ -151,7 +151,7 @@ TEST_F(CaptureDialogTest, CapturesAfterTheChosenDelay)
         },
         CaptureDialog::AfterThreeSeconds);
     ASSERT_NE(buffer, nullptr);
-    EXPECT_GE(timer.elapsed(), 2900);
+    EXPECT_GE(timer.elapsed(), 2800); // a timer of three seconds may be some percent early
     EXPECT_GT(buffer->frameNumber, 30);
     freePixels(buffer);
 }
