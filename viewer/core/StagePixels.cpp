@@ -1,6 +1,7 @@
 #include "StagePixels.h"
 
 #include "CxPicBufAPI.h"
+#include "PicBufMat.h"
 
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
@@ -97,20 +98,8 @@ ExColorFilterArray mirrored(ExColorFilterArray filters, bool columns, bool rows)
 /// OpenCV's depth of a type whose values it can smooth, or -1.
 int smoothableDepth(ExImageDataType type)
 {
-    switch (type) {
-    case ExImageDataType::UInt8:
-        return CV_8U;
-    case ExImageDataType::Int16:
-        return CV_16S;
-    case ExImageDataType::UInt16:
-        return CV_16U;
-    case ExImageDataType::Float:
-        return CV_32F;
-    case ExImageDataType::Double:
-        return CV_64F;
-    default:
-        return -1;
-    }
+    const int depth = matDepth(type);
+    return depth == CV_8S || depth == CV_32S ? -1 : depth;
 }
 
 cv::Mat asMat(SxPicBuf& buffer, int depth, std::uint32_t channels)
