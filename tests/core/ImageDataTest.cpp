@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace {
@@ -53,6 +54,23 @@ TEST(ImageData, CloneHasItsOwnPixelsAndTheMetadata)
     image.picBuf()->row(2)[0] = 7;
     EXPECT_EQ(reinterpret_cast<std::uint16_t*>(copy->picBuf()->row(2))[4], 204);
     EXPECT_EQ(reinterpret_cast<std::uint16_t*>(copy->picBuf()->row(2))[0], 200);
+}
+
+TEST(ImageData, CloneHasClearedRowPadding)
+{
+    CxImageData image;
+    image.setPicBuf(filledBuffer());
+    // Memory that a clone may get, full of something else.
+    SxPicBuf old = filledBuffer();
+    std::fill_n(old.data, old.dataSize(), std::uint8_t(0xAB));
+    CxPicBufAPI::FreePicBuf(old, true);
+
+    const std::unique_ptr<QObject> object(image.clone(nullptr, nullptr));
+    SxPicBuf* copy = qobject_cast<CxImageData*>(object.get())->picBuf();
+    for (unsigned y = 0; y < copy->height; ++y) {
+        for (unsigned i = copy->width * copy->bytesPerPixel(); i < copy->lineStride; ++i)
+            EXPECT_EQ(copy->row(y)[i], 0) << "row " << y << ", byte " << i;
+    }
 }
 
 TEST(ImageData, CountsTheLivingImages)

@@ -51,7 +51,9 @@ QObject* CxImageData::copy(bool infoOnly)
         return image.release();
     }
     SxPicBuf buffer;
-    if (!CxPicBufAPI::AllocPicBufFromHeap(buffer, m_buffer, true, 0))
+    // Row padding is not copied: cleared, it shows nothing of what was in the memory before.
+    const bool isDense = std::size_t(m_buffer.bytesPerPixel()) * m_buffer.width == m_buffer.lineStride;
+    if (!CxPicBufAPI::AllocPicBufFromHeap(buffer, m_buffer, isDense, 0))
         return nullptr;
     CxPicBufAPI::CopyPicBuf(buffer, m_buffer, true);
     image->setPicBuf(buffer);
