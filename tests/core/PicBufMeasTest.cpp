@@ -137,6 +137,25 @@ TEST(PicBufMeas, LargeValuesLoseNothing)
     EXPECT_DOUBLE_EQ(measured(PaddedImage(floating).image, all).stats[0].mean, 1e12 + 0.5);
 }
 
+template<typename T>
+class PicBufMeasOf : public testing::Test
+{
+};
+
+using FloatingTypes = testing::Types<float, double>;
+TYPED_TEST_SUITE(PicBufMeasOf, FloatingTypes);
+
+TYPED_TEST(PicBufMeasOf, AFirstValueFarFromTheOthersCostsNoDigits)
+{
+    constexpr unsigned width = 1000000;
+    TestPicBuf source({width, 1, 1, sizeof(TypeParam) == 4 ? ExImageDataType::Float : ExImageDataType::Double});
+    source.set(0, 0, TypeParam(4096.25));
+    for (unsigned i = 1; i < width; ++i)
+        source.set(i, 0, TypeParam(1 + 0.25 * (i % 5)));
+    const QRect all(0, 0, int(width), 1);
+    expectSame(measured(PaddedImage(source).image, all).stats[0], slowStats(valuesIn(source.record, all, 0)));
+}
+
 TEST(PicBufMeas, AConstantImageHasNoDeviation)
 {
     for (const ExImageDataType type : numberTypes()) {

@@ -4,6 +4,7 @@
 
 #include "PicBufRecord.h"
 #include "PixelTypes.h"
+#include "ProcessorFeatures.h"
 
 #include <algorithm>
 #include <bit>
@@ -30,16 +31,15 @@ inline std::uint64_t orOfWords(const std::uint8_t* words, std::size_t count)
     return bits;
 }
 
-#if defined(__x86_64__)
+#if VANTREL_HAS_AVX2_CODE
 // The same in wider vectors. Finding the depth takes half of the time in which an array becomes an image.
-__attribute__((target("avx2"))) std::uint64_t orOfWordsByAvx2(const std::uint8_t* words, std::size_t count)
+VANTREL_AVX2_CODE std::uint64_t orOfWordsByAvx2(const std::uint8_t* words, std::size_t count)
 {
     std::uint64_t bits = 0;
     for (std::size_t i = 0; i < count; ++i)
         bits |= loadValue<std::uint64_t>(words, i);
     return bits;
 }
-const bool hasAvx2 = __builtin_cpu_supports("avx2") != 0;
 #endif
 
 /// All bytes of a row, in words of 8, or-ed together; missing ones at the end count as 0.
@@ -48,8 +48,8 @@ std::uint64_t orOfBytes(const std::uint8_t* row, std::size_t count)
     const std::size_t words = count / sizeof(std::uint64_t);
     std::uint64_t rest = 0;
     std::memcpy(&rest, row + words * sizeof rest, count % sizeof rest);
-#if defined(__x86_64__)
-    if (hasAvx2)
+#if VANTREL_HAS_AVX2_CODE
+    if (processorHasAvx2)
         return rest | orOfWordsByAvx2(row, words);
 #endif
     return rest | orOfWords(row, words);

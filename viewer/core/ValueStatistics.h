@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Moments.h"
 #include "PixelTypes.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <type_traits>
@@ -100,22 +100,11 @@ public:
     /// Adds values that stand one after another at any address.
     void add(const std::uint8_t* values, std::size_t count)
     {
-        const auto base = static_cast<W>(loadValue<T>(values, 0));
-        const W meanOfDifferences = sumOver(values, count, [base](W value) { return value - base; }) / W(count);
-        const W mean = base + meanOfDifferences;
-        const W squares = sumOver(values, count, [mean](W value) { return (value - mean) * (value - mean); });
-        findEnds(values, count);
-
-        const auto all = static_cast<long double>(m_count + count);
-        const long double delta = static_cast<long double>(mean) - m_mean;
-        if (m_count == 0) {
-            m_mean = mean;
-            m_squares = squares;
-        } else {
-            m_squares += static_cast<long double>(squares) + delta * delta * m_count * count / all;
-            m_mean += delta * count / all;
-        }
-        m_count += count;
+        // The mean of some values cannot be further from one of them than their number allows: few enough, and sums
+        // around the first one keep their digits.
+        constexpr std::size_t block = 2048;
+        for (std::size_t i = 0; i < count; i += block)
+            addBlock(values + i * sizeof(T), std::min(block, count - i));
     }
 
     ValueSummary summary() const
@@ -131,43 +120,28 @@ public:
     }
 
 private:
-    using W = std::conditional_t<std::is_floating_point_v<T>, double, long double>;
-    static constexpr std::size_t lanes = 8; // sums that do not wait for each other
+    using W = MomentSum<T>;
 
-    template<typename Term>
-    static W sumOver(const std::uint8_t* values, std::size_t count, Term term)
+    void addBlock(const std::uint8_t* values, std::size_t count)
     {
-        std::array<W, lanes> sums = {};
-        std::size_t i = 0;
-        for (; i + lanes <= count; i += lanes)
-            for (std::size_t lane = 0; lane < lanes; ++lane)
-                sums[lane] += term(static_cast<W>(loadValue<T>(values, i + lane)));
-        for (; i < count; ++i)
-            sums[0] += term(static_cast<W>(loadValue<T>(values, i)));
-        W sum = 0;
-        for (const W part : sums)
-            sum += part;
-        return sum;
-    }
+        const auto base = static_cast<W>(loadValue<T>(values, 0));
+        const Moments<T> moments = momentsOf<T>(values, count, base, m_min, m_max);
+        const W shift = moments.sum / W(count);
+        const W mean = base + shift;
+        const W squares = moments.squares - moments.sum * shift;
+        m_min = moments.least;
+        m_max = moments.greatest;
 
-    void findEnds(const std::uint8_t* values, std::size_t count)
-    {
-        std::array<T, lanes> least;
-        std::array<T, lanes> greatest;
-        least.fill(m_min);
-        greatest.fill(m_max);
-        const auto take = [&](std::size_t lane, T value) { // in this order a not-a-number is never taken
-            least[lane] = value < least[lane] ? value : least[lane];
-            greatest[lane] = value > greatest[lane] ? value : greatest[lane];
-        };
-        std::size_t i = 0;
-        for (; i + lanes <= count; i += lanes)
-            for (std::size_t lane = 0; lane < lanes; ++lane)
-                take(lane, loadValue<T>(values, i + lane));
-        for (; i < count; ++i)
-            take(0, loadValue<T>(values, i));
-        m_min = *std::min_element(least.begin(), least.end());
-        m_max = *std::max_element(greatest.begin(), greatest.end());
+        const auto all = static_cast<long double>(m_count + count);
+        const long double delta = static_cast<long double>(mean) - m_mean;
+        if (m_count == 0) {
+            m_mean = mean;
+            m_squares = squares;
+        } else {
+            m_squares += static_cast<long double>(squares) + delta * delta * m_count * count / all;
+            m_mean += delta * count / all;
+        }
+        m_count += count;
     }
 
     static constexpr T above()
