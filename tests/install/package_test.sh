@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # usage: package_test.sh BUILD_FOLDER
 #
-# Makes the Debian package, installs it into an empty root, runs a script with the installed viewer, builds and runs the
-# minimal host against the installed files, and removes the package.
+# Makes the Debian package, installs it into an empty root, runs a script and an example with the installed viewer, builds
+# and runs the minimal host against the installed files, and removes the package.
 set -euo pipefail
 
 build=$1
@@ -18,11 +18,7 @@ fail() {
 }
 
 step 'make the package'
-cpack --config "$build/CPackConfig.cmake" -B "$work/package" >"$work/cpack.log" 2>&1 || {
-    cat "$work/cpack.log"
-    fail 'cpack'
-}
-package=$(find "$work/package" -maxdepth 1 -name '*.deb')
+package=$("$(dirname -- "$0")/make_package.sh" "$build" "$work/package") || fail 'cpack'
 
 step 'its dependencies are packages of the distribution'
 dpkg-deb -f "$package" Depends | tr ',' '\n' | sed 's/ *(.*//; s/^ *//' | while read -r name; do
@@ -51,6 +47,15 @@ PYTHON
 }
 [ -s "$work/out.tif" ] || fail 'the installed viewer saved no file'
 grep -q 'Wait while the application keeps working' "$work/run.out" || fail 'the installed viewer has no help texts'
+
+step 'run an installed example, in a copy as its reader makes one'
+cp -r "$root/usr/share/vantrel/examples" "$work/examples"
+"$root/usr/bin/vantrel" run "$work/examples/first_light.py" >"$work/run.out" 2>"$work/run.err" || {
+    cat "$work/run.out" "$work/run.err"
+    fail 'first_light.py'
+}
+[ "$(grep -c 'read back with the same values: True' "$work/run.out")" = 2 ] || fail 'first_light.py read other values'
+[ -s "$work/examples/first_light/scene.tif" ] || fail 'first_light.py saved nothing'
 
 step 'build the minimal host against the installed files'
 cmake -S "$root/usr/share/vantrel/examples/minimal_host" -B "$work/host" -G Ninja \
