@@ -91,7 +91,7 @@ PyObject* fx_pyapp_RunScript(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_GetWorkingDirectory(PyObject* /*module*/, PyObject* /*args*/)
 {
-    return fx_app_text(g_pScriptPlugin->workingDirectory());
+    return fx_app_text(g_pScriptPlugin ? g_pScriptPlugin->workingDirectory() : QString());
 }
 
 PyObject* fx_pyapp_PlaySound(PyObject* /*module*/, PyObject* args)

@@ -141,6 +141,18 @@ TEST_F(ScriptFiles, TheWorkingDirectoryIsTheEnvironments)
     EXPECT_EQ(printed(), "'/some/f\\xf6lder'\n");
 }
 
+TEST_F(ScriptFiles, WithoutAnEnvironmentPathsStayAsTheyAreAndTheDirectoryIsUnknown)
+{
+    EXPECT_CLEAN_RUN("pass"); // starts the interpreter
+    EXPECT_EQ(host.plugin
+                  ->runScript(QStringLiteral("vantrel.play_sound('bell.wav')\n"
+                                             "assert vantrel.get_working_directory() == ''\n"),
+                              nullptr, QString(), nullptr, nullptr, nullptr)
+                  .toStdString(),
+              "");
+    EXPECT_EQ(host.delegate.calls, QStringList({QStringLiteral("playSound(bell.wav)")}));
+}
+
 TEST_F(ScriptFiles, ASoundIsPlayedFromItsResolvedPath)
 {
     onOtherThread([this] { EXPECT_CLEAN_RUN("print(vantrel.play_sound('bell.wav'))"); });
