@@ -96,11 +96,10 @@ std::unique_ptr<CxChainable> createStage(const QString& name)
 
 PyObject* fx_pyapp_AddChainObject(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     const char* name = nullptr;
     PyObject* config = nullptr;
-    if (!PyArg_ParseTuple(args, "s|O", &name, &config))
+    IxAppDelegate* delegate = fx_app_enter(args, "s|O", &name, &config);
+    if (!delegate)
         return nullptr;
 
     QDomDocument document;
@@ -114,9 +113,6 @@ PyObject* fx_pyapp_AddChainObject(PyObject* /*module*/, PyObject* args)
         PyErr_SetString(PyExc_Exception, "Cannot find chain object class");
         return nullptr;
     }
-    IxAppDelegate* delegate = fx_app_delegate();
-    if (!delegate)
-        return nullptr;
     CxMdiView* view = delegate->view(delegate->activeViewId());
     if (!view) {
         PyErr_SetString(PyExc_Exception, "No active view");

@@ -177,15 +177,11 @@ PyObject* fx_pyapp_GetViewImage(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_SetViewImage(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     PyObject* object = nullptr;
     int id = -1;
-    if (!PyArg_ParseTuple(args, "O|i", &object, &id))
-        return nullptr;
-    CxImageData* image = fx_pyimg_getImageObjectData(object);
-    IxAppDelegate* delegate = image ? fx_app_delegate() : nullptr;
-    if (!delegate)
+    IxAppDelegate* delegate = fx_app_enter(args, "O|i", &object, &id);
+    CxImageData* image = delegate ? fx_pyimg_getImageObjectData(object) : nullptr;
+    if (!image)
         return nullptr;
     id = fx_app_resolveViewId(*delegate, id);
     std::unique_ptr<CxImageData> copy = cloneImage(*image);
@@ -197,15 +193,11 @@ PyObject* fx_pyapp_SetViewImage(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_NewViewWithImage(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
-        return nullptr;
     PyObject* object = nullptr;
     const char* title = nullptr;
-    if (!PyArg_ParseTuple(args, "O|s", &object, &title))
-        return nullptr;
-    CxImageData* image = fx_pyimg_getImageObjectData(object);
-    IxAppDelegate* delegate = image ? fx_app_delegate() : nullptr;
-    if (!delegate)
+    IxAppDelegate* delegate = fx_app_enter(args, "O|s", &object, &title);
+    CxImageData* image = delegate ? fx_pyimg_getImageObjectData(object) : nullptr;
+    if (!image)
         return nullptr;
     const QString text = title && *title ? QString::fromUtf8(title) : QStringLiteral("Image from script");
     std::unique_ptr<CxImageData> copy = cloneImage(*image);
