@@ -72,7 +72,7 @@ def make_reference(chapters):
         "",
         "Unless an entry says otherwise, wrong arguments raise `TypeError`; a function that touches windows raises",
         "`Exception` when the script does not run on the GUI thread; a relative path starts at the working directory; a",
-        "view id of -1 stands for the active view. Arguments are given by position.",
+        "negative view id stands for the active view. Arguments are given by position.",
         "",
     ]
     for title, entries in chapters:
