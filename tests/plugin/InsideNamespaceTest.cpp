@@ -1,6 +1,7 @@
 // The plugin's helpers around __main__ and the method tables, called directly.
 
 #include "InsideTest.h"
+#include "PyRef.h"
 #include "support/LogCapture.h"
 
 #include <algorithm>
@@ -123,6 +124,18 @@ TEST_F(InsideNamespace, SourceTextThatRaisesIsPrintedAndItsNamesStay)
     fx_pyapp_RunPythonString("import sys\nsys.stderr.flush()");
     EXPECT_NE(testing::internal::GetCapturedStderr().find("ValueError: no\n"), std::string::npos);
     EXPECT_TRUE(has("made"));
+}
+
+TEST_F(InsideNamespace, EveryModuleMadeHasTypesOfItsOwn)
+{
+    const PyRef first = PyRef::take(py_app_moduleInit());
+    const PyRef second = PyRef::take(py_app_moduleInit());
+    ASSERT_TRUE(first && second);
+    for (const char* name : {"Camera", "Graph", "Image"}) {
+        const PyRef before = PyRef::take(PyObject_GetAttrString(first.get(), name));
+        const PyRef after = PyRef::take(PyObject_GetAttrString(second.get(), name));
+        EXPECT_TRUE(before && after && before.get() != after.get()) << name;
+    }
 }
 
 TEST_F(InsideNamespace, ImageThatCannotBePublishedIsLeftOut)

@@ -97,6 +97,14 @@ PyObject* PyImport_ImportModule(const char* name)
     return real<PyObject*(const char*)>("PyImport_ImportModule")(name);
 }
 
+PyObject* PyModule_Create2(PyModuleDef* definition, int version)
+{
+    // The interpreter's own modules are not of interest.
+    if (qstrcmp(definition->m_name, "vantrel") == 0)
+        note(QStringLiteral("PyModule_Create2(vantrel, %1)").arg(version));
+    return real<PyObject*(PyModuleDef*, int)>("PyModule_Create2")(definition, version);
+}
+
 PyObject* Py_CompileString(const char* text, const char* file, int start)
 {
     note(QStringLiteral("Py_CompileString(%1, %2, %3)")

@@ -8,43 +8,51 @@ namespace {
 
 struct Function {
     const char* name;
-    bool takesNothing;
+    int fewestArguments;
+    int mostArguments;
     bool guarded;
+
+    constexpr bool takesNothing() const { return mostArguments == 0; }
 };
+
+void PrintTo(const Function& function, std::ostream* out)
+{
+    *out << function.name;
+}
 
 // In the order of the module's table.
 constexpr Function functions[] = {
-    {"get_number_devices", true, false},
-    {"open_file", false, true},
-    {"save_to_file", false, true},
-    {"duplicate_view", false, true},
-    {"get_active_view_id", true, true},
-    {"activate_view", false, true},
-    {"close_view", false, true},
-    {"tile_views", true, true},
-    {"switch_full_screen", false, true},
-    {"add_chain_object", false, true},
-    {"wait_for_next_frame", false, true},
-    {"wait", false, true},
-    {"get_view_image", false, false},
-    {"set_view_image", false, true},
-    {"new_view_with_image", false, true},
-    {"record_video_to_file", false, true},
-    {"stop_video_recording", false, true},
-    {"message_box", false, true},
-    {"show_notification", false, true},
-    {"print_to_error_log", false, false},
-    {"ask_user_for_string", false, true},
-    {"add_menu_item", false, true},
-    {"run_script", false, false},
-    {"get_working_directory", true, false},
-    {"play_sound", false, false},
-    {"set_global_variable_img", false, false},
-    {"get_global_variable_img", false, false},
-    {"set_global_variable_int", false, false},
-    {"get_global_variable_int", false, false},
-    {"set_global_variable_string", false, false},
-    {"get_global_variable_string", false, false},
+    {"get_number_devices", 0, 0, false},
+    {"open_file", 1, 1, true},
+    {"save_to_file", 1, 1, true},
+    {"duplicate_view", 0, 1, true},
+    {"get_active_view_id", 0, 0, true},
+    {"activate_view", 0, 1, true},
+    {"close_view", 0, 1, true},
+    {"tile_views", 0, 0, true},
+    {"switch_full_screen", 1, 1, true},
+    {"add_chain_object", 1, 2, true},
+    {"wait_for_next_frame", 0, 2, true},
+    {"wait", 1, 1, true},
+    {"get_view_image", 0, 1, false},
+    {"set_view_image", 1, 2, true},
+    {"new_view_with_image", 1, 2, true},
+    {"record_video_to_file", 1, 2, true},
+    {"stop_video_recording", 0, 1, true},
+    {"message_box", 2, 5, true},
+    {"show_notification", 1, 1, true},
+    {"print_to_error_log", 1, 1, false},
+    {"ask_user_for_string", 2, 2, true},
+    {"add_menu_item", 2, 4, true},
+    {"run_script", 1, 1, false},
+    {"get_working_directory", 0, 0, false},
+    {"play_sound", 1, 1, false},
+    {"set_global_variable_img", 2, 2, false},
+    {"get_global_variable_img", 1, 1, false},
+    {"set_global_variable_int", 2, 2, false},
+    {"get_global_variable_int", 1, 1, false},
+    {"set_global_variable_string", 2, 2, false},
+    {"get_global_variable_string", 1, 1, false},
 };
 constexpr const char* types[] = {"Camera", "Graph", "Image"};
 
@@ -80,7 +88,7 @@ protected:
                               "except BaseException as error:\n"
                               "    print(type(error).__name__, error, sep=': ', end='')\n")
             .arg(QString::fromLatin1(function.name),
-                 function.takesNothing ? QString() : QStringLiteral("*[object()] * 9"));
+                 function.takesNothing() ? QString() : QStringLiteral("*[object()] * 9"));
     }
 
     OffTheGuiThread environment;
@@ -91,7 +99,7 @@ TEST_P(ModuleFunction, AnswersBeforeArgumentsAreLookedAt)
     const Function& function = GetParam();
     EXPECT_EQ(run(call()).toStdString(), "");
     if (!function.guarded) {
-        if (function.takesNothing)
+        if (function.takesNothing())
             EXPECT_EQ(host.printed().toStdString(), "");
         else
             EXPECT_TRUE(host.printed().startsWith(QStringLiteral("TypeError: "))) << host.printed().toStdString();
@@ -111,9 +119,31 @@ TEST_P(ModuleFunction, LetsTheGuiThreadPass)
     environment.answer = true;
     EXPECT_EQ(run(call()).toStdString(), "");
     EXPECT_FALSE(host.printed().contains(QStringLiteral("non-main thread"))) << host.printed().toStdString();
-    if (!GetParam().takesNothing) {
+    if (!GetParam().takesNothing()) {
         EXPECT_TRUE(host.printed().startsWith(QStringLiteral("TypeError: "))) << host.printed().toStdString();
     }
+}
+
+TEST_P(ModuleFunction, TakesNeitherFewerNorMoreArgumentsThanItKnows)
+{
+    environment.answer = true;
+    const Function& function = GetParam();
+    // A wrong number is told by the text of the error; arguments of a right number are of a wrong type.
+    EXPECT_EQ(run(QStringLiteral("right = []\n"
+                                 "for number in range(9):\n"
+                                 "    try: vantrel.%1(*[object()] * number)\n"
+                                 "    except TypeError as error:\n"
+                                 "        if str(error).endswith(' given)'): continue\n"
+                                 "    except BaseException: pass\n"
+                                 "    right.append(number)\n"
+                                 "print(*right)\n")
+                      .arg(QString::fromLatin1(function.name)))
+                  .toStdString(),
+              "");
+    QStringList right;
+    for (int number = function.fewestArguments; number <= function.mostArguments; ++number)
+        right.append(QString::number(number));
+    EXPECT_EQ(host.printed().trimmed().toStdString(), right.join(u' ').toStdString());
 }
 
 TEST_P(ModuleFunction, FunctionsTakeArgumentsByPositionOnly)

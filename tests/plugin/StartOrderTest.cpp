@@ -67,10 +67,11 @@ protected:
                 QStringLiteral("PyImport_ImportModule(emb)"),
                 QStringLiteral("Py_CompileString(import vantrel, <string>, 257)")};
     }
-    QStringList helpTexts() const
+    QStringList moduleMade() const
     {
         return {QStringLiteral("functionHelp"), QStringLiteral("methodHelp cameraObj"),
-                QStringLiteral("methodHelp graphObj"), QStringLiteral("methodHelp imgObj")};
+                QStringLiteral("methodHelp graphObj"), QStringLiteral("methodHelp imgObj"),
+                QStringLiteral("PyModule_Create2(vantrel, 3)")};
     }
     QStringList script(const char* text) const
     {
@@ -84,7 +85,7 @@ protected:
 TEST_F(StartOrder, IsFixed)
 {
     EXPECT_EQ(runNoted("pass").toStdString(), "");
-    EXPECT_EQ(InterpreterSpy::calls, start() + helpTexts() + script("pass"))
+    EXPECT_EQ(InterpreterSpy::calls, start() + moduleMade() + script("pass"))
         << InterpreterSpy::calls.join(u'\n').toStdString();
 }
 
