@@ -10,6 +10,26 @@ protected:
     std::uint8_t* pixels(int id) { return host.delegate.views[id]->image->picBuf()->data; }
 };
 
+/// Writes down how it is copied.
+class NotingImage : public CxImageData
+{
+public:
+    NotingImage()
+    {
+        SxPicBuf buffer;
+        CxPicBufAPI::AllocPicBufFromHeap(buffer, imageInfo(5, 3), false, 0);
+        setPicBuf(buffer);
+    }
+
+    QObject* clone(QObject* parent, QThread* thread) override
+    {
+        clones.append(parent || thread ? QStringLiteral("for somebody") : QStringLiteral("free"));
+        return CxImageData::clone(parent, thread);
+    }
+
+    static inline QStringList clones;
+};
+
 const char* const writeFirstPixel = "import ctypes\n"
                                     "ctypes.c_uint8.from_address(img.bp).value = 77\n";
 
@@ -92,6 +112,19 @@ TEST_F(ViewImages, ChangingTheImageFromGetViewImageDoesNotChangeTheViewUntilItIs
     EXPECT_CLEAN_RUN(QString(QStringLiteral("img = vantrel.get_view_image()\n") + QString::fromLatin1(writeFirstPixel) +
                              QStringLiteral("vantrel.set_view_image(img)\n")));
     EXPECT_EQ(pixels(id)[0], 77);
+}
+
+TEST_F(ViewImages, EveryCopyIsACloneThatBelongsToNobodyElse)
+{
+    host.delegate.addView(std::make_unique<NotingImage>());
+    NotingImage image;
+    publish("img", image);
+    NotingImage::clones.clear();
+    EXPECT_CLEAN_RUN("vantrel.get_view_image()");
+    EXPECT_EQ(NotingImage::clones, QStringList({QStringLiteral("free")}));
+    EXPECT_CLEAN_RUN("vantrel.set_view_image(img)\nvantrel.new_view_with_image(img)");
+    EXPECT_EQ(NotingImage::clones,
+              QStringList({QStringLiteral("free"), QStringLiteral("free"), QStringLiteral("free")}));
 }
 
 // ---- set_view_image ----

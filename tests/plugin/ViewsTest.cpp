@@ -253,6 +253,24 @@ TEST_F(Views, StopVideoRecordingReturnsNoneWhenNoViewIsFound)
     EXPECT_EQ(value("vantrel.stop_video_recording(987654)"), "None");
 }
 
+TEST_F(Views, EveryNegativeIdentifierStandsForTheActiveView)
+{
+    const std::string active = std::to_string(host.delegate.addView(makeTestImage(4, 3)));
+    struct Call {
+        const char* text;
+        std::string lookup;
+    };
+    for (const Call& call :
+         {Call{"wait_for_next_frame(0, -7)", "view(" + active + ")"},
+          Call{"record_video_to_file('/film.avi', -7)", "view(" + active + ")"},
+          Call{"stop_video_recording(-7)", "view(" + active + ")"},
+          Call{"get_view_image(-7)", "viewImage(" + active + ")"}, Call{"close_view(-7)", "view(" + active + ")"}}) {
+        host.delegate.lookups.clear();
+        value(std::string("vantrel.") + call.text);
+        EXPECT_EQ(host.delegate.lookups.join(u' ').toStdString(), "activeViewId() " + call.lookup) << call.text;
+    }
+}
+
 TEST_F(Views, IdentifiersAreWholeNumbersOf32Bits)
 {
     host.delegate.addView(makeTestImage(4, 3));
