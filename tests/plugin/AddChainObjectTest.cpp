@@ -20,7 +20,6 @@ protected:
                                  [] { return new WitnessStage; });
         WitnessStage::alive = 0;
         WitnessStage::throws = false;
-        WitnessStage::watched = &chain;
         WitnessStage::steps.clear();
         viewObject = new WitnessStage;
         CxChainManager::instance()->insertBefore(&chain, viewObject, nullptr);
@@ -59,6 +58,7 @@ TEST_F(AddChainObject, InsertsAnEnabledStageBeforeTheViewsObject)
     EXPECT_EQ(chain.objects().last(), viewObject);
     EXPECT_TRUE(chain.objects().first()->isEnabled()); // it was not when it was made
     EXPECT_EQ(WitnessStage::elementName, QStringLiteral("conf"));
+    EXPECT_TRUE(WitnessStage::elementIsRoot);
     EXPECT_TRUE(WitnessStage::attributes.isEmpty());
 
     EXPECT_EQ(call("'Gain', {}"), "None");
@@ -73,11 +73,44 @@ TEST_F(AddChainObject, FindsTheNameInAnyLetterCase)
     EXPECT_EQ(chain.objects().size(), 3);
 }
 
-TEST_F(AddChainObject, StopsARunningChainMeanwhile)
+TEST_F(AddChainObject, TakesTheFirstClassOfANameAndNoOther)
 {
+    registry().registerClass(WitnessStage::staticMetaObject, QStringLiteral("GAIN"), [] { return new WitnessStage; });
+    EXPECT_EQ(call("'Gain'"), "None");
+    EXPECT_STREQ(chain.objects().first()->metaObject()->className(), "GainStage");
+
+    registry().registerClass(WitnessStage::staticMetaObject, QStringLiteral("Twice"),
+                             []() -> QObject* { return nullptr; });
+    registry().registerClass(SecondStage::staticMetaObject, QStringLiteral("Twice"), [] { return new SecondStage; });
+    EXPECT_EQ(call("'Twice'"), "Exception Cannot find chain object class");
+    registry().unregisterClass(SecondStage::staticMetaObject);
+}
+
+TEST_F(AddChainObject, PassesOverClassesThatAreNoStagesAndThoseThatCannotBeMade)
+{
+    registry().registerClass(NoStage::staticMetaObject, QStringLiteral("Wanted"), [] { return new NoStage; });
+    registry().registerClass(WitnessStage::staticMetaObject, QStringLiteral("Wanted"), {});
+    EXPECT_EQ(call("'Wanted'"), "Exception Cannot find chain object class");
+    registry().registerClass(SecondStage::staticMetaObject, QStringLiteral("Wanted"), [] { return new SecondStage; });
+    EXPECT_EQ(call("'Wanted'"), "None");
+    EXPECT_STREQ(chain.objects().first()->metaObject()->className(), "SecondStage");
+    registry().unregisterClass(SecondStage::staticMetaObject);
+    registry().unregisterClass(NoStage::staticMetaObject);
+}
+
+TEST_F(AddChainObject, StopsARunningChainWhileTheStageIsConfiguredSwitchedOnAndInserted)
+{
+    QObject::connect(&chain, &CxChain::changed, &chain, [this] {
+        WitnessStage::steps.append(QStringLiteral("chain of %1 %2")
+                                       .arg(chain.objects().size())
+                                       .arg(chain.stopped() ? u"stopped" : u"running"));
+    });
     EXPECT_EQ(call("'The Witness'"), "None");
-    EXPECT_EQ(WitnessStage::steps, QStringList({QStringLiteral("readConfig, chain stopped")}));
-    EXPECT_FALSE(chain.stopped());
+    EXPECT_EQ(WitnessStage::steps.join(u'\n').toStdString(), "chain of 1 stopped\n"
+                                                             "configured, off, outside\n"
+                                                             "switched on\n"
+                                                             "chain of 2 stopped\n"
+                                                             "chain of 2 running");
 }
 
 TEST_F(AddChainObject, LeavesAStoppedChainStopped)
@@ -121,6 +154,8 @@ INSTANTIATE_TEST_SUITE_P(
               "a=7|b=-2147483648|c=2147483647"},
         Entry{"SubclassesOfFloatAndStr", "{'a': type('F', (float,), {})(1.25), 'b': type('S', (str,), {})('s')}",
               "a=1.25|b=s"},
+        Entry{"TheLaterOfTwoKeysWithOneText",
+              "{'a': 1, type('S', (str,), {'__hash__': lambda s: 1, '__eq__': lambda s, o: s is o})('a'): 2}", "a=2"},
         Entry{"SubclassOfDict", "__import__('collections').OrderedDict(a=1)", "a=1"},
         Entry{"OtherValues",
               "{'a': None, 'b': b'x', 'c': (1,), 'd': {}, 'e': 1j, 'f': object(), 'g': vantrel.Image(), 'h': 1}",

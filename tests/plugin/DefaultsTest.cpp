@@ -131,7 +131,6 @@ protected:
     {
         const Function& function = GetParam();
         CxChain chain;
-        WitnessStage::watched = &chain;
         WitnessStage::attributes.clear();
         host.delegate.views.clear();
         menu.clear();

@@ -97,7 +97,6 @@ protected:
     {
         QString result;
         CxChain chain;
-        WitnessStage::watched = &chain;
         auto* object = new WitnessStage;
         CxChainManager::instance()->insertBefore(&chain, object, nullptr);
         host.delegate.views.begin()->second->chain = object;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "CxChain.h"
 #include "CxChainable.h"
 
 #include <QtCore/QList>
@@ -17,13 +16,16 @@ public:
     {
         ++alive;
         setEnabled(false);
+        connect(this, &CxChainable::changed, this, [] { steps.append(QStringLiteral("switched on")); });
     }
     ~WitnessStage() override { --alive; }
 
     void readConfig(QDomElement conf) override
     {
-        steps.append(QStringLiteral("readConfig, chain %1").arg(watched->stopped() ? u"stopped" : u"running"));
+        steps.append(
+            QStringLiteral("configured, %1, %2").arg(isEnabled() ? u"on" : u"off", chain() ? u"inside" : u"outside"));
         elementName = conf.tagName();
+        elementIsRoot = !conf.isNull() && conf == conf.ownerDocument().documentElement();
         attributes.clear();
         for (int i = 0; i < conf.attributes().count(); ++i) {
             const QDomNode attribute = conf.attributes().item(i);
@@ -38,10 +40,16 @@ public:
 
     static inline int alive = 0;
     static inline bool throws = false;
-    static inline CxChain* watched = nullptr; ///< the chain whose state is told
-    static inline QStringList steps;
+    static inline QStringList steps; ///< what was done to any of them
     static inline QString elementName;
-    static inline QStringList attributes; ///< "name=value", sorted
+    static inline bool elementIsRoot = false; ///< the document's one element
+    static inline QStringList attributes;     ///< "name=value", sorted
+};
+
+/// A stage of another class.
+class SecondStage : public WitnessStage
+{
+    Q_OBJECT
 };
 
 /// An object that a careless host registers as a chain object.
