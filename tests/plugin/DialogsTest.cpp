@@ -185,7 +185,9 @@ TEST_F(Dialogs, TheTextTypedIsTheAnswer)
         EXPECT_EQ(input->textEchoMode(), QLineEdit::Normal);
         EXPECT_EQ(input->textValue(), QString());
         EXPECT_EQ(dialog.parentWidget(), window.get());
+        EXPECT_EQ(dialog.windowFlags(), QInputDialog(window.get()).windowFlags());
         auto* edit = dialog.findChild<QLineEdit*>();
+        EXPECT_EQ(edit->inputMethodHints(), Qt::ImhNone);
         QTest::keyClicks(edit, QStringLiteral("blue 7"));
         QTest::keyClick(edit, Qt::Key_Return);
     });

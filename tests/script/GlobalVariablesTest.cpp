@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -50,6 +51,36 @@ void onThreads(int count, Function function)
         thread.join();
 }
 
+/// A thread that sets an integer.
+class Writer
+{
+public:
+    explicit Writer(const QString& name)
+        : m_thread([this, name] {
+            m_begun = true;
+            fx_vars_setInt(name, 1);
+            m_done = true;
+        })
+    {
+    }
+    ~Writer() { m_thread.join(); }
+    Q_DISABLE_COPY_MOVE(Writer)
+
+    /// Looks after a time that suffices for setting it.
+    bool isHeldBack() const
+    {
+        while (!m_begun)
+            std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        return !m_done;
+    }
+
+private:
+    std::atomic<bool> m_begun = false;
+    std::atomic<bool> m_done = false;
+    std::thread m_thread;
+};
+
 TEST(GlobalVariableStore, StandsTwoThreadsThatHammerAllSixFunctions)
 {
     constexpr int rounds = 2000;
@@ -80,6 +111,25 @@ TEST(GlobalVariableStore, StandsTwoThreadsThatHammerAllSixFunctions)
     for (const QString& name : {QStringLiteral("shared"), QStringLiteral("own 0"), QStringLiteral("own 1")})
         fx_vars_setImage(name, nullptr);
     EXPECT_EQ(CxImageData::liveCount(), before);
+}
+
+TEST(GlobalVariableStore, HoldsEveryWriterBackWhileAReaderUsesAValue)
+{
+    const QString name = QStringLiteral("locked");
+    fx_vars_setImage(name, makeImage(1).get());
+    // An integer, whatever the reader reads: the lock is one for all.
+    std::unique_ptr<Writer> writer;
+    const auto startWriter = [&] {
+        writer = std::make_unique<Writer>(name);
+        EXPECT_TRUE(writer->isHeldBack());
+    };
+    fx_vars_readImage(name, [&](CxImageData*) { startWriter(); });
+    writer.reset();
+    fx_vars_readInt(name, [&](int) { startWriter(); });
+    writer.reset();
+    fx_vars_readString(name, [&](const QString&) { startWriter(); });
+    writer.reset();
+    fx_vars_setImage(name, nullptr);
 }
 
 TEST(GlobalVariableStore, GivesBackTheVeryImageThatIsSetAgain)
