@@ -3,6 +3,9 @@
 #include "PythonApi.h"
 
 class CxCameraParameters;
+class CxValue;
+class QString;
+struct SxCameraInfo;
 
 // The type vantrel.Camera, as its own parts see it.
 
@@ -30,14 +33,37 @@ inline bool fx_cam_isCamera(PyObject* object)
 /// none and for a camera that is gone. Asked of the host anew at each call, and valid until other host code runs.
 CxCameraParameters* fx_cam_parameters(PyObject* self);
 
-// ---- dynamic access to parameters: CameraParameters.cpp ----
+// ---- attributes that stand for parameters: CameraAttributes.cpp ----
 
 /// Prepares what the look-up keeps; false with an error set when there is no memory for it.
 bool fx_cam_prepareAttributes();
 
 PyObject* fx_pycam_GetAttrO(PyObject* self, PyObject* name);
+
+/// What the look-up binds: to names with set_, to those with enable_ and disable_, to those with get_ and is_.
+extern PyMethodDef px_cam_param_setter;
+extern PyMethodDef px_cam_param_setter_bool;
+extern PyMethodDef px_cam_param_getter;
+
+// ---- reading and writing parameters: CameraParameters.cpp ----
+
+/// Writes a parameter. The status as a Python int; null with an error set for a value of a wrong type, and without one
+/// when there is no camera.
+PyObject* fx_pycam_set_parameter_helper(PyObject* self, const QString& name, PyObject* value);
+
+/// Reads a parameter, or with a suffix one of its limits. Null with an error set when the camera does not have it, and
+/// without one when there is no camera.
+PyObject* fx_pycam_get_parameter_helper(PyObject* self, const QString& name);
+
 PyObject* fx_pycam_SetParam(PyObject* self, PyObject* args);
 PyObject* fx_pycam_GetParam(PyObject* self, PyObject* args);
+
+/// A piece of a camera's description by its key, device_sn and so on: texts, and the model id as an integer. False
+/// (value unchanged) for any other key.
+bool fx_cam_describe(const SxCameraInfo& info, const QString& key, CxValue& value);
+
+/// The text of a str; empty, with no error left, for one without a UTF-8 form and for other objects.
+QString fx_cam_text(PyObject* object);
 
 // ---- region of interest, settings files, restart, capture: CameraSetup.cpp ----
 

@@ -15,12 +15,6 @@
 
 PyTypeObject* TxPyCameraType = nullptr;
 
-static PyObject* toPython(const QString& text)
-{
-    const QByteArray utf8 = text.toUtf8();
-    return PyUnicode_FromStringAndSize(utf8.constData(), utf8.size());
-}
-
 CxCameraParameters* fx_cam_parameters(PyObject* self)
 {
     return self ? CxCameraManager::instance()->cameraParameters(fx_cam_record(self).cameraHandle) : nullptr;
@@ -45,9 +39,9 @@ static PyObject* fx_pycam_ToString(PyObject* self)
 {
     const CxCameraParameters* parameters = fx_cam_parameters(self);
     if (!parameters)
-        return toPython(QStringLiteral("camera(disconnected)"));
+        return fx_app_text(QStringLiteral("camera(disconnected)"));
     const SxCameraInfo& info = parameters->cameraInfo();
-    return toPython(QStringLiteral("camera(%1, sn: %2)").arg(info.deviceName, info.serialNumber));
+    return fx_app_text(QStringLiteral("camera(%1, sn: %2)").arg(info.deviceName, info.serialNumber));
 }
 
 // ---- attaching and detaching ----
@@ -128,21 +122,9 @@ static PyObject* fx_pycam_GetDeviceInfoString(PyObject* self, PyObject* args)
     const CxCameraParameters* parameters = fx_cam_parameters(self);
     if (!parameters)
         return nullptr;
-    const SxCameraInfo& info = parameters->cameraInfo();
-    const QString key = QString::fromUtf8(utf8);
-    if (key == QLatin1String("device_sn"))
-        return toPython(info.serialNumber);
-    if (key == QLatin1String("device_inst_path"))
-        return toPython(info.instancePath);
-    if (key == QLatin1String("device_type"))
-        return toPython(info.deviceType);
-    if (key == QLatin1String("device_name"))
-        return toPython(info.deviceName);
-    if (key == QLatin1String("device_user_id"))
-        return toPython(info.userId);
-    if (key == QLatin1String("device_model_id"))
-        return toPython(QString::number(info.modelId));
-    return toPython(QString());
+    CxValue value;
+    fx_cam_describe(parameters->cameraInfo(), QString::fromUtf8(utf8), value);
+    return fx_app_text(value.toString()); // empty for an unknown key
 }
 
 // ---- acquisition ----
