@@ -48,7 +48,8 @@ extern PyMethodDef px_cam_param_getter;
 // ---- reading and writing parameters: CameraParameters.cpp ----
 
 /// Writes a parameter. The status as a Python int; null with an error set for a value of a wrong type, and without one
-/// when there is no camera.
+/// when there is no camera. For an integer that does not fit a long the status comes together with a pending
+/// OverflowError.
 PyObject* fx_pycam_set_parameter_helper(PyObject* self, const QString& name, PyObject* value);
 
 /// Reads a parameter, or with a suffix one of its limits. Null with an error set when the camera does not have it, and

@@ -36,10 +36,9 @@ bool fromPython(PyObject* object, CxValue& value)
     const unsigned long flags = PyType_GetFlags(type);
     // First, so that True and False arrive as 1 and 0, as scripts have always had them.
     if (flags & Py_TPFLAGS_LONG_SUBCLASS) {
-        const long number = PyLong_AsLong(object);
-        if (number == -1 && PyErr_Occurred())
-            return false;
-        value = CxValue::fromInt(qint32(number)); // the low 32 bits
+        // The low 32 bits, unchecked. What does not even fit a long is -1, with an error that stays pending: the write
+        // is made, and the script then learns of the error.
+        value = CxValue::fromInt(qint32(PyLong_AsLong(object)));
     } else if (type == &PyBool_Type) {
         value = CxValue::fromBool(object == Py_True);
     } else if (type == &PyFloat_Type || PyType_IsSubtype(type, &PyFloat_Type)) {
