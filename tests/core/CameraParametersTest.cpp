@@ -95,6 +95,8 @@ TEST_F(CameraParameters, UnknownNamesAreMinusOne)
     EXPECT_EQ(set("", CxValue::fromInt(1)), -1);
     EXPECT_EQ(set("EXPOSURE", CxValue::fromInt(100)), -1);
     EXPECT_EQ(set("nothing:min", CxValue::fromInt(1)), -1);
+    EXPECT_EQ(set("exposure:abc", CxValue::fromInt(1)), -1);
+    EXPECT_EQ(set("exposure:min:max", CxValue::fromInt(1)), -1);
     EXPECT_TRUE(device.written.isEmpty());
 }
 

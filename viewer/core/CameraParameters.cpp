@@ -37,6 +37,15 @@ bool isDescription(const QString& name)
     return std::find(keys.begin(), keys.end(), name) != keys.end();
 }
 
+/// The name without the suffix of a limit; the whole name when it has none.
+QString withoutSuffix(const QString& name)
+{
+    for (const char* suffix : {":min", ":max", ":inc", ":info"})
+        if (name.endsWith(QLatin1String(suffix)))
+            return name.left(name.lastIndexOf(u':'));
+    return name;
+}
+
 /// Brings a value within the parameter's limits; true when it was outside.
 bool clip(CxValue& value, const CxCameraParam& param)
 {
@@ -117,7 +126,7 @@ bool CxCameraParameters::setParamDirect(const QString& name, const CxValue& valu
     CxCameraParam* param = findParam(name, false);
     if (!param) {
         // What can be read in another way is known, and cannot be written.
-        const QString base = name.section(u':', 0, 0);
+        const QString base = withoutSuffix(name);
         CxValue ignored;
         const bool known = findParam(base, false) || isDescription(base) || getParamDirect(base, ignored, nullptr);
         store(status, known ? ReadOnly : Unknown);
