@@ -44,12 +44,19 @@ TEST_F(CameraObject, InitialisingAgainDetaches)
     EXPECT_EQ(value("(cam.__init__(), str(cam))"), "(None, 'camera(disconnected)')");
 }
 
-TEST_F(CameraObject, HasSixteenMethodsAndTheNumberOfDevices)
+TEST_F(CameraObject, HasSixteenMethodsInTheirOrder)
 {
-    EXPECT_EQ(value("' '.join(sorted(n for n in dir(vantrel.Camera) if not n.startswith('_')))"),
-              "'ask_user_capture_image close_device get_device_info_string get_param get_roi load_settings_from_file "
-              "open_device open_device_by_SN open_device_by_path open_device_by_user_id restart_with_default_settings "
-              "save_settings_to_file set_param set_roi start_acquisition stop_acquisition'");
+    EXPECT_EQ(value("' '.join(n for n in vars(vantrel.Camera) if not n.startswith('_'))"),
+              "'open_device open_device_by_user_id open_device_by_SN open_device_by_path close_device "
+              "get_device_info_string set_param get_param set_roi get_roi start_acquisition stop_acquisition "
+              "save_settings_to_file load_settings_from_file ask_user_capture_image restart_with_default_settings'");
+}
+
+TEST_F(CameraObject, IsAHandleAndNothingElse)
+{
+    EXPECT_EQ(value("vantrel.Camera"), "<class 'vantrel.Camera'>");
+    EXPECT_EQ(value("(vantrel.Camera.__basicsize__ - object.__basicsize__, vantrel.Camera.__itemsize__)"), "(8, 0)");
+    EXPECT_EQ(value("setattr(cam, 'note', 1)").substr(0, 15), "AttributeError:");
 }
 
 TEST_F(CameraObject, TakesItsHelpFromTheEnvironment)
@@ -89,6 +96,7 @@ TEST_F(CameraObject, WrongArgumentsAreTypeErrors)
     for (const char* call : {"cam.open_device('a')",
                              "cam.open_device(1.5)",
                              "cam.open_device(0, 1)",
+                             "cam.open_device(index=0)",
                              "cam.open_device_by_SN()",
                              "cam.open_device_by_SN(5)",
                              "cam.open_device_by_user_id(None)",
@@ -117,6 +125,19 @@ TEST_F(CameraObject, OpensByTextWhateverTheLetterCase)
     EXPECT_EQ(value("(loose.open_device_by_SN('fake01'), str(loose))"), "(None, 'camera(Fake, sn: FAKE01)')");
     EXPECT_EQ(value("(loose.open_device_by_user_id('BENCH'), str(loose))"), "(None, 'camera(Fake, sn: FAKE01)')");
     EXPECT_EQ(value("(loose.open_device_by_path('Fake://0'), str(loose))"), "(None, 'camera(Fake, sn: FAKE01)')");
+}
+
+TEST_F(CameraObject, TextsBeyondAsciiAreFoundAndTold)
+{
+    SxCameraInfo info;
+    info.userId = QStringLiteral("Küche Ж");
+    info.deviceName = QStringLiteral("眼");
+    info.modelId = -5;
+    CxCameraParameters odd(info, {4, 4}, nullptr);
+    add(&odd);
+    EXPECT_EQ(value("(loose.open_device_by_user_id('KÜCHE ж'), loose.get_device_info_string('device_user_id'), "
+                    "loose.get_device_info_string('device_name'), loose.get_device_info_string('device_model_id'))"),
+              "(None, 'Küche Ж', '眼', '-5')");
 }
 
 TEST_F(CameraObject, EachTextMethodLooksAtItsOwnField)

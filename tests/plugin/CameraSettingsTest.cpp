@@ -43,6 +43,15 @@ TEST_F(CameraAsAWhole, TheRegionComesBackAsItWasSet)
     EXPECT_EQ(value("(cam.set_roi(5, 6, 1, 1), cam.get_roi())"), "(None, (5, 6, 1, 1))");
 }
 
+TEST_F(CameraAsAWhole, ARegionReachesTheCameraAndUserInterfaces)
+{
+    int told = 0;
+    QObject::connect(parameters.get(), &CxCameraParameters::regionChanged, [&told] { ++told; });
+    value("cam.set_roi(16, 8, 320, 240)");
+    EXPECT_EQ(device.regions, QList<QRect>{QRect(16, 8, 320, 240)});
+    EXPECT_EQ(told, 1);
+}
+
 TEST_F(CameraAsAWhole, ARegionOutsideTheSensorNegativeOrZero)
 {
     EXPECT_EQ(value("(cam.set_roi(600, 400, 640, 480), cam.get_roi())"), "(None, (600, 400, 40, 80))");
@@ -71,6 +80,21 @@ TEST_F(CameraAsAWhole, SettingsGoToAFileAndComeBack)
                     "cam.get_exposure(), cam.get_gain())"),
               "(0, 0, None, 777, 1.5)");
     EXPECT_EQ(host.environment.resolved, (QStringList{QStringLiteral("camera.json"), QStringLiteral("camera.json")}));
+}
+
+TEST_F(CameraAsAWhole, SettingsOfEveryVisibilityAreKeptAndGivenToTheCamera)
+{
+    const QTemporaryDir folder;
+    host.environment.directory = folder.path();
+    CxCameraParam* hidden = parameters->addParam(QStringLiteral("hidden"), CxValue::fromInt(1));
+    hidden->visibility = CxCameraParam::All;
+    hidden->setParamValue(CxValue::fromInt(2));
+    value("cam.save_settings_to_file('camera.json')");
+    hidden->setParamValue(CxValue::fromInt(3));
+    device.written.clear();
+    value("cam.load_settings_from_file('camera.json')");
+    EXPECT_EQ(stored("hidden"), CxValue::fromInt(2));
+    EXPECT_TRUE(device.written.contains({QStringLiteral("hidden"), CxValue::fromInt(2)}));
 }
 
 TEST_F(CameraAsAWhole, FilesThatCannotBeWrittenOrReadAreNotReported)
@@ -206,6 +230,21 @@ TEST_F(CameraAsAWhole, AnExistingPresetIsOverwritten)
     value("cam.set_exposure(5000)");
     EXPECT_EQ(activate("('bright',)"), "None");
     EXPECT_EQ(stored("exposure"), CxValue::fromInt(90));
+}
+
+TEST_F(CameraAsAWhole, OfTwoPresetsWithTheSameNameTheFirstIsUsed)
+{
+    for (const int exposure : {70, 80}) {
+        CxShadingPreset preset;
+        preset.name = QStringLiteral("bright");
+        preset.values = {{QStringLiteral("exposure"), CxValue::fromInt(exposure)}};
+        parameters->shadingPresets.append(preset);
+    }
+    EXPECT_EQ(activate("('bright',)"), "None");
+    EXPECT_EQ(stored("exposure"), CxValue::fromInt(70));
+    EXPECT_EQ(create("('bright', 'flat.tif')"), "None");
+    EXPECT_EQ(parameters->shadingPresets[0].reference, QStringLiteral("flat.tif"));
+    EXPECT_TRUE(parameters->shadingPresets[1].reference.isEmpty());
 }
 
 TEST_F(CameraAsAWhole, AnUnknownOrEmptyPresetNameChangesNothing)

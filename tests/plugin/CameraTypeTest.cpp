@@ -1,5 +1,7 @@
-// The registration of vantrel.Camera when the interpreter cannot make the type.
+// The registration of vantrel.Camera, also when the interpreter cannot make the type.
 
+#include "CameraObject.h"
+#include "PyRef.h"
 #include "ScriptModule.h"
 #include "support/TestSettings.h"
 
@@ -18,7 +20,10 @@ extern "C" PyObject* PyType_FromSpec(PyType_Spec* spec)
 {
     using Function = PyObject* (*)(PyType_Spec*);
     static const auto real = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "PyType_FromSpec"));
-    return typesFail ? nullptr : real(spec);
+    if (!typesFail)
+        return real(spec);
+    PyErr_SetString(PyExc_MemoryError, "no type");
+    return nullptr;
 }
 
 namespace {
@@ -43,7 +48,30 @@ TEST(CameraType, IsNotAddedAndLogsOneLineWhenItCannotBeMade)
     EXPECT_TRUE(logged.first().contains(QStringLiteral("FuncCamera.cpp"))) << line;
     EXPECT_TRUE(logged.first().contains(QStringLiteral("fx_pycams_TypeReady(): Failed to register vantrel.CameraType")))
         << line;
+    EXPECT_EQ(TxPyCameraType, nullptr);
+    EXPECT_TRUE(PyErr_ExceptionMatches(PyExc_MemoryError)) << "left to whoever made the module";
     EXPECT_EQ(fx_pycams_TypeAdd(nullptr), 0);
+    PyErr_Clear();
+    Py_FinalizeEx();
+}
+
+TEST(CameraType, IsAddedAsCameraAndKeptByNobodyWhenAddingFails)
+{
+    qputenv("PYTHONHOME", TestSettings::pythonHome.toUtf8());
+    Py_InitializeEx(0);
+    fx_pycams_TypeReady();
+    PyObject* type = reinterpret_cast<PyObject*>(TxPyCameraType);
+    ASSERT_NE(type, nullptr);
+    const Py_ssize_t before = Py_REFCNT(type);
+    EXPECT_EQ(fx_pycams_TypeAdd(Py_None), 0);
+    PyErr_Clear();
+    EXPECT_EQ(Py_REFCNT(type), before);
+    {
+        const PyRef module = PyRef::take(PyModule_New("made"));
+        EXPECT_EQ(fx_pycams_TypeAdd(module.get()), 1);
+        EXPECT_EQ(Py_REFCNT(type), before + 1);
+        EXPECT_EQ(PyRef::take(PyObject_GetAttrString(module.get(), "Camera")).get(), type);
+    }
     Py_FinalizeEx();
 }
 
