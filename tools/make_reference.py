@@ -140,9 +140,9 @@ def make_stubs(chapters):
                 parts += [
                     f"    def get_{name}(self) -> Optional[ParamValue]: ...",
                     f"    def is_{name}(self) -> Optional[ParamValue]: ...",
-                    f"    def set_{name}(self, value: ParamValue, /) -> int: ...",
-                    f"    def enable_{name}(self) -> int: ...",
-                    f"    def disable_{name}(self) -> int: ...",
+                    f"    def set_{name}(self, value: ParamValue, /) -> Optional[int]: ...",
+                    f"    def enable_{name}(self) -> Optional[int]: ...",
+                    f"    def disable_{name}(self) -> Optional[int]: ...",
                 ]
                 parts += [f"    def get_{name}_{word}(self) -> Optional[ParamValue]: ..."
                           for word in ("minimum", "maximum", "increment")]
