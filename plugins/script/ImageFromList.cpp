@@ -22,21 +22,19 @@ struct ListShape {
 // False with an error set.
 bool describe(PyObject* list, ListShape& shape);
 
-enum class Stored { Yes, OtherType, Failed };
-
-// The two kinds of element. Failed comes with an error set.
+// The two kinds of element. An item of another type is not stored: false.
 struct Integers {
     using Value = std::uint16_t;
-    static Stored store(PyObject* item, Value& value);
+    static bool store(PyObject* item, Value& value);
 };
 struct Floats {
     using Value = float;
-    static Stored store(PyObject* item, Value& value);
+    static bool store(PyObject* item, Value& value);
 };
 
-// False with an error set. Places for which the list has no value become 0.
+// Places for which the list has no value become 0.
 template<typename Elements>
-bool fill(SxPicBuf& buffer, PyObject* list, int dimensions);
+void fill(SxPicBuf& buffer, PyObject* list, int dimensions);
 
 } // namespace
 
@@ -59,9 +57,11 @@ PyObject* fx_pyimages_CreateFromList(TxPyImage& object, PyObject* list)
                 .arg(buffer.bpc));
         return fx_img_raise("Cannot allocate image");
     }
-    const bool done = shape.ofIntegers ? fill<Integers>(buffer, list, shape.dimensions)
-                                       : fill<Floats>(buffer, list, shape.dimensions);
-    return done ? fx_img_installNarrowed(object, filled) : nullptr;
+    if (shape.ofIntegers)
+        fill<Integers>(buffer, list, shape.dimensions);
+    else
+        fill<Floats>(buffer, list, shape.dimensions);
+    return fx_img_installNarrowed(object, filled);
 }
 
 namespace {
@@ -110,33 +110,24 @@ bool describe(PyObject* list, ListShape& shape)
     return true;
 }
 
-// Cut to 16 bits. What does not even fit 64 bits is an error.
-Stored Integers::store(PyObject* item, Value& value)
+// Cut to the low 16 bits, however large the integer is.
+bool Integers::store(PyObject* item, Value& value)
 {
     if (!isInteger(item))
-        return Stored::OtherType;
-    int overflow = 0;
-    const long long number = PyLong_AsLongLongAndOverflow(item, &overflow);
-    if (overflow == 0) {
-        value = Value(number);
-        return Stored::Yes;
-    }
-    const unsigned long long wide = PyLong_AsUnsignedLongLong(item);
-    if (PyErr_Occurred())
-        return Stored::Failed;
-    value = Value(wide);
-    return Stored::Yes;
+        return false;
+    value = Value(PyLong_AsUnsignedLongLongMask(item));
+    return true;
 }
 
-Stored Floats::store(PyObject* item, Value& value)
+bool Floats::store(PyObject* item, Value& value)
 {
     if (!isFloat(item))
-        return Stored::OtherType;
+        return false;
     value = float(PyFloat_AsDouble(item));
-    return Stored::Yes;
+    return true;
 }
 
-// These return the end of what they wrote, null with an error set.
+// These return the end of what they wrote.
 
 // An element of another type is left out and the next one takes its place.
 template<typename Elements>
@@ -144,10 +135,7 @@ typename Elements::Value* fillRow(typename Elements::Value* to, PyObject* row, P
 {
     const Py_ssize_t count = std::min(PyList_Size(row), width);
     for (Py_ssize_t x = 0; x < count; ++x) {
-        const Stored stored = Elements::store(PyList_GetItem(row, x), *to);
-        if (stored == Stored::Failed)
-            return nullptr;
-        if (stored == Stored::Yes)
+        if (Elements::store(PyList_GetItem(row, x), *to))
             ++to;
     }
     return to;
@@ -159,10 +147,8 @@ typename Elements::Value* fillPixel(typename Elements::Value* to, PyObject* pixe
 {
     const Py_ssize_t count = std::min(PyList_Size(pixel), channels);
     std::fill_n(to, channels, typename Elements::Value());
-    for (Py_ssize_t c = 0; c < count; ++c) {
-        if (Elements::store(PyList_GetItem(pixel, c), to[c]) == Stored::Failed)
-            return nullptr;
-    }
+    for (Py_ssize_t c = 0; c < count; ++c)
+        Elements::store(PyList_GetItem(pixel, c), to[c]);
     return to + channels;
 }
 
@@ -175,17 +161,14 @@ typename Elements::Value* fillRowOfPixels(typename Elements::Value* to, PyObject
     const auto* const end = to + width * channels;
     for (Py_ssize_t x = 0; x < count && to != end; ++x) {
         PyObject* pixel = PyList_GetItem(row, x);
-        if (!PyList_Check(pixel))
-            continue;
-        to = fillPixel<Elements>(to, pixel, channels);
-        if (!to)
-            return nullptr;
+        if (PyList_Check(pixel))
+            to = fillPixel<Elements>(to, pixel, channels);
     }
     return to;
 }
 
 template<typename Elements>
-bool fill(SxPicBuf& buffer, PyObject* list, int dimensions)
+void fill(SxPicBuf& buffer, PyObject* list, int dimensions)
 {
     using Value = typename Elements::Value;
     const auto width = Py_ssize_t(buffer.width);
@@ -195,18 +178,14 @@ bool fill(SxPicBuf& buffer, PyObject* list, int dimensions)
         auto* const start = reinterpret_cast<Value*>(buffer.row(y));
         Value* written = start;
         if (dimensions == 1) {
-            const Stored stored = Elements::store(row, *start);
-            written = stored == Stored::Failed ? nullptr : start + (stored == Stored::Yes);
+            written += Elements::store(row, *start);
         } else if (PyList_Check(row)) {
             written = dimensions == 2 ? fillRow<Elements>(start, row, width)
                                       : fillRowOfPixels<Elements>(start, row, width, channels);
         }
-        if (!written)
-            return false;
         std::uint8_t* const rest = reinterpret_cast<std::uint8_t*>(written);
         std::memset(rest, 0, buffer.lineStride - std::size_t(rest - buffer.row(y)));
     }
-    return true;
 }
 
 } // namespace
