@@ -5,7 +5,7 @@
 #include <cstdint>
 
 // The methods of vantrel.Image that stand apart from its type, one file a subject; FuncImage.cpp holds their table.
-// An empty object makes each of them return null without an error.
+// An empty object makes each of them return null without an error, but for the two that fill it.
 
 // ---- shared by them ----
 

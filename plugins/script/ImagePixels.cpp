@@ -6,15 +6,10 @@
 
 namespace {
 
-bool isInRange(int position, std::uint32_t limit)
-{
-    return position >= 0 && std::uint32_t(position) < limit;
-}
-
 // False with an error set.
 bool isInRange(int position, std::uint32_t limit, const char* complaint)
 {
-    if (isInRange(position, limit))
+    if (position >= 0 && std::uint32_t(position) < limit)
         return true;
     fx_img_raise(complaint);
     return false;
