@@ -61,4 +61,28 @@ TEST_F(ImageLog, DescribesTheGivenStrides)
         QStringLiteral("\"ArrInt = cannot allocate image with dimensions: w0 h5 c1 ystr99 xstr-16 cstr8 bpc64\""));
 }
 
+TEST_F(ImageLog, DescribesAListThatCannotBeAllocated)
+{
+    // Lists that hold one and the same list again and again: 20 terabytes of values in little memory.
+    EXPECT_EQ(recordFor("[[[300] * 1000000] * 1000000] * 10"),
+              QStringLiteral("\"fx_pyimages_CreateFromList = cannot allocate image with dimensions: w1000000 h10 "
+                             "c1000000 bpc16\""));
+    EXPECT_EQ(host.printed(), QStringLiteral("Cannot allocate image\n"));
+    records.clear();
+    EXPECT_EQ(recordFor("[[0.5] * 1000000] * 1000000"),
+              QStringLiteral("\"fx_pyimages_CreateFromList = cannot allocate image with dimensions: w1000000 "
+                             "h1000000 c1 bpc32\""));
+}
+
+TEST_F(ImageLog, KeepsTheImageWhenAListCannotBeAllocated)
+{
+    EXPECT_CLEAN_RUN("img = vantrel.Image()\n"
+                     "img.alloc(5, 3, 1, 8)\n"
+                     "try:\n"
+                     "    img.from_array([[[300] * 1000000] * 1000000] * 10)\n"
+                     "except Exception as error:\n"
+                     "    print(type(error).__name__, img.width, img.height)\n");
+    EXPECT_EQ(host.printed(), QStringLiteral("Exception 5 3\n"));
+}
+
 } // namespace
