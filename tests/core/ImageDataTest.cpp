@@ -1,6 +1,8 @@
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
 
+#include <QtCore/QThread>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -71,6 +73,49 @@ TEST(ImageData, CloneHasClearedRowPadding)
         for (unsigned i = copy->width * copy->bytesPerPixel(); i < copy->lineStride; ++i)
             EXPECT_EQ(copy->row(y)[i], 0) << "row " << y << ", byte " << i;
     }
+}
+
+TEST(ImageData, CloneIsNullWhenMemoryRunsOut)
+{
+    CxImageData image;
+    image.setPicBuf(filledBuffer());
+    SxPicBuf* buffer = image.picBuf();
+    const SxPicBuf real = *buffer;
+    buffer->lineStride = 0xFFFFFFF0U; // claims a size that no machine has
+    buffer->height = 0xFFFFFFF0U;
+    const int before = CxImageData::liveCount();
+    EXPECT_EQ(image.clone(nullptr, nullptr), nullptr);
+    EXPECT_EQ(CxImageData::liveCount(), before);
+    *buffer = real;
+}
+
+TEST(ImageData, CloneHasTheParentAndTheThreadThatItIsGiven)
+{
+    CxImageData image;
+    QObject parent;
+    EXPECT_EQ(image.clone(&parent, nullptr)->parent(), &parent);
+    QThread thread;
+    const std::unique_ptr<QObject> moved(image.clone(nullptr, &thread));
+    EXPECT_EQ(moved->thread(), &thread);
+    EXPECT_EQ(moved->parent(), nullptr);
+}
+
+TEST(ImageData, CloneOfAnImageWithoutABufferHasNone)
+{
+    CxImageData image;
+    const std::unique_ptr<QObject> object(image.clone(nullptr, nullptr));
+    ASSERT_NE(qobject_cast<CxImageData*>(object.get()), nullptr);
+    EXPECT_EQ(qobject_cast<CxImageData*>(object.get())->picBuf(), nullptr);
+}
+
+TEST(ImageData, TakingItsOwnBufferKeepsThePixels)
+{
+    CxImageData image;
+    image.setPicBuf(filledBuffer());
+    const auto* pixels = image.picBuf()->data;
+    image.setPicBuf(*image.picBuf());
+    ASSERT_EQ(image.picBuf()->data, pixels);
+    EXPECT_EQ(reinterpret_cast<std::uint16_t*>(image.picBuf()->row(2))[4], 204);
 }
 
 TEST(ImageData, CountsTheLivingImages)
