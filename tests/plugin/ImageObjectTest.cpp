@@ -136,6 +136,19 @@ TEST_F(ImageObject, GetBytesPerPixelCountsTheBytesOfEveryType)
     }
 }
 
+TEST_F(ImageObject, ImagesMadeByScriptsHaveTheChannelsOfAPixelSideBySide)
+{
+    const int id = host.delegate.addView(makeTestImage(1, 1));
+    for (const char* fill : {"made.alloc(4, 2, 3, 8)", "made.from_array([[[1, 2, 3000]]])",
+                             "made.from_array([[[1, 2, 255]]])", "made.from_array(img)", "made = img.to_rgb()"}) {
+        EXPECT_CLEAN_RUN(QStringLiteral("made = vantrel.Image()\n%1\nvantrel.set_view_image(made)\n")
+                             .arg(QString::fromLatin1(fill)));
+        const SxPicBuf* buffer = host.delegate.views[id]->image->picBuf();
+        EXPECT_EQ(buffer->storageFormat, ExDataStorageFormat::Interleaved) << fill;
+        EXPECT_EQ(buffer->colorFilterArray, ExColorFilterArray::None) << fill;
+    }
+}
+
 // ---- bytes ----
 
 TEST_F(ImageObject, BytesAreAllRowsWithTheirPadding)

@@ -4,6 +4,7 @@
 #include "support/ScriptTest.h"
 
 #include <QtCore/QLibrary>
+#include <QtCore/QTemporaryDir>
 
 namespace {
 
@@ -58,6 +59,33 @@ TEST_F(ImageOwnership, APublishedImageIsNotDeletedWithTheInterpreter)
     EXPECT_EQ(CxImageData::liveCount(), before);
     EXPECT_CLEAN_RUN("print('img' in globals())");
     EXPECT_EQ(host.printed().toStdString(), "False\n");
+}
+
+TEST_F(ImageOwnership, APublishedImageStaysItsOwnersWhenTheObjectIsFilledAnew)
+{
+    const QTemporaryDir folder;
+    host.environment.directory = folder.path();
+    auto image = makeTestImage(6, 2);
+    const int before = CxImageData::liveCount();
+    for (const char* fill : {"img.from_array([[1, 2, 3]])", "img.from_file('missing.png')"}) {
+        publish("img", *image);
+        EXPECT_CLEAN_RUN(fill);
+        EXPECT_CLEAN_RUN("del img");
+        EXPECT_EQ(CxImageData::liveCount(), before) << fill;
+        EXPECT_EQ(image->picBuf()->width, 6U) << fill;
+    }
+}
+
+TEST_F(ImageOwnership, APublishedImageIsWrittenInItsOwnPixels)
+{
+    auto image = makeTestImage(6, 4);
+    publish("img", *image);
+    EXPECT_CLEAN_RUN("img.set_pixel_value(201, 5, 3)\n"
+                     "img.draw_pixel_line(202, 0, 0, 2, 0)\n"
+                     "img.draw_pixel_rect(203, 1, 1, 3, 3)\n");
+    EXPECT_EQ(image->picBuf()->row(3)[5], 201);
+    EXPECT_EQ(image->picBuf()->row(0)[1], 202);
+    EXPECT_EQ(image->picBuf()->row(2)[3], 203);
 }
 
 TEST_F(ImageOwnership, AnOwnedImageGoesWithTheLastReference)

@@ -214,6 +214,16 @@ def test_one_stride_counts_for_all():
     assert rows(made_of(Memory("B", (2, 2), [7, 8, 200], strides=(1,)))) == [[7, 8], [8, 200]]
 
 
+def test_two_strides_leave_the_channels_side_by_side():
+    memory = Memory("B", (2, 2, 3), list(range(12)), strides=(6, 3))
+    assert rows(made_of(memory)) == [[(0, 1, 2), (6, 7, 8)], [(3, 4, 5), (9, 10, 11)]]
+
+
+def test_a_third_stride_counts_without_a_third_axis():
+    # The written places are as far apart as the channels of the array.
+    assert bytes(made_of(Memory("B", (1, 3), [7, 8, 9], strides=(1, 3, 2))))[:6] == b"\7\0\10\0\11\0"
+
+
 def defined_result(memory, start, width, height, channels, size, strides, line):
     """The reading of strides, value by value."""
     result = bytearray(line * height)

@@ -43,6 +43,14 @@ def test_other_types_are_neither_read_nor_written():
         assert bytes(data) == before
 
 
+def test_positions_are_checked_in_images_of_every_type():
+    img = made_of([[1.5, 2.5]])
+    raises(Exception, "x-coordinate out of range", img.get_pixel_value, 2, 0)
+    raises(Exception, "channel number out of range", img.set_pixel_value, 1, 0, 0, 1)
+    raises(Exception, "y2-coordinate out of range", img.draw_pixel_line, 1, 0, 0, 1, 1)
+    raises(Exception, "x1-coordinate out of range", img.draw_pixel_rect, 1, 2, 0, 1, 0)
+
+
 def test_channels_are_apart():
     img = allocated(3, 2, 3, 8)
     img.set_pixel_value(7, 1, 1, 2)
