@@ -134,7 +134,7 @@ TEST(PicBufColor, EverythingBecomesEightBitColour)
 {
     std::mt19937_64 random(4);
     for (const ExImageDataType type : numberTypes()) {
-        for (const unsigned channels : {1U, 2U, 3U, 4U, 6U}) {
+        for (const unsigned channels : {1U, 2U, 3U, 4U, 6U, 600U}) {
             for (const unsigned colours : {3U, 4U}) {
                 SCOPED_TRACE(typeName(type) + " x " + std::to_string(channels));
                 BufferShape shape = randomShape(random, type, channels);
@@ -219,10 +219,11 @@ TEST(PicBufColor, ExtractsAChannelOfEveryType)
 {
     std::mt19937_64 random(6);
     for (const ExImageDataType type : allTypes) {
-        for (const unsigned padding : {0U, 1U}) {
-            const unsigned channels = type == ExImageDataType::Packed565 ? 1 : 1 + unsigned(random() % 5);
+        for (const unsigned padding : {0U, 1U, 2U}) {
+            const unsigned many = padding == 2 ? 600 : 1 + unsigned(random() % 5);
+            const unsigned channels = type == ExImageDataType::Packed565 ? 1 : many;
             const unsigned channel = unsigned(random() % channels);
-            SCOPED_TRACE(typeName(type));
+            SCOPED_TRACE(typeName(type) + " x " + std::to_string(channels));
             BufferShape shape = randomShape(random, type, channels);
             TestPicBuf source(shape);
             for (unsigned y = 0; y < shape.height; ++y)

@@ -16,6 +16,23 @@
 
 namespace {
 
+/// Calls visit with the std::type_identity of an integer as large as the values of a type, for work that only moves
+/// values.
+template<typename Visitor>
+void visitValueSize(ExImageDataType type, Visitor&& visit)
+{
+    switch (SxPicBufInfo::bytesPerValue(type)) {
+    case 2:
+        return visit(std::type_identity<std::uint16_t>());
+    case 4:
+        return visit(std::type_identity<std::uint32_t>());
+    case 8:
+        return visit(std::type_identity<std::uint64_t>());
+    default:
+        return visit(std::type_identity<std::uint8_t>());
+    }
+}
+
 template<typename T>
 void swapFirstAndThird(SxPicBuf& buffer)
 {
@@ -27,6 +44,21 @@ void swapFirstAndThird(SxPicBuf& buffer)
             storeValue(row, i + 2, first);
         }
     }
+}
+
+/// Copies as many channels as dst has, from a given one on. Slower than OpenCV, but for any number of channels and for
+/// rows at any address.
+void copyChannels(const SxPicBuf& src, std::size_t first, SxPicBuf& dst)
+{
+    visitValueSize(src.dataType, [&]<typename T>(std::type_identity<T>) {
+        for (std::uint32_t y = 0; y < src.height; ++y) {
+            const std::uint8_t* in = src.row(y);
+            std::uint8_t* out = dst.row(y);
+            for (std::size_t x = 0; x < src.width; ++x)
+                for (std::size_t c = 0; c < dst.channels; ++c)
+                    storeValue(out, x * dst.channels + c, loadValue<T>(in, x * src.channels + first + c));
+        }
+    });
 }
 
 void unpackToRgb(const SxPicBuf& src, SxPicBuf& dst)
@@ -48,19 +80,16 @@ void unpackToRgb(const SxPicBuf& src, SxPicBuf& dst)
 }
 
 /// The channels that count for a colour: one of grey, three of colour, or four with alpha.
-cv::Mat visibleChannels(const cv::Mat& pixels)
+SxPicBuf visibleChannels(const SxPicBuf& src, ScopedPicBuf& copied)
 {
-    if (pixels.channels() == 1 || pixels.channels() == 3 || pixels.channels() == 4)
-        return pixels;
-    cv::Mat visible;
-    if (pixels.channels() == 2) {
-        cv::extractChannel(pixels, visible, 0);
-        return visible;
-    }
-    visible.create(pixels.size(), CV_8UC3);
-    const int firstThree[] = {0, 0, 1, 1, 2, 2};
-    cv::mixChannels(&pixels, 1, &visible, 1, firstThree, 3);
-    return visible;
+    if (src.channels == 1 || src.channels == 3 || src.channels == 4)
+        return src;
+    SxPicBufInfo info = src;
+    info.channels = src.channels == 2 ? 1 : 3;
+    if (!copied.allocate(info))
+        throw std::bad_alloc();
+    copyChannels(src, 0, copied.buffer);
+    return copied.buffer;
 }
 
 void toColour(const cv::Mat& pixels, cv::Mat& colour)
@@ -106,14 +135,8 @@ bool CxPicBufAPI::SwapRedAndBlue(SxPicBuf& buffer)
     if (pixels) {
         cv::Mat swapped = *pixels; // a header of its own: OpenCV copies first when it is given one for both
         cv::cvtColor(*pixels, swapped, buffer.channels == 3 ? cv::COLOR_BGR2RGB : cv::COLOR_BGRA2RGBA);
-    } else if (bytes == 1) {
-        swapFirstAndThird<std::uint8_t>(buffer);
-    } else if (bytes == 2) {
-        swapFirstAndThird<std::uint16_t>(buffer);
-    } else if (bytes == 4) {
-        swapFirstAndThird<std::uint32_t>(buffer);
     } else {
-        swapFirstAndThird<std::uint64_t>(buffer);
+        visitValueSize(buffer.dataType, [&]<typename T>(std::type_identity<T>) { swapFirstAndThird<T>(buffer); });
     }
     return true;
 }
@@ -133,8 +156,9 @@ bool CxPicBufAPI::ConvertPicToRGB(const SxPicBuf& src, SxPicBuf& dst)
     if (!visitNumberType(src.dataType, [](auto) {}))
         return refuse("ConvertPicToRGB", "the source's type is unknown");
     try {
+        ScopedPicBuf copied;
         ScopedPicBuf converted;
-        const cv::Mat pixels = visibleChannels(readMat(asBytes(src, converted), CV_8U));
+        const cv::Mat pixels = readMat(asBytes(visibleChannels(src, copied), converted), CV_8U);
         cv::Mat colour = readMat(dst, CV_8U);
         toColour(pixels, colour);
         return true;
@@ -152,17 +176,11 @@ bool CxPicBufAPI::ExtractChannel(const SxPicBuf& src, SxPicBuf& dst, unsigned ch
     if (channel >= src.channels)
         return refuse("ExtractChannel", "there is no such channel");
     const int depth = moveDepth(src.dataType);
-    try {
-        const cv::Mat pixels = readMat(src, depth);
-        if (std::optional<cv::Mat> wrapped = wrapMat(dst, depth)) {
-            cv::extractChannel(pixels, *wrapped, int(channel));
-        } else {
-            cv::Mat extracted;
-            cv::extractChannel(pixels, extracted, int(channel));
-            storeMat(extracted, dst);
-        }
-        return true;
-    } catch (const cv::Exception& error) {
-        return refuse("ExtractChannel", error.err.c_str());
-    }
+    const std::optional<cv::Mat> pixels = wrapMat(src, depth);
+    std::optional<cv::Mat> extracted = wrapMat(dst, depth);
+    if (pixels && extracted)
+        cv::extractChannel(*pixels, *extracted, int(channel));
+    else
+        copyChannels(src, channel, dst);
+    return true;
 }

@@ -170,7 +170,7 @@ bool CxPicBufAPI::ResizeRect(const SxPicBuf& src, unsigned x, unsigned y, unsign
     try {
         ScopedPicBuf copy;
         const SxPicBuf source = overlap(from, to) ? copied(from, copy) : from;
-        if (scaleWideValues(source, to))
+        if (scaleWidePixels(source, to))
             return true;
         if (scalingType(from.dataType) == from.dataType)
             scaleDirectly(source, to);

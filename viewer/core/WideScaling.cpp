@@ -69,7 +69,7 @@ T weighted(const SxPicBuf& src, const Taps& columns, const Taps& rows, std::size
     }
     const Sum<T> result = base + sum;
     if constexpr (std::is_floating_point_v<T>)
-        return result;
+        return static_cast<T>(result);
     else
         return static_cast<T>(std::clamp(std::rint(result), static_cast<Sum<T>>(std::numeric_limits<T>::min()),
                                          static_cast<Sum<T>>(std::numeric_limits<T>::max())));
@@ -90,14 +90,14 @@ void scale(const SxPicBuf& src, SxPicBuf& dst)
 
 } // namespace
 
-bool scaleWideValues(const SxPicBuf& src, SxPicBuf& dst)
+bool scaleWidePixels(const SxPicBuf& src, SxPicBuf& dst)
 {
+    constexpr std::uint32_t mostChannelsOfOpenCv = 4;
     bool wide = false;
     visitNumberType(src.dataType, [&]<typename T>(std::type_identity<T>) {
-        if constexpr (sizeof(T) >= 4 && !std::is_same_v<T, float>) {
+        wide = (sizeof(T) >= 4 && !std::is_same_v<T, float>) || src.channels > mostChannelsOfOpenCv;
+        if (wide)
             scale<T>(src, dst);
-            wide = true;
-        }
     });
     return wide;
 }

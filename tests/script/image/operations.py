@@ -250,7 +250,7 @@ def test_an_argument_that_is_no_image_is_refused():
 
 def test_every_type_takes_every_operation():
     images = [made_of(Memory(code, (4, 5, channels), numbers))
-              for channels in (1, 3, 4)
+              for channels in (1, 3, 4, 5)
               for numbers in [list(range(20 * channels))]
               for code in "BHIQfd"]
     images += [made_of(Memory(code, (4, 5), [-1 - 60000 * (code in "iq")] + list(range(19)))) for code in "bhi"]
@@ -261,6 +261,8 @@ def test_every_type_takes_every_operation():
         assert img.convert_bpc(16).bpc == 16
         assert rows(img.crop(0, 0, width, height)) == rows(img)
         assert geometry(img.resize(9, 9, 0, 0, 0, 0))[:3] == (9, 9, img.channels)
+        assert geometry(img.resize(2, 2, 0, 0, 0, 0))[:3] == (2, 2, img.channels)
+        assert any(bytes(img.resize(2, 2, 0, 0, 0, 0))), geometry(img)
         copy = img.new_copy()
         copy.subtract(img)
         assert rows(copy) == rows(allocated(width, height, img.channels, 8)), geometry(img)
