@@ -89,6 +89,7 @@ check([name for name in vantrel.Graph.__dict__ if not name.startswith('__')],
        'set_axes_color', 'set_grid_color', 'set_dark_color_theme', 'draw_into_image',
        'copy_series_data_to_clipboard'])
 check((vantrel.Graph.__module__, vantrel.Graph.__name__), ('vantrel', 'Graph'))
+check((vantrel.Graph.__basicsize__, vantrel.Graph.__itemsize__), (object.__basicsize__ + tuple.__itemsize__, 0))
 check(repr(vantrel.Graph())[:25], '<vantrel.Graph object at ')
 )");
 }

@@ -1,6 +1,10 @@
-// Nothing that a run makes stays, but for the headers of image objects.
+// Nothing that a run makes stays, but for the headers of image and graph objects.
 
 #include "support/PluginHost.h"
+
+#include <malloc.h>
+
+#include <string>
 
 namespace {
 
@@ -21,6 +25,40 @@ TEST_F(References, OfTheImageTypeGrowByOneForEveryImageMade)
                      "print(sys.getrefcount(vantrel.Image) - before)");
     EXPECT_EQ(host.printed().toStdString(), "100\n");
     EXPECT_EQ(CxImageData::liveCount(), 0);
+}
+
+// Graphs are kept in the same way.
+TEST_F(References, OfTheGraphTypeGrowByOneForEveryGraphMade)
+{
+    EXPECT_CLEAN_RUN("import sys\n"
+                     "vantrel.Graph()\n"
+                     "before = sys.getrefcount(vantrel.Graph)\n"
+                     "for i in range(100):\n"
+                     "    graph = vantrel.Graph()\n"
+                     "    graph.add_series()\n"
+                     "del graph\n"
+                     "print(sys.getrefcount(vantrel.Graph) - before)");
+    EXPECT_EQ(host.printed().toStdString(), "100\n");
+}
+
+TEST_F(References, LeaveNoSeriesOfAGraphThatGoesOrStartsAnew)
+{
+    const auto bytesAfter = [this](int graphs) {
+        const std::string script = "for i in range(" + std::to_string(graphs) + R"():
+    graph = vantrel.Graph()
+    for fill in range(2):
+        graph.__init__()
+        series = graph.add_series()
+        for x in range(50000):   # 16 bytes a point
+            graph.series_add_point(series, x, x)
+del graph
+)";
+        EXPECT_CLEAN_RUN(script.c_str());
+        const auto memory = mallinfo2();
+        return memory.uordblks + memory.hblkhd;
+    };
+    const std::size_t before = bytesAfter(1);
+    EXPECT_LT(bytesAfter(10), before + 2'000'000);
 }
 
 TEST_F(References, OfOtherTypesComeBack)

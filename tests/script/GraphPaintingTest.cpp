@@ -69,27 +69,6 @@ TEST(GraphPainting, ShowsBackgroundAxesAndGridWithoutASeries)
     EXPECT_EQ(drawn.count(graph.gridColor, {0, 0}, {drawn.left - 1, drawn.height()}), 0);
 }
 
-TEST(GraphPainting, WritesTickLabelsBesideBothAxesInTheirColour)
-{
-    CxGraphData graph = graphOf({{0, 0}, {10, 10}});
-    graph.axesColor = QColor(200, 0, 200);
-    const DrawnGraph drawn(graph);
-    // Ticks stand inside of the frame, so what is outside belongs to labels; their edges are smoothed.
-    int left = 0;
-    int below = 0;
-    for (int y = 0; y < drawn.height(); ++y) {
-        for (int x = 0; x < drawn.width(); ++x) {
-            if (drawn.at(x, y) == QColor(Qt::white))
-                continue;
-            left += x < drawn.left ? 1 : 0;
-            below += y > drawn.bottom ? 1 : 0;
-        }
-    }
-    EXPECT_GT(left, 100);
-    EXPECT_GT(below, 100);
-    EXPECT_GT(drawn.count(graph.axesColor, {0, drawn.bottom + 2}, {drawn.width(), drawn.height()}), 0);
-}
-
 TEST(GraphPainting, DrawsEachSeriesInItsColour)
 {
     CxGraphData graph;
