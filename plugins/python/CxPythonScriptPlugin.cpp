@@ -126,15 +126,6 @@ QString CxPythonScriptPlugin::evaluate(const std::string& script, void (*fnStart
     emb::set_stderr([errors](const std::string& text) { errors->append(text); });
     fx_rethrowNativeException();
 
-    const auto run = [&script] {
-        if (script.find('\0') == std::string::npos) {
-            fx_pyapp_RunPythonString(script.c_str());
-        } else {
-            // The interpreter would stop reading there and run half a script.
-            PyErr_SetString(PyExc_ValueError, "source code string cannot contain null bytes");
-            PyErr_Print();
-        }
-    };
     if (fnOutput) {
         // Every print() writes its line feed by itself: the host gets one shared text for all of them. Not a literal,
         // whose characters would go with this library.
@@ -143,11 +134,11 @@ QString CxPythonScriptPlugin::evaluate(const std::string& script, void (*fnStart
             fnOutput(text == "\n" ? lineFeed : QString::fromStdString(text), false);
         });
         fx_rethrowNativeException();
-        run();
+        fx_script_runText(script);
         emb::reset_stdout();
         fx_rethrowNativeException();
     } else {
-        run();
+        fx_script_runText(script);
     }
 
     deleteNewLocalVariables(names);

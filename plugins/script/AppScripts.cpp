@@ -37,13 +37,9 @@ void runText(const QByteArray& text)
     if (nestedScripts >= maxNestedScripts) {
         PyErr_SetString(PyExc_RecursionError, "too many scripts run within scripts");
         PyErr_Print();
-    } else if (text.contains('\0')) {
-        // The interpreter would stop reading there and run half a script.
-        PyErr_SetString(PyExc_ValueError, "source code string cannot contain null bytes");
-        PyErr_Print();
     } else {
         const NestedScript nested;
-        fx_pyapp_RunPythonString(text.constData());
+        fx_script_runText(text.toStdString());
     }
 }
 

@@ -67,6 +67,16 @@ void fx_pyapp_RunPythonString(const char* text)
     fx_rethrowNativeException();
 }
 
+void fx_script_runText(const std::string& text)
+{
+    if (text.find('\0') == std::string::npos) {
+        fx_pyapp_RunPythonString(text.c_str());
+    } else {
+        PyErr_SetString(PyExc_ValueError, "source code string cannot contain null bytes");
+        PyErr_Print();
+    }
+}
+
 // ---- shared by the functions ----
 
 bool fx_app_onMainThread(const char* message)

@@ -4,6 +4,8 @@
 
 #include <QtCore/qglobal.h>
 
+#include <string>
+
 class CxImageData;
 class IxScriptEnvironment;
 
@@ -42,6 +44,12 @@ Q_DECL_EXPORT PyObject* fx_pycam_CreateShadingPreset(PyObject* self, PyObject* a
 Q_DECL_EXPORT PyObject* fx_pycam_ActivateShadingPreset(PyObject* self, PyObject* args);
 
 } // extern "C"
+
+// ---- offered to the plugin core and to the module's functions ----
+
+/// fx_pyapp_RunPythonString() for a text of any bytes. One with a null byte, at which the interpreter would stop
+/// reading and run half a script, is refused: nothing of it runs, and a ValueError is printed.
+void fx_script_runText(const std::string& text);
 
 // ---- offered to the module's initialisation ----
 // ...TypeReady attaches the help texts and creates the type; a failure is logged and leaves the type null.
