@@ -37,14 +37,19 @@ public:
     /// output       may be null; called for every piece of text that the script writes to its standard output, on the
     ///              running thread and while the script runs. Its second argument is always false.
     ///
-    /// Returns what the script wrote to its standard error, tracebacks included; empty when it wrote nothing.
+    /// Returns what the script wrote to its standard error, tracebacks included; empty when it wrote nothing. A C++
+    /// exception from an operation of the host or from a callback ends the run: what was collected is dropped, the
+    /// result is "Python rasied exception", and a log line says so. A script that raises SystemExit ends the process:
+    /// then the call does not return.
+    ///
     /// Calls from several threads run one after another. Not reentrant: a run must not start another one on its thread.
     virtual QString runScript(const QString& script, IxScriptEnvironment* environment, const QString& pythonHome,
                               void (*started)(void*, void*), void* startedData,
                               void (*output)(const QString&, bool)) = 0;
 
-    /// Makes an image visible to later scripts as a global variable. The image stays owned by the host, which keeps it
-    /// alive for as long as a script can use the variable. Called only after a first run and never during one.
+    /// Makes an image visible to later scripts as a global variable, in place of what the name stood for. The variable
+    /// stays until a script or another call gives the name away. The image stays owned by the host, which keeps it
+    /// alive for as long as a script can use it. Called only after a first run and never during one.
     virtual void addImageVariable(const QString& name, CxImageData* image) = 0;
 };
 

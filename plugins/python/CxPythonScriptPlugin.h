@@ -32,7 +32,8 @@ public:
     void addImageVariable(const QString& name, CxImageData* image) override;
 
     /// Sets the documentation of every entry of the tables to the text that the environment of the latest run has for
-    /// it (perhaps none). Tables that are null are left out. Called before a module or type is made from the tables.
+    /// it (perhaps none); without an environment nothing changes. The texts stay the host's and are not copied. A table
+    /// that is null or has no name is left out. Called before a module or type is made from the tables.
     static void addHelpToPythonFunctions(const char* moduleName, PyMethodDef* moduleFuncs, const char* objectName,
                                          PyMethodDef* objectMethods);
 
