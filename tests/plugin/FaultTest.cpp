@@ -60,9 +60,10 @@ TEST_F(Fault, WhileTheModuleIsMadeLogsTheTypesThatAreMissing)
     EXPECT_EQ(modulesWithoutType, typesMissing) << "a missing type does not stop the module";
 }
 
-TEST_F(Fault, WhileTheRedirectionModuleIsMadeLogsAMissingType)
+TEST_F(Fault, WhileTheRedirectionModuleIsMadeLogsAMissingTypeAndDoesWithoutItsName)
 {
     int typesMissing = 0;
+    int namesMissing = 0;
     long n = 1;
     for (bool happened = true; happened && n < tooMany; ++n) {
         const LogCapture log;
@@ -81,9 +82,12 @@ TEST_F(Fault, WhileTheRedirectionModuleIsMadeLogsAMissingType)
             EXPECT_TRUE(line.endsWith(QStringLiteral("\"PyInit_emb(): Failed to register emb.StdOutType\"")))
                 << line.toStdString();
         }
+        const PyRef name = PyRef::take(PyUnicode_FromString("stdout_object"));
+        namesMissing += module && PyDict_Contains(PyModule_GetDict(module.get()), name.get()) == 0 ? 1 : 0;
     }
     EXPECT_LT(n, tooMany);
     EXPECT_GT(typesMissing, 5);
+    EXPECT_GT(namesMissing, 0) << "a module without the name of its type is a module all the same";
     expectWorkingRun();
 }
 

@@ -105,6 +105,14 @@ TEST_F(InsideNamespace, DumpSurvivesTextsThatDeleteTheirOwnName)
     EXPECT_TRUE(log.criticals().join(u'\n').contains(QStringLiteral("gone: went")));
 }
 
+TEST_F(InsideNamespace, DumpMayBeTakenWhileAScriptRuns)
+{
+    LogCapture log;
+    environment.onWait = [this](double) { plugin->dumpLocalVariables(); };
+    EXPECT_EQ(run("mine = 'of the run'\nvantrel.wait(0)").toStdString(), "");
+    EXPECT_TRUE(log.criticals().join(u'\n').contains(QStringLiteral("mine: of the run")));
+}
+
 TEST_F(InsideNamespace, SourceTextWithASyntaxErrorIsPrintedAndReturnsNormally)
 {
     testing::internal::CaptureStderr();
@@ -146,6 +154,7 @@ TEST_F(InsideNamespace, ImageThatCannotBePublishedIsLeftOut)
     plugin->addImageVariable(QStringLiteral("none"), nullptr);
     EXPECT_EQ(run("print(none)").toStdString(), "");
     EXPECT_EQ(output.toStdString(), "Vantrel image object is empty\n");
+    EXPECT_TRUE(has("")) << "known by the next run";
     EXPECT_EQ(PyErr_Occurred(), nullptr);
 }
 

@@ -124,6 +124,28 @@ TEST_F(Redirection, GivesTheStreamBackWithTheReferencesItHad)
     EXPECT_EQ(count(), before);
 }
 
+// A host's start notification may itself run code: it stands between the listing of the names and the redirection.
+TEST_F(Redirection, BeginsAfterTheStartNotificationWhoseNamesGoWithTheRun)
+{
+    static QStringList seen;
+    seen.clear();
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    const QString result = plugin->runScript(
+        QStringLiteral("print('of the script')"), &environment, QString(),
+        [](void*, void*) {
+            fx_pyapp_RunPythonString("import sys\nmade = 1\nprint('out', flush=True)\n"
+                                     "print('err', file=sys.stderr, flush=True)\n");
+        },
+        nullptr, [](const QString& text, bool) { seen.append(text); });
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "out\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "err\n");
+    EXPECT_EQ(result.toStdString(), "");
+    EXPECT_EQ(seen.join(QString()).toStdString(), "of the script\n");
+    EXPECT_EQ(run("print('made' in globals())").toStdString(), "");
+    EXPECT_EQ(output.toStdString(), "False\n");
+}
+
 TEST(RedirectionWithoutAnInterpreter, DropsTheFunction)
 {
     if (InterpreterSpy::everStarted)

@@ -21,6 +21,15 @@ void note(const QString& call)
     InterpreterSpy::calls.append(call);
 }
 
+/// Fails as the interpreter does, with an error set, for the name that is to be refused.
+bool refuses(const char* constant)
+{
+    if (InterpreterSpy::refusedConstant != constant)
+        return false;
+    PyErr_NoMemory();
+    return true;
+}
+
 } // namespace
 
 void InterpreterSpy::reset()
@@ -31,6 +40,7 @@ void InterpreterSpy::reset()
     home.reset();
     finalizeThrows = false;
     refusedModule.clear();
+    refusedConstant.clear();
 }
 
 extern "C" {
@@ -82,13 +92,15 @@ void Py_Finalize()
 int PyModule_AddStringConstant(PyObject* module, const char* name, const char* value)
 {
     note(QStringLiteral("PyModule_AddStringConstant(%1, %2)").arg(QString::fromUtf8(name), QString::fromUtf8(value)));
-    return real<int(PyObject*, const char*, const char*)>("PyModule_AddStringConstant")(module, name, value);
+    return refuses(name)
+               ? -1
+               : real<int(PyObject*, const char*, const char*)>("PyModule_AddStringConstant")(module, name, value);
 }
 
 int PyModule_AddIntConstant(PyObject* module, const char* name, long value)
 {
     note(QStringLiteral("PyModule_AddIntConstant(%1, %2)").arg(QString::fromUtf8(name)).arg(value));
-    return real<int(PyObject*, const char*, long)>("PyModule_AddIntConstant")(module, name, value);
+    return refuses(name) ? -1 : real<int(PyObject*, const char*, long)>("PyModule_AddIntConstant")(module, name, value);
 }
 
 PyObject* PyImport_ImportModule(const char* name)

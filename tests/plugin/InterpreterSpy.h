@@ -18,4 +18,5 @@ struct InterpreterSpy {
     static inline std::optional<std::wstring> home;  ///< the home directory that the library really gets
     static inline bool finalizeThrows = false;       ///< Py_Finalize throws after its work
     static inline QByteArray refusedModule;          ///< PyImport_AppendInittab fails for this module
+    static inline QByteArray refusedConstant;        ///< the PyModule_Add...Constant functions fail for this name
 };

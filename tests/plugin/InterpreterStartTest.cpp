@@ -99,6 +99,15 @@ TEST_F(InterpreterStart, BindsTheModuleAndImportsTheRedirection)
     EXPECT_EQ(host.printed().toStdString(), "vantrel True False\n['emb', 'vantrel']\n");
 }
 
+// Not counted: the reference of the call's argument.
+TEST_F(InterpreterStart, KeepsAReferenceToTheRedirectionModuleForItself)
+{
+    EXPECT_CLEAN_RUN("import sys, gc\n"
+                     "emb = sys.modules['emb']\n"
+                     "print(sys.getrefcount(emb) - 1 - len(gc.get_referrers(emb)))");
+    EXPECT_EQ(host.printed().toStdString(), "1\n");
+}
+
 TEST_F(InterpreterStart, TakesTheProgramNameAndTheHomeDirectory)
 {
     EXPECT_CLEAN_RUN("import sys\nprint(sys.executable)\nprint(sys.prefix)\n");

@@ -62,6 +62,17 @@ TEST_F(Output, WriteTakesExactlyOneText)
     EXPECT_EQ(host.printed().count(QStringLiteral("TypeError")), 5);
 }
 
+TEST_F(Output, ArgumentsHaveNoNames)
+{
+    EXPECT_CLEAN_RUN("import sys, emb\n"
+                     "for method in (sys.stdout.write, sys.stdout.flush, emb.stdout_object().write):\n"
+                     "    try:\n"
+                     "        method(text='x')\n"
+                     "    except TypeError:\n"
+                     "        print('TypeError')\n");
+    EXPECT_EQ(host.printed().toStdString(), "TypeError\nTypeError\nTypeError\n");
+}
+
 TEST_F(Output, WriteRefusesNullCharactersAndLoneSurrogates)
 {
     EXPECT_CLEAN_RUN("import sys\n"
@@ -102,7 +113,8 @@ TEST_F(Output, StreamsHaveOnlyWriteAndFlush)
 
 TEST_F(Output, TypeIsNamedDocumentedAndCannotBeSubclassed)
 {
-    EXPECT_CLEAN_RUN("import emb, sys\n"
+    EXPECT_CLEAN_RUN("import emb, gc, sys\n"
+                     "assert not gc.is_tracked(sys.stdout)\n"
                      "print(type(sys.stdout) is emb.stdout_object, emb.stdout_object.__module__,\n"
                      "      emb.stdout_object.__name__, emb.__doc__)\n"
                      "print(emb.stdout_object.write.__doc__, emb.stdout_object.flush.__doc__)\n"

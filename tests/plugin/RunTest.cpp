@@ -114,7 +114,24 @@ TEST_F(Run, NotifiesTheStartAfterTheInterpreterHasStarted)
     EXPECT_TRUE(environment.askedBeforeStart);
 }
 
-// ---- environments ----
+// ---- what the host may ask meanwhile ----
+
+TEST_F(Run, DoesNotHoldUpWhatNeedsNoInterpreter)
+{
+    host.environment.defs = {{QStringLiteral("NAME"), QStringLiteral("value")}};
+    QString version;
+    PluginHost::onOutput = [&](const QString&, bool) {
+        version = host.plugin->languageVersion();
+        EXPECT_TRUE(host.plugin->init());
+    };
+    EXPECT_CLEAN_RUN("NAME = 'changed'\nprint('x', end='')\nif NAME != 'changed': raise ValueError");
+    PluginHost::onOutput = nullptr;
+    EXPECT_TRUE(version.startsWith(QStringLiteral("Python "))) << version.toStdString();
+    EXPECT_CLEAN_RUN("print(NAME)");
+    EXPECT_EQ(host.printed().toStdString(), "value\n") << "the next run starts anew";
+}
+
+// ---- environments and applications ----
 
 TEST_F(Run, TalksToTheEnvironmentOfItsOwnRun)
 {
@@ -123,6 +140,15 @@ TEST_F(Run, TalksToTheEnvironmentOfItsOwnRun)
     host.plugin->runScript(QStringLiteral("vantrel.wait(2)"), &other, QString(), nullptr, nullptr, nullptr);
     EXPECT_EQ(host.environment.calls, QStringList(QStringLiteral("wait(1)")));
     EXPECT_EQ(other.calls, QStringList(QStringLiteral("wait(2)")));
+}
+
+TEST_F(Run, TalksToTheApplicationThatIsSetAtTheMoment)
+{
+    FakeDelegate other; // takes the first one's place
+    host.environment.onWait = [&](double) { IxAppDelegate::setInstance(&host.delegate); };
+    EXPECT_CLEAN_RUN("tile = vantrel.tile_views\ntile()\nvantrel.switch_full_screen(True)\nvantrel.wait(0)\ntile()");
+    EXPECT_EQ(other.calls, QStringList({QStringLiteral("tileViews()"), QStringLiteral("setFullScreen(true)")}));
+    EXPECT_EQ(host.delegate.calls, QStringList(QStringLiteral("tileViews()")));
 }
 
 TEST_F(Run, IgnoresThePythonHomeOfLaterRuns)

@@ -128,6 +128,20 @@ TEST_F(StartOrder, HomeBeyondTheBasicPlaneReachesTheInterpreterWhole)
     EXPECT_TRUE(InterpreterSpy::calls.contains(QStringLiteral("Py_SetPythonHome(/ö/𝄞)")));
 }
 
+TEST_F(StartOrder, ConstantThatCannotBePublishedIsLeftOutAlone)
+{
+    for (const char* refused : {"A", "C"}) {
+        InterpreterSpy::reset();
+        InterpreterSpy::refusedConstant = refused;
+        EXPECT_EQ(runNoted("import sys\n"
+                           "sys.stderr.write(' '.join(n for n in ('A', 'B', 'C', 'vantrel') if n in globals()))")
+                      .toStdString(),
+                  QByteArray("A B C vantrel").replace(QByteArray(refused) + ' ', "").toStdString());
+        plugin = std::make_unique<CxPythonScriptPlugin>();
+        plugin->init();
+    }
+}
+
 TEST_F(StartOrder, RegistrationThatFailsIsWrittenToTheProcessAndTheModuleIsMissing)
 {
     if (InterpreterSpy::everStarted)
