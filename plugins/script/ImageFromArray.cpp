@@ -3,6 +3,7 @@
 #include "ArrayCopy.h"
 #include "ErrorLog.h"
 #include "ImageMethods.h"
+#include "Narrowing.h"
 #include "OwnedPicBuf.h"
 #include "PyRef.h"
 #include "ReadableMemory.h"
@@ -57,9 +58,10 @@ PyObject* fx_pyimages_CreateFromArrayInterface(TxPyImage& object, PyObject* dict
     }
     if (!isPlausible(layout.extent))
         layout.extent = {};
-    if (!copyArray(layout, filled.buffer))
+    BitsInUse bitsInUse;
+    if (!copyArray(layout, filled.buffer, [&bitsInUse](const SxPicBuf& rows) { bitsInUse.look(rows); }))
         return fx_img_raise("Data in __array_interface__ lies outside readable memory");
-    return fx_img_installNarrowed(object, filled);
+    return fx_img_installNarrowed(object, filled, bitsInUse.bits());
 }
 
 namespace {

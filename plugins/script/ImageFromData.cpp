@@ -53,11 +53,11 @@ bool fx_img_allocate(OwnedPicBuf& target, const ImageSize& size)
     return CxPicBufAPI::AllocPicBufFromHeap(target.buffer, info, true, 0);
 }
 
-PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf& filled)
+PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf& filled, unsigned bitsInUse)
 {
     auto image = std::make_unique<CxImageData>();
     OwnedPicBuf narrowed;
-    if (fx_img_convertToBestBpc(narrowed.buffer, filled.buffer))
+    if (fx_img_convertToBestBpc(narrowed.buffer, filled.buffer, bitsInUse))
         image->attachPicBuf(&narrowed.buffer);
     else
         image->attachPicBuf(&filled.buffer);

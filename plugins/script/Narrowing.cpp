@@ -3,6 +3,8 @@
 #include "CxPicBufAPI.h"
 #include "SxPicBuf.h"
 
+#include <algorithm>
+
 namespace {
 bool isUnsignedWide(ExImageDataType type)
 {
@@ -76,11 +78,14 @@ void chooseForNonNegative(SxPicBufInfo& target, const SxPicBuf& in)
         target.dataType = ExImageDataType::UInt32;
 }
 
-SxPicBufInfo bestFormatFor(SxPicBuf& in)
+SxPicBufInfo bestFormatFor(SxPicBuf& in, unsigned bitsInUse)
 {
     SxPicBufInfo target = in;
     if (isUnsignedWide(in.dataType)) {
-        CxPicBufAPI::DetectColorBitDepth(in, in.bpc, true);
+        if (bitsInUse)
+            in.bpc = bitsInUse;
+        else
+            CxPicBufAPI::DetectColorBitDepth(in, in.bpc, true);
         target.bpc = in.bpc;
         target.dataType = narrowedUnsigned(in.dataType, in.bpc);
     } else if (isSigned(in.dataType) && CxPicBufAPI::DetectNegativePixelValue(in)) {
@@ -99,9 +104,9 @@ SxPicBufInfo bestFormatFor(SxPicBuf& in)
 }
 } // namespace
 
-bool fx_img_convertToBestBpc(SxPicBuf& out, SxPicBuf& in)
+bool fx_img_convertToBestBpc(SxPicBuf& out, SxPicBuf& in, unsigned bitsInUse)
 {
-    SxPicBufInfo target = bestFormatFor(in);
+    SxPicBufInfo target = bestFormatFor(in, bitsInUse);
     if (target.dataType == in.dataType)
         return false;
     target.lineStride = 0;
@@ -114,4 +119,11 @@ bool fx_img_convertToBestBpc(SxPicBuf& out, SxPicBuf& in)
     out.isColor =
         out.channels == 3 && (out.dataType == ExImageDataType::UInt8 || out.dataType == ExImageDataType::UInt16);
     return true;
+}
+
+void BitsInUse::look(const SxPicBuf& part)
+{
+    unsigned bits = 0;
+    if (isUnsignedWide(part.dataType) && CxPicBufAPI::DetectColorBitDepth(part, bits, true))
+        m_bits = std::max(m_bits, bits);
 }

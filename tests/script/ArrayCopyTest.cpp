@@ -95,7 +95,14 @@ void expectBothWaysAsDefined(const Case& test, std::mt19937& random, long hidden
         layout.extent = {};
 
     const Bytes wanted = copiedSlowly(memory, start, layout, fast.buffer);
-    ASSERT_TRUE(copyArray(layout, fast.buffer));
+    std::uint32_t told = 0;
+    const auto copied = [&](const SxPicBuf& rows) {
+        EXPECT_EQ(rows.data, fast.buffer.row(told));
+        EXPECT_TRUE(std::equal(rows.data, rows.data + rows.dataSize(), wanted.begin() + told * rows.lineStride));
+        told += rows.height;
+    };
+    ASSERT_TRUE(copyArray(layout, fast.buffer, copied));
+    EXPECT_EQ(told, test.height);
     EXPECT_EQ(fast.bytes(), wanted) << "the fast way";
     ASSERT_TRUE(copyArrayByValues(layout, slow.buffer));
     EXPECT_EQ(slow.bytes(), wanted) << "the way by values";
@@ -104,6 +111,22 @@ void expectBothWaysAsDefined(const Case& test, std::mt19937& random, long hidden
 long between(std::mt19937& random, long low, long high)
 {
     return std::uniform_int_distribution<long>(low, high)(random);
+}
+
+TEST(ArrayCopy, TellsOfTheRowsOfLargeArraysAsTheyAreCopied)
+{
+    std::mt19937 random(64);
+    const auto run = [&random](unsigned channels, unsigned lineStride, std::array<std::int64_t, 3> strides) {
+        expectBothWaysAsDefined({ExImageDataType::UInt16, 301, 333, channels, lineStride, strides}, random);
+    };
+    run(1, 602, {2, 602, 2});
+    run(1, 640, {2, 602, 2});
+    run(1, 602, {2, 800, 2});
+    run(1, 602, {666, 2, 2});
+    run(1, 602, {-2, -602, 2});
+    run(3, 1806, {6, 1806, 2});
+    run(3, 1806, {1998, 6, 2});
+    run(3, 1806, {6, 1806, -2});
 }
 
 TEST(ArrayCopy, CopiesDenseArraysOfEveryTypeAndChannelCount)
