@@ -21,6 +21,8 @@ install(FILES "${CMAKE_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}
 install(FILES "${CMAKE_SOURCE_DIR}/packaging/vantrel.desktop" DESTINATION "${CMAKE_INSTALL_DATADIR}/applications")
 install(FILES "${CMAKE_SOURCE_DIR}/packaging/vantrel.svg"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps")
+install(FILES "${CMAKE_SOURCE_DIR}/packaging/vantrel.png"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/icons/hicolor/64x64/apps")
 
 configure_package_config_file("${CMAKE_SOURCE_DIR}/cmake/VantrelConfig.cmake.in"
     "${CMAKE_BINARY_DIR}/VantrelConfig.cmake" INSTALL_DESTINATION "${VANTREL_CMAKE_DIR}"

@@ -58,6 +58,13 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Window, Views, testing::Bool(),
                          [](const auto& window) { return window.param ? "Shown" : "Hidden"; });
 
+TEST_P(Views, ShowTheIconOfTheApplication)
+{
+    const QImage icon = window.view(add())->windowIcon().pixmap(64).toImage();
+    ASSERT_EQ(icon.size(), QSize(64, 64));
+    EXPECT_EQ(icon.pixelColor(8, 32), QColor(0x2B, 0x3A, 0x4A));
+}
+
 TEST_P(Views, WithoutViewsTheActiveIdIsNegative)
 {
     EXPECT_LT(delegate.activeViewId(), 0);

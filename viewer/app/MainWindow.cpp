@@ -9,6 +9,8 @@
 #include <QtCore/QDebug>
 #include <QtCore/QFileInfo>
 #include <QtGui/QCloseEvent>
+#include <QtGui/QIcon>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMdiArea>
 #include <QtWidgets/QMenu>
@@ -20,6 +22,7 @@ MainWindow::MainWindow()
     : m_area(new QMdiArea)
 {
     setWindowTitle(QStringLiteral("Vantrel"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/vantrel.png"))); // of the views as well
     resize(1100, 750);
     m_area->setActivationOrder(QMdiArea::ActivationHistoryOrder);
     setCentralWidget(m_area);

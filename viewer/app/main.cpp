@@ -39,6 +39,7 @@ int main(int argc, char** argv)
     int ownArguments = 1;
     QApplication application(ownArguments, argv);
     QApplication::setApplicationName(QStringLiteral("Vantrel"));
+    QApplication::setDesktopFileName(QStringLiteral("vantrel"));
     QApplication::setApplicationVersion(QStringLiteral(VANTREL_VERSION));
     // Dialogs come and go while the main window is hidden: the application ends only when told to.
     QApplication::setQuitOnLastWindowClosed(false);
