@@ -38,6 +38,18 @@ bool isSize(int width, int height)
     return false;
 }
 
+// An operation on the pixels of the object and of another one; both have to have some.
+template<typename Operation>
+PyObject* onTwoImages(PyObject* self, PyObject* other, Operation operation)
+{
+    SxPicBuf* own = fx_img_pixels(self);
+    SxPicBuf* others = own ? fx_img_pixelsOfArgument(other) : nullptr;
+    if (!others)
+        return nullptr;
+    operation(*own, *others);
+    return fx_app_none();
+}
+
 } // namespace
 
 // ---- new images ----
@@ -167,12 +179,8 @@ PyObject* fx_pyimg_Resize(PyObject* self, PyObject* args)
 
 PyObject* fx_pyimg_CopyTo(PyObject* self, PyObject* other)
 {
-    const SxPicBuf* source = fx_img_pixels(self);
-    SxPicBuf* target = source ? fx_img_pixelsOfArgument(other) : nullptr;
-    if (!target)
-        return nullptr;
-    CxPicBufAPI::CopyPicBuf(*target, *source, true);
-    return fx_app_none();
+    return onTwoImages(self, other,
+                       [](const SxPicBuf& source, SxPicBuf& target) { CxPicBufAPI::CopyPicBuf(target, source, true); });
 }
 
 PyObject* fx_pyimg_CopyRectTo(PyObject* self, PyObject* args)
@@ -186,23 +194,16 @@ PyObject* fx_pyimg_CopyRectTo(PyObject* self, PyObject* args)
     int toY = 0;
     if (!PyArg_ParseTuple(args, "iiiiOii", &x, &y, &width, &height, &other, &toX, &toY))
         return nullptr;
-    const SxPicBuf* source = fx_img_pixels(self);
-    SxPicBuf* target = source ? fx_img_pixelsOfArgument(other) : nullptr;
-    if (!target)
-        return nullptr;
-    CxPicBufAPI::CopyRect(*target, unsigned(toX), unsigned(toY), *source, unsigned(x), unsigned(y), unsigned(width),
-                          unsigned(height));
-    return fx_app_none();
+    return onTwoImages(self, other, [&](const SxPicBuf& source, SxPicBuf& target) {
+        CxPicBufAPI::CopyRect(target, unsigned(toX), unsigned(toY), source, unsigned(x), unsigned(y), unsigned(width),
+                              unsigned(height));
+    });
 }
 
 PyObject* fx_pyimg_ResizeTo(PyObject* self, PyObject* other)
 {
-    const SxPicBuf* source = fx_img_pixels(self);
-    SxPicBuf* target = source ? fx_img_pixelsOfArgument(other) : nullptr;
-    if (!target)
-        return nullptr;
-    CxPicBufAPI::Resize(*source, *target);
-    return fx_app_none();
+    return onTwoImages(self, other,
+                       [](const SxPicBuf& source, SxPicBuf& target) { CxPicBufAPI::Resize(source, target); });
 }
 
 PyObject* fx_pyimg_ResizeRectTo(PyObject* self, PyObject* args)
@@ -218,35 +219,23 @@ PyObject* fx_pyimg_ResizeRectTo(PyObject* self, PyObject* args)
     int toHeight = 0;
     if (!PyArg_ParseTuple(args, "iiiiOiiii", &x, &y, &width, &height, &other, &toX, &toY, &toWidth, &toHeight))
         return nullptr;
-    const SxPicBuf* source = fx_img_pixels(self);
-    SxPicBuf* target = source ? fx_img_pixelsOfArgument(other) : nullptr;
-    if (!target)
-        return nullptr;
-    CxPicBufAPI::ResizeRect(*source, unsigned(x), unsigned(y), unsigned(width), unsigned(height), *target,
-                            unsigned(toX), unsigned(toY), unsigned(toWidth), unsigned(toHeight));
-    return fx_app_none();
+    return onTwoImages(self, other, [&](const SxPicBuf& source, SxPicBuf& target) {
+        CxPicBufAPI::ResizeRect(source, unsigned(x), unsigned(y), unsigned(width), unsigned(height), target,
+                                unsigned(toX), unsigned(toY), unsigned(toWidth), unsigned(toHeight));
+    });
 }
 
 // ---- in place ----
 
 PyObject* fx_pyimg_Add(PyObject* self, PyObject* other)
 {
-    SxPicBuf* target = fx_img_pixels(self);
-    const SxPicBuf* source = target ? fx_img_pixelsOfArgument(other) : nullptr;
-    if (!source)
-        return nullptr;
-    CxPicBufAPI::Add(*target, *source);
-    return fx_app_none();
+    return onTwoImages(self, other, [](SxPicBuf& target, const SxPicBuf& source) { CxPicBufAPI::Add(target, source); });
 }
 
 PyObject* fx_pyimg_Subtract(PyObject* self, PyObject* other)
 {
-    SxPicBuf* target = fx_img_pixels(self);
-    const SxPicBuf* source = target ? fx_img_pixelsOfArgument(other) : nullptr;
-    if (!source)
-        return nullptr;
-    CxPicBufAPI::Subtract(*target, *source);
-    return fx_app_none();
+    return onTwoImages(self, other,
+                       [](SxPicBuf& target, const SxPicBuf& source) { CxPicBufAPI::Subtract(target, source); });
 }
 
 PyObject* fx_pyimg_DivideByValue(PyObject* self, PyObject* args)
