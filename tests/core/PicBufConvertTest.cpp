@@ -80,15 +80,23 @@ TEST(PicBufConvert, ScalesFullScaleToFullScale)
 
 TEST(PicBufConvert, ScalesSmallTypesExactly)
 {
-    for (const unsigned fromBits : {10U, 12U, 14U, 16U}) {
-        TestPicBuf source({1U << fromBits, 1, 1, ExImageDataType::UInt16, 0, fromBits});
-        TestPicBuf target({1U << fromBits, 1, 1, ExImageDataType::UInt8});
-        for (unsigned i = 0; i < source.values(); ++i)
-            source.setBits(i, 0, i);
-        ASSERT_TRUE(CxPicBufAPI::ConvertPicToDifBpc(source.record, target.record, true));
-        const unsigned full = (1U << fromBits) - 1;
-        for (unsigned i = 0; i < source.values(); ++i)
-            ASSERT_EQ(target.get<std::uint8_t>(i, 0), (i * 255 * 2 + full) / (2 * full)) << i << " of " << full;
+    // Every value, also those above full scale.
+    constexpr unsigned count = 65536;
+    for (unsigned fromBits = 1; fromBits <= 16; ++fromBits) {
+        for (unsigned toBits = 1; toBits <= 16; ++toBits) {
+            const auto type = toBits <= 8 ? ExImageDataType::UInt8 : ExImageDataType::UInt16;
+            TestPicBuf source({count, 1, 1, ExImageDataType::UInt16, 0, fromBits});
+            TestPicBuf target({count, 1, 1, type, 0, toBits});
+            for (unsigned i = 0; i < count; ++i)
+                source.setBits(i, 0, i);
+            ASSERT_TRUE(CxPicBufAPI::ConvertPicToDifBpc(source.record, target.record, true));
+            const std::uint64_t from = (1U << fromBits) - 1, to = (1U << toBits) - 1;
+            for (unsigned i = 0; i < count; ++i) {
+                const std::uint64_t wanted = (std::min<std::uint64_t>(i, from) * to * 2 + from) / (2 * from);
+                const unsigned seen = toBits <= 8 ? target.get<std::uint8_t>(i, 0) : target.get<std::uint16_t>(i, 0);
+                ASSERT_EQ(seen, wanted) << i << " from " << fromBits << " to " << toBits << " bits";
+            }
+        }
     }
 }
 

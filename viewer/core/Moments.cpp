@@ -1,7 +1,7 @@
 #include "Moments.h"
 
+#include "PixelLoop.h"
 #include "PixelTypes.h"
-#include "ProcessorFeatures.h"
 
 #include <array>
 
@@ -65,33 +65,15 @@ template<typename T>
     return lanes.together();
 }
 
-// Functions of their own: inlined elsewhere, the loop is not always turned into vectors.
-template<typename T>
-[[gnu::noinline]] Moments<T> sumUpAnywhere(const std::uint8_t* values, std::size_t count, MomentSum<T> base, T least,
-                                           T greatest)
-{
-    return sumUp<T>(values, count, base, least, greatest);
-}
-
-#if VANTREL_HAS_AVX2_CODE
-template<typename T>
-VANTREL_AVX2_CODE [[gnu::noinline]] Moments<T> sumUpByAvx2(const std::uint8_t* values, std::size_t count,
-                                                           MomentSum<T> base, T least, T greatest)
-{
-    return sumUp<T>(values, count, base, least, greatest);
-}
-#endif
-
 } // namespace
 
 template<typename T>
 Moments<T> momentsOf(const std::uint8_t* values, std::size_t count, MomentSum<T> base, T least, T greatest)
 {
-#if VANTREL_HAS_AVX2_CODE
-    if (std::is_floating_point_v<T> && processorHasAvx2)
-        return sumUpByAvx2<T>(values, count, base, least, greatest);
-#endif
-    return sumUpAnywhere<T>(values, count, base, least, greatest);
+    Moments<T> moments = {};
+    Moments<T>* const result = &moments;
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP { *result = sumUp<T>(values, count, base, least, greatest); });
+    return moments;
 }
 
 template Moments<float> momentsOf(const std::uint8_t*, std::size_t, double, float, float);

@@ -4,6 +4,7 @@
 
 #include "Packed565.h"
 #include "PicBufRecord.h"
+#include "PixelLoop.h"
 #include "PixelTypes.h"
 
 #include <algorithm>
@@ -72,8 +73,10 @@ T highestOf(const SxPicBufInfo& info)
 template<typename T, typename Operation>
 void combineRow(std::uint8_t* a, const std::uint8_t* b, std::size_t count, T highest)
 {
-    for (std::size_t i = 0; i < count; ++i)
-        storeValue(a, i, Operation::apply(loadValue<T>(a, i), loadValue<T>(b, i), highest));
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+        for (std::size_t i = 0; i < count; ++i)
+            storeValue(a, i, Operation::apply(loadValue<T>(a, i), loadValue<T>(b, i), highest));
+    });
 }
 
 template<typename Operation>
@@ -141,6 +144,15 @@ T quotient(T value, int divisor)
     }
 }
 
+template<typename T>
+void divideRow(std::uint8_t* row, std::size_t count, int divisor)
+{
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+        for (std::size_t i = 0; i < count; ++i)
+            storeValue(row, i, quotient(loadValue<T>(row, i), divisor));
+    });
+}
+
 void dividePackedRow(std::uint8_t* row, std::size_t count, int divisor)
 {
     for (std::size_t i = 0; i < count; ++i) {
@@ -174,11 +186,8 @@ bool CxPicBufAPI::DivideByValue(SxPicBuf& buffer, int divisor)
         return true;
     }
     const bool known = visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
-        for (std::uint32_t y = 0; y < buffer.height; ++y) {
-            std::uint8_t* row = buffer.row(y);
-            for (std::size_t i = 0; i < valuesPerRow(buffer); ++i)
-                storeValue(row, i, quotient(loadValue<T>(row, i), divisor));
-        }
+        for (std::uint32_t y = 0; y < buffer.height; ++y)
+            divideRow<T>(buffer.row(y), valuesPerRow(buffer), divisor);
     });
     return known || refuse("DivideByValue", "the type is unknown");
 }

@@ -3,8 +3,11 @@
 #include "CxPicBufAPI.h"
 
 #include "PicBufRecord.h"
+#include "PixelLoop.h"
 #include "PixelTypes.h"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
@@ -40,6 +43,12 @@ D toInteger(W value, W highest)
     return static_cast<D>(rounded(value));
 }
 
+/// How many bits a full scale has.
+unsigned bitsOf(long double full)
+{
+    return unsigned(std::bit_width(static_cast<std::uint32_t>(full)));
+}
+
 template<typename D, typename S>
 D sameValue(S value)
 {
@@ -70,15 +79,10 @@ void keepValues(const SxPicBuf& src, SxPicBuf& dst)
 }
 
 template<typename D, typename S>
-void scaleValues(const SxPicBuf& src, SxPicBuf& dst)
+void scaleByFactor(const std::uint8_t* in, std::uint8_t* out, std::size_t count, Wide<S, D> factor, Wide<S, D> highest)
 {
     using W = Wide<S, D>;
-    const auto highest = static_cast<W>(fullScale(dst));
-    const auto factor = static_cast<W>(fullScale(dst) / fullScale(src));
-    const std::size_t count = valuesPerRow(src);
-    for (std::uint32_t y = 0; y < src.height; ++y) {
-        const std::uint8_t* in = src.row(y);
-        std::uint8_t* out = dst.row(y);
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
         for (std::size_t i = 0; i < count; ++i) {
             const W value = static_cast<W>(loadValue<S>(in, i)) * factor;
             if constexpr (std::is_floating_point_v<D>)
@@ -86,6 +90,39 @@ void scaleValues(const SxPicBuf& src, SxPicBuf& dst)
             else
                 storeValue(out, i, toInteger<D, W>(value, highest));
         }
+    });
+}
+
+/// From more bits to as many or fewer, both of unsigned types of up to 16 bits: the quotient of value * highest by full
+/// (which is 2 to the power bits, less 1), to the nearest integer. full is odd, so there are no halves.
+template<typename D, typename S>
+void scaleDown(const std::uint8_t* in, std::uint8_t* out, std::size_t count, unsigned bits, std::uint32_t highest)
+{
+    const std::uint32_t full = (1U << bits) - 1;
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::uint32_t value = std::min<std::uint32_t>(loadValue<S>(in, i), full);
+            const std::uint32_t dividend = value * highest + full / 2;
+            storeValue(out, i, static_cast<D>((dividend + (dividend >> bits) + 1) >> bits)); // dividend / full
+        }
+    });
+}
+
+template<typename D, typename S>
+void scaleValues(const SxPicBuf& src, SxPicBuf& dst)
+{
+    using W = Wide<S, D>;
+    const auto highest = static_cast<W>(fullScale(dst));
+    const auto factor = static_cast<W>(fullScale(dst) / fullScale(src));
+    const std::size_t count = valuesPerRow(src);
+    for (std::uint32_t y = 0; y < src.height; ++y) {
+        if constexpr (std::is_unsigned_v<S> && std::is_unsigned_v<D> && sizeof(S) <= 2 && sizeof(D) <= 2) {
+            if (factor <= 1) {
+                scaleDown<D, S>(src.row(y), dst.row(y), count, bitsOf(fullScale(src)), std::uint32_t(highest));
+                continue;
+            }
+        }
+        scaleByFactor<D, S>(src.row(y), dst.row(y), count, factor, highest);
     }
 }
 

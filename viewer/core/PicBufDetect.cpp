@@ -3,8 +3,8 @@
 #include "CxPicBufAPI.h"
 
 #include "PicBufRecord.h"
+#include "PixelLoop.h"
 #include "PixelTypes.h"
-#include "ProcessorFeatures.h"
 
 #include <algorithm>
 #include <array>
@@ -42,16 +42,11 @@ std::make_unsigned_t<T> magnitude(T value)
 
 std::uint64_t orOfWords(const std::uint8_t* words, std::size_t count)
 {
-    return orOfLanes(words, count);
+    std::uint64_t bits = 0;
+    std::uint64_t* const result = &bits;
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP { *result = orOfLanes(words, count); });
+    return bits;
 }
-
-#if VANTREL_HAS_AVX2_CODE
-// The same in wider vectors. Finding the depth takes much of the time in which an array becomes an image.
-VANTREL_AVX2_CODE std::uint64_t orOfWordsByAvx2(const std::uint8_t* words, std::size_t count)
-{
-    return orOfLanes(words, count);
-}
-#endif
 
 /// All bytes of a row, in words of 8, or-ed together; missing ones at the end count as 0.
 std::uint64_t orOfBytes(const std::uint8_t* row, std::size_t count)
@@ -59,10 +54,6 @@ std::uint64_t orOfBytes(const std::uint8_t* row, std::size_t count)
     const std::size_t words = count / sizeof(std::uint64_t);
     std::uint64_t rest = 0;
     std::memcpy(&rest, row + words * sizeof rest, count % sizeof rest);
-#if VANTREL_HAS_AVX2_CODE
-    if (processorHasAvx2)
-        return rest | orOfWordsByAvx2(row, words);
-#endif
     return rest | orOfWords(row, words);
 }
 
