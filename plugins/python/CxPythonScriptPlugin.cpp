@@ -31,6 +31,7 @@ CxPythonScriptPlugin::~CxPythonScriptPlugin()
         fx_dropNativeException();
         try {
             fx_takeOverMainThread();
+            emb::release_saved_streams(); // a run that host code ended has left them held
             Py_Finalize();
             crashed = fx_dropNativeException();
         } catch (...) {

@@ -159,6 +159,14 @@ void reset_stderr()
     uninstall("stderr", g_stderr, g_stderr_saved);
 }
 
+void release_saved_streams()
+{
+    if (g_stdout)
+        Py_XDECREF(std::exchange(g_stdout_saved, nullptr));
+    if (g_stderr)
+        Py_XDECREF(std::exchange(g_stderr_saved, nullptr));
+}
+
 void clear_writers()
 {
     for (PyObject* instance : {g_stdout, g_stderr}) {

@@ -23,6 +23,10 @@ void set_stderr(Write write);
 void reset_stdout();
 void reset_stderr();
 
+/// Lets go of the streams that stood there before, without putting them back. They write out what they hold when nobody
+/// holds them any more: to be called before the interpreter is finalised.
+void release_saved_streams();
+
 /// Empties the functions of both streams and leaves everything else in place: writes then do nothing.
 void clear_writers();
 

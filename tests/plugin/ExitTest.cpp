@@ -23,6 +23,7 @@ Left leaveAt(const char* stage, const char* script = "")
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeFolder.path());
     environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.remove(QStringLiteral("PYTHONUNBUFFERED")); // it would hide text that waits to be written
     process.setProcessEnvironment(environment);
     process.start(
         QCoreApplication::applicationDirPath() + QStringLiteral("/plugin_leave_at_stage"),
