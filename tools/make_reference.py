@@ -136,13 +136,14 @@ def make_stubs(chapters):
                 arguments = stub_arguments(entry)
                 parts.append(f"    def {entry.name}(self{', ' + arguments if arguments else ''}) -> {stub_result(entry)}: ...")
         if kind == "Camera":
+            # Writing gives None where no camera is attached; scripts that attach one need not ask for it every time.
             for name in CAMERA_PARAMETERS:
                 parts += [
                     f"    def get_{name}(self) -> Optional[ParamValue]: ...",
                     f"    def is_{name}(self) -> Optional[ParamValue]: ...",
-                    f"    def set_{name}(self, value: ParamValue, /) -> Optional[int]: ...",
-                    f"    def enable_{name}(self) -> Optional[int]: ...",
-                    f"    def disable_{name}(self) -> Optional[int]: ...",
+                    f"    def set_{name}(self, value: ParamValue, /) -> int: ...",
+                    f"    def enable_{name}(self) -> int: ...",
+                    f"    def disable_{name}(self) -> int: ...",
                 ]
                 parts += [f"    def get_{name}_{word}(self) -> Optional[ParamValue]: ..."
                           for word in ("minimum", "maximum", "increment")]
