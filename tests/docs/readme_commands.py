@@ -59,7 +59,7 @@ for command in dict.fromkeys(blocks + inline):
 
 # The files and folders it names are there.
 for name in re.findall(r"`([\w.]+(?:/[\w.]*)+|[\w-]+\.md)`", text) + re.findall(r"\]\(([\w/.]+)\)", text):
-    if not any((folder / name).exists() for folder in (root, root / "docs")) and not name.startswith("/"):
+    if not any((folder / name).exists() for folder in (root, root / "docs")):
         failures.append(f"{name} does not exist")
 
 for failure in failures:
