@@ -1,11 +1,11 @@
 // Drawing graphs into images, beside the same plot painted by the bare plotting library, and the exchange of red and
 // blue, beside OpenCV's.
 
-#include "CxGraphData.h"
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
-#include "GraphPainting.h"
-#include "PlotLibrary.h"
+#include "graph/CxGraphData.h"
+#include "graph/GraphPainting.h"
+#include "graph/PlotLibrary.h"
 
 #include <QtGui/QImage>
 #include <QtWidgets/QApplication>

@@ -1,9 +1,9 @@
 // Copying arrays and drawing lines without an interpreter: the quick ways beside the plain walk, and beside the C
 // library and OpenCV.
 
-#include "ArrayCopy.h"
 #include "CxPicBufAPI.h"
-#include "LineDrawing.h"
+#include "image/ArrayCopy.h"
+#include "image/LineDrawing.h"
 
 #include <benchmark/benchmark.h>
 #include <opencv2/imgproc.hpp>

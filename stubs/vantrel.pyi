@@ -1,4 +1,4 @@
-"""Types of the module that scripts see. Made from viewer/app/help/scripting.txt."""
+"""Types of the module that scripts see. Made from viewer/scripting/help/scripting.txt."""
 
 from typing import Any, Callable, Dict, List, Optional, Tuple, Union
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Makes docs/reference.md and stubs/vantrel.pyi from viewer/app/help/scripting.txt.
+"""Makes docs/reference.md and stubs/vantrel.pyi from viewer/scripting/help/scripting.txt.
 
 usage: make_reference.py [--check]
 
@@ -11,7 +11,7 @@ import re
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-SOURCE = ROOT / "viewer/app/help/scripting.txt"
+SOURCE = ROOT / "viewer/scripting/help/scripting.txt"
 REFERENCE = ROOT / "docs/reference.md"
 STUBS = ROOT / "stubs/vantrel.pyi"
 
@@ -114,7 +114,7 @@ def stub_result(entry):
 def make_stubs(chapters):
     entries = [entry for _, chapter in chapters for entry in chapter]
     parts = [
-        '"""Types of the module that scripts see. Made from viewer/app/help/scripting.txt."""',
+        '"""Types of the module that scripts see. Made from viewer/scripting/help/scripting.txt."""',
         "",
         "from typing import Any, Callable, Dict, List, Optional, Tuple, Union",
         "",

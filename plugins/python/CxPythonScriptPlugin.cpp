@@ -1,15 +1,15 @@
 #include "CxPythonScriptPlugin.h"
 
 #include "CxImageData.h"
-#include "ErrorLog.h"
 #include "ExitReport.h"
 #include "InterpreterLibrary.h"
 #include "IxScriptEnvironment.h"
 #include "MainThread.h"
-#include "NativeGuard.h"
 #include "OutputRedirection.h"
-#include "PyRef.h"
 #include "ScriptModule.h"
+#include "support/ErrorLog.h"
+#include "support/NativeGuard.h"
+#include "support/PyRef.h"
 
 #include <QtCore/QCoreApplication>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "CxScriptLangInterface.h"
-#include "PythonApi.h"
+#include "support/PythonApi.h"
 
 #include <QtCore/QMutex>
 #include <QtCore/QObject>

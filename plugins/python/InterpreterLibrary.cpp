@@ -1,6 +1,6 @@
 #include "InterpreterLibrary.h"
 
-#include "PythonApi.h"
+#include "support/PythonApi.h"
 
 #include <QtCore/QtGlobal>
 

@@ -1,8 +1,8 @@
 // The names in __main__: what a run finds there, and what it must not leave.
 
 #include "CxPythonScriptPlugin.h"
-#include "NativeGuard.h"
-#include "PyRef.h"
+#include "support/NativeGuard.h"
+#include "support/PyRef.h"
 
 #include <QtCore/QLoggingCategory>
 

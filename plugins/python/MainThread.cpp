@@ -1,6 +1,6 @@
 #include "MainThread.h"
 
-#include "PyRef.h"
+#include "support/PyRef.h"
 
 void fx_takeOverMainThread()
 {

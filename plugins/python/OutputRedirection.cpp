@@ -1,7 +1,7 @@
 #include "OutputRedirection.h"
 
-#include "ErrorLog.h"
-#include "NativeGuard.h"
+#include "support/ErrorLog.h"
+#include "support/NativeGuard.h"
 
 #include <QtCore/QString>
 

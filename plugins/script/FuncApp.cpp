@@ -1,11 +1,11 @@
 // The module `vantrel`: registration, initialisation, source texts, and the table of its functions.
 
-#include "AppFunctions.h"
 #include "IxAppDelegate.h"
 #include "IxScriptEnvironment.h"
-#include "NativeGuard.h"
-#include "PyRef.h"
 #include "ScriptModule.h"
+#include "app/AppFunctions.h"
+#include "support/NativeGuard.h"
+#include "support/PyRef.h"
 
 #include <cstdio>
 

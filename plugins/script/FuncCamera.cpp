@@ -1,15 +1,15 @@
 // The type vantrel.Camera: its objects, how they are attached to the host's cameras, device information, acquisition,
 // and its tables.
 
-#include "AppFunctions.h"
-#include "CameraObject.h"
 #include "CxCameraManager.h"
 #include "CxCameraParameters.h"
-#include "ErrorLog.h"
 #include "IxAppDelegate.h"
-#include "NativeGuard.h"
-#include "PyRef.h"
 #include "ScriptModule.h"
+#include "app/AppFunctions.h"
+#include "camera/CameraObject.h"
+#include "support/ErrorLog.h"
+#include "support/NativeGuard.h"
+#include "support/PyRef.h"
 
 #include <QtCore/QString>
 

@@ -1,13 +1,13 @@
 // The type vantrel.Graph: its objects, their methods and its tables. What a graph holds and how it is drawn needs no
 // interpreter and stands in CxGraphData and GraphPainting.
 
-#include "CxGraphData.h"
 #include "CxImageData.h"
-#include "ErrorLog.h"
-#include "GraphPainting.h"
-#include "NativeGuard.h"
-#include "PyRef.h"
 #include "ScriptModule.h"
+#include "graph/CxGraphData.h"
+#include "graph/GraphPainting.h"
+#include "support/ErrorLog.h"
+#include "support/NativeGuard.h"
+#include "support/PyRef.h"
 
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>

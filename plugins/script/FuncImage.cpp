@@ -2,12 +2,12 @@
 
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
-#include "ErrorLog.h"
-#include "ImageMethods.h"
-#include "ImageObject.h"
-#include "NativeGuard.h"
-#include "PyRef.h"
 #include "ScriptModule.h"
+#include "image/ImageMethods.h"
+#include "image/ImageObject.h"
+#include "support/ErrorLog.h"
+#include "support/NativeGuard.h"
+#include "support/PyRef.h"
 
 #include <QtCore/QString>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "PythonApi.h"
+#include "support/PythonApi.h"
 
 #include <QtCore/qglobal.h>
 

@@ -3,8 +3,8 @@
 #include "CxCameraManager.h"
 #include "CxCameraParameters.h"
 #include "CxImageData.h"
-#include "OpenedCamera.h"
-#include "SimulatedCamera.h"
+#include "ViewerCamera.h"
+#include "simulated/SimulatedCamera.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
@@ -34,7 +34,7 @@ protected:
         return true;
     }
 
-    static void set(OpenedCamera* camera, const char* name, const CxValue& value)
+    static void set(ViewerCamera* camera, const char* name, const CxValue& value)
     {
         camera->parameters()->setParamDirect(QString::fromUtf8(name), value, nullptr,
                                              ExCommitRefreshGuiMode::CommitAndRefresh);
@@ -94,10 +94,10 @@ TEST_F(CameraSetTest, LeavesOutACameraThatCannotBeOpened)
 TEST_F(CameraSetTest, FramesArriveWhileTheEventLoopRuns)
 {
     cameras.openSimulated(3);
-    OpenedCamera* camera = cameras.cameras()[2];
+    ViewerCamera* camera = cameras.cameras()[2];
     set(camera, "framerate", CxValue::fromFloat(100));
     std::vector<std::shared_ptr<CxImageData>> frames;
-    QObject::connect(camera, &OpenedCamera::frameArrived,
+    QObject::connect(camera, &ViewerCamera::frameArrived,
                      [&frames](std::shared_ptr<CxImageData> frame) { frames.push_back(std::move(frame)); });
     EXPECT_FALSE(camera->isLive());
     ASSERT_TRUE(camera->start());
@@ -112,9 +112,9 @@ TEST_F(CameraSetTest, FramesArriveWhileTheEventLoopRuns)
 TEST_F(CameraSetTest, ListenersLearnWhenFramesCeaseToArrive)
 {
     cameras.openSimulated(1);
-    OpenedCamera* camera = cameras.cameras()[0];
+    ViewerCamera* camera = cameras.cameras()[0];
     QList<bool> changes;
-    QObject::connect(camera, &OpenedCamera::liveChanged, [&changes](bool live) { changes.append(live); });
+    QObject::connect(camera, &ViewerCamera::liveChanged, [&changes](bool live) { changes.append(live); });
     camera->start();
     set(camera, "trigger_mode", CxValue::fromString(QStringLiteral("line0")));
     EXPECT_TRUE(camera->isRunning());
@@ -127,9 +127,9 @@ TEST_F(CameraSetTest, ListenersLearnWhenFramesCeaseToArrive)
 TEST_F(CameraSetTest, AListenerMayCloseTheCameraFromWithinAFrame)
 {
     cameras.openSimulated(1);
-    OpenedCamera* camera = cameras.cameras()[0];
+    ViewerCamera* camera = cameras.cameras()[0];
     int frames = 0;
-    QObject::connect(camera, &OpenedCamera::frameArrived, [&] {
+    QObject::connect(camera, &ViewerCamera::frameArrived, [&] {
         ++frames;
         camera->close();
     });
@@ -142,7 +142,7 @@ TEST_F(CameraSetTest, AListenerMayCloseTheCameraFromWithinAFrame)
 TEST_F(CameraSetTest, ARestartBringsTheCameraBackUnderANewHandleWithDefaults)
 {
     cameras.openSimulated(3);
-    OpenedCamera* camera = cameras.cameras()[1];
+    ViewerCamera* camera = cameras.cameras()[1];
     void* old = camera->handle();
     set(camera, "exposure", CxValue::fromInt(50));
     camera->start();
@@ -186,7 +186,7 @@ TEST_F(CameraSetTest, ARestartTakesAboutASecondUnlessToldOtherwise)
 TEST_F(CameraSetTest, AnotherThreadMayWriteParametersWhileFramesArrive)
 {
     cameras.openSimulated(3);
-    OpenedCamera* camera = cameras.cameras()[2];
+    ViewerCamera* camera = cameras.cameras()[2];
     set(camera, "framerate", CxValue::fromFloat(120));
     camera->start();
     std::atomic<bool> done = false;

@@ -1,4 +1,4 @@
-#include "SimulatedCamera.h"
+#include "simulated/SimulatedCamera.h"
 
 #include "CxCameraParameters.h"
 #include "CxImageData.h"

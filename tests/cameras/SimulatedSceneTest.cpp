@@ -1,4 +1,4 @@
-#include "SimulatedScene.h"
+#include "simulated/SimulatedScene.h"
 
 #include "CxPicBufAPI.h"
 

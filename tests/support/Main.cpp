@@ -1,8 +1,8 @@
 // Runs tests with an application object, and checks after each that no host image is left over.
 
 #include "CxImageData.h"
-#include "support/Leftovers.h"
-#include "support/TestSettings.h"
+#include "Leftovers.h"
+#include "TestSettings.h"
 
 #include <QtWidgets/QApplication>
 

@@ -1,6 +1,6 @@
 #include "PluginHost.h"
 
-#include "support/TestSettings.h"
+#include "TestSettings.h"
 
 QStringList PluginHost::output;
 std::function<void(const QString&, bool)> PluginHost::onOutput;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/PluginHost.h"
+#include "PluginHost.h"
 
 #include "CxPicBufAPI.h"
 

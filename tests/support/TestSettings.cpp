@@ -1,4 +1,4 @@
-#include "support/TestSettings.h"
+#include "TestSettings.h"
 
 QString TestSettings::pluginFile;
 QString TestSettings::pythonHome;

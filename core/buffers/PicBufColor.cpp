@@ -1,0 +1,186 @@
+// Colours and their channels.
+
+#include "CxPicBufAPI.h"
+
+#include "Packed565.h"
+#include "PicBufChecks.h"
+#include "PicBufMat.h"
+#include "PixelTypes.h"
+#include "ScopedPicBuf.h"
+
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include <new>
+#include <utility>
+
+namespace {
+
+/// Calls visit with the std::type_identity of an integer as large as the values of a type, for work that only moves
+/// values.
+template<typename Visitor>
+void visitValueSize(ExImageDataType type, Visitor&& visit)
+{
+    switch (SxPicBufInfo::bytesPerValue(type)) {
+    case 2:
+        return visit(std::type_identity<std::uint16_t>());
+    case 4:
+        return visit(std::type_identity<std::uint32_t>());
+    case 8:
+        return visit(std::type_identity<std::uint64_t>());
+    default:
+        return visit(std::type_identity<std::uint8_t>());
+    }
+}
+
+template<typename T>
+void swapFirstAndThird(SxPicBuf& buffer)
+{
+    for (std::uint32_t y = 0; y < buffer.height; ++y) {
+        std::uint8_t* row = buffer.row(y);
+        for (std::size_t i = 0; i < valuesPerRow(buffer); i += buffer.channels) {
+            const T first = loadValue<T>(row, i);
+            storeValue(row, i, loadValue<T>(row, i + 2));
+            storeValue(row, i + 2, first);
+        }
+    }
+}
+
+/// Copies as many channels as dst has, from a given one on. Slower than OpenCV, but for any number of channels and for
+/// rows at any address.
+void copyChannels(const SxPicBuf& src, std::size_t first, SxPicBuf& dst)
+{
+    visitValueSize(src.dataType, [&]<typename T>(std::type_identity<T>) {
+        for (std::uint32_t y = 0; y < src.height; ++y) {
+            const std::uint8_t* in = src.row(y);
+            std::uint8_t* out = dst.row(y);
+            for (std::size_t x = 0; x < src.width; ++x)
+                for (std::size_t c = 0; c < dst.channels; ++c)
+                    storeValue(out, x * dst.channels + c, loadValue<T>(in, x * src.channels + first + c));
+        }
+    });
+}
+
+void unpackToRgb(const SxPicBuf& src, SxPicBuf& dst)
+{
+    const auto stretched = [](unsigned value, unsigned maximum) {
+        return std::uint8_t((value * 255 + maximum / 2) / maximum);
+    };
+    for (std::uint32_t y = 0; y < src.height; ++y) {
+        std::uint8_t* out = dst.row(y);
+        for (std::size_t x = 0; x < src.width; ++x, out += dst.channels) {
+            const Packed565 colour = Packed565::unpack(loadValue<std::uint16_t>(src.row(y), x));
+            out[0] = stretched(colour.blue, Packed565::maxBlue);
+            out[1] = stretched(colour.green, Packed565::maxGreen);
+            out[2] = stretched(colour.red, Packed565::maxRed);
+            if (dst.channels == 4)
+                out[3] = 255;
+        }
+    }
+}
+
+/// The channels that count for a colour: one of grey, three of colour, or four with alpha.
+SxPicBuf visibleChannels(const SxPicBuf& src, ScopedPicBuf& copied)
+{
+    if (src.channels == 1 || src.channels == 3 || src.channels == 4)
+        return src;
+    SxPicBufInfo info = src;
+    info.channels = src.channels == 2 ? 1 : 3;
+    if (!copied.allocate(info))
+        throw std::bad_alloc();
+    copyChannels(src, 0, copied.buffer);
+    return copied.buffer;
+}
+
+void toColour(const cv::Mat& pixels, cv::Mat& colour)
+{
+    const bool alpha = colour.channels() == 4;
+    switch (pixels.channels()) {
+    case 1:
+        cv::cvtColor(pixels, colour, alpha ? cv::COLOR_GRAY2BGRA : cv::COLOR_GRAY2BGR);
+        break;
+    case 3:
+        alpha ? cv::cvtColor(pixels, colour, cv::COLOR_BGR2BGRA) : pixels.copyTo(colour);
+        break;
+    default:
+        alpha ? pixels.copyTo(colour) : cv::cvtColor(pixels, colour, cv::COLOR_BGRA2BGR);
+        break;
+    }
+}
+
+/// Values of any number type as 8 bits, full scale to 255. Bytes of full depth are taken as they stand.
+SxPicBuf asBytes(const SxPicBuf& src, ScopedPicBuf& converted)
+{
+    if (src.dataType == ExImageDataType::UInt8 && (src.bpc == 0 || src.bpc >= 8))
+        return src;
+    SxPicBufInfo info = src;
+    info.dataType = ExImageDataType::UInt8;
+    info.bpc = 8;
+    if (!converted.allocate(info))
+        throw std::bad_alloc();
+    CxPicBufAPI::ConvertPicToDifBpc(src, converted.buffer, true);
+    return converted.buffer;
+}
+
+} // namespace
+
+bool CxPicBufAPI::SwapRedAndBlue(SxPicBuf& buffer)
+{
+    if (!hasPixels(buffer) || (buffer.channels != 3 && buffer.channels != 4) ||
+        buffer.dataType == ExImageDataType::Packed565)
+        return refuse("SwapRedAndBlue", "the buffer has no red and blue channels");
+    const std::size_t bytes = SxPicBufInfo::bytesPerValue(buffer.dataType);
+    const std::optional<cv::Mat> pixels =
+        bytes == 8 ? std::nullopt : wrapMat(buffer, bytes == 4 ? CV_32F : moveDepth(buffer.dataType));
+    if (pixels) {
+        cv::Mat swapped = *pixels; // a header of its own: OpenCV copies first when it is given one for both
+        cv::cvtColor(*pixels, swapped, buffer.channels == 3 ? cv::COLOR_BGR2RGB : cv::COLOR_BGRA2RGBA);
+    } else {
+        visitValueSize(buffer.dataType, [&]<typename T>(std::type_identity<T>) { swapFirstAndThird<T>(buffer); });
+    }
+    return true;
+}
+
+bool CxPicBufAPI::ConvertPicToRGB(const SxPicBuf& src, SxPicBuf& dst)
+{
+    if (!hasPixels(src) || !hasPixels(dst) || !sameSize(src, dst))
+        return refuse("ConvertPicToRGB", "the buffers differ in size");
+    if (dst.dataType != ExImageDataType::UInt8 || (dst.channels != 3 && dst.channels != 4))
+        return refuse("ConvertPicToRGB", "the destination is not 8-bit colour");
+    if (overlap(src, dst))
+        return refuse("ConvertPicToRGB", "source and destination share memory");
+    if (src.dataType == ExImageDataType::Packed565) {
+        unpackToRgb(src, dst);
+        return true;
+    }
+    if (!visitNumberType(src.dataType, [](auto) {}))
+        return refuse("ConvertPicToRGB", "the source's type is unknown");
+    try {
+        ScopedPicBuf copied;
+        ScopedPicBuf converted;
+        const cv::Mat pixels = readMat(asBytes(visibleChannels(src, copied), converted), CV_8U);
+        cv::Mat colour = readMat(dst, CV_8U);
+        toColour(pixels, colour);
+        return true;
+    } catch (const cv::Exception& error) {
+        return refuse("ConvertPicToRGB", error.err.c_str());
+    } catch (const std::bad_alloc&) {
+        return refuse("ConvertPicToRGB", "out of memory");
+    }
+}
+
+bool CxPicBufAPI::ExtractChannel(const SxPicBuf& src, SxPicBuf& dst, unsigned channel)
+{
+    if (!hasPixels(src) || !hasPixels(dst) || !sameSize(src, dst) || src.dataType != dst.dataType || dst.channels != 1)
+        return refuse("ExtractChannel", "the destination must have one channel and the source's size and type");
+    if (channel >= src.channels)
+        return refuse("ExtractChannel", "there is no such channel");
+    const int depth = moveDepth(src.dataType);
+    const std::optional<cv::Mat> pixels = wrapMat(src, depth);
+    std::optional<cv::Mat> extracted = wrapMat(dst, depth);
+    if (pixels && extracted)
+        cv::extractChannel(*pixels, *extracted, int(channel));
+    else
+        copyChannels(src, channel, dst);
+    return true;
+}

@@ -1,0 +1,149 @@
+// Other types and bit depths.
+
+#include "CxPicBufAPI.h"
+
+#include "PicBufChecks.h"
+#include "PixelLoop.h"
+#include "PixelTypes.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <utility>
+
+namespace {
+
+/// Enough for the values of both types and the products between them.
+template<typename S, typename D>
+using Wide = std::conditional_t<(std::is_integral_v<S> && sizeof(S) == 8) || (std::is_integral_v<D> && sizeof(D) == 8),
+                                long double, double>;
+
+/// Rounds to the nearest integer, a half to the even one. The sum has no room for a fraction, so that adding rounds;
+/// unlike std::rint this runs in vectors on every processor. For values below 2 to the power 51.
+double rounded(double value)
+{
+    constexpr double shift = 6755399441055744.0; // 1.5 times 2 to the power 52
+    return (value + shift) - shift;
+}
+
+long double rounded(long double value)
+{
+    return std::rint(value);
+}
+
+template<typename D, typename W>
+D toInteger(W value, W highest)
+{
+    constexpr auto lowest = static_cast<W>(std::numeric_limits<D>::min());
+    value = value == value ? value : W(0);
+    value = value < lowest ? lowest : value;
+    value = value > highest ? highest : value;
+    return static_cast<D>(rounded(value));
+}
+
+/// How many bits a full scale has.
+unsigned bitsOf(long double full)
+{
+    return unsigned(std::bit_width(static_cast<std::uint32_t>(full)));
+}
+
+template<typename D, typename S>
+D sameValue(S value)
+{
+    if constexpr (std::is_floating_point_v<D>) {
+        return static_cast<D>(value);
+    } else if constexpr (std::is_floating_point_v<S>) {
+        using W = Wide<S, D>;
+        return toInteger<D, W>(static_cast<W>(value), static_cast<W>(std::numeric_limits<D>::max()));
+    } else {
+        constexpr D lowest = std::numeric_limits<D>::min();
+        constexpr D highest = std::numeric_limits<D>::max();
+        if (std::cmp_less(value, lowest))
+            return lowest;
+        return std::cmp_greater(value, highest) ? highest : static_cast<D>(value);
+    }
+}
+
+template<typename D, typename S>
+void keepValues(const SxPicBuf& src, SxPicBuf& dst)
+{
+    const std::size_t count = valuesPerRow(src);
+    for (std::uint32_t y = 0; y < src.height; ++y) {
+        const std::uint8_t* in = src.row(y);
+        std::uint8_t* out = dst.row(y);
+        for (std::size_t i = 0; i < count; ++i)
+            storeValue(out, i, sameValue<D>(loadValue<S>(in, i)));
+    }
+}
+
+template<typename D, typename S>
+void scaleByFactor(const std::uint8_t* in, std::uint8_t* out, std::size_t count, Wide<S, D> factor, Wide<S, D> highest)
+{
+    using W = Wide<S, D>;
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+        for (std::size_t i = 0; i < count; ++i) {
+            const W value = static_cast<W>(loadValue<S>(in, i)) * factor;
+            if constexpr (std::is_floating_point_v<D>)
+                storeValue(out, i, static_cast<D>(value));
+            else
+                storeValue(out, i, toInteger<D, W>(value, highest));
+        }
+    });
+}
+
+/// From more bits to as many or fewer, both of unsigned types of up to 16 bits: the quotient of value * highest by full
+/// (which is 2 to the power bits, less 1), to the nearest integer. full is odd, so there are no halves.
+template<typename D, typename S>
+void scaleDown(const std::uint8_t* in, std::uint8_t* out, std::size_t count, unsigned bits, std::uint32_t highest)
+{
+    const std::uint32_t full = (1U << bits) - 1;
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::uint32_t value = std::min<std::uint32_t>(loadValue<S>(in, i), full);
+            const std::uint32_t dividend = value * highest + full / 2;
+            storeValue(out, i, static_cast<D>((dividend + (dividend >> bits) + 1) >> bits)); // dividend / full
+        }
+    });
+}
+
+template<typename D, typename S>
+void scaleValues(const SxPicBuf& src, SxPicBuf& dst)
+{
+    using W = Wide<S, D>;
+    const auto highest = static_cast<W>(fullScale(dst));
+    const auto factor = static_cast<W>(fullScale(dst) / fullScale(src));
+    const std::size_t count = valuesPerRow(src);
+    for (std::uint32_t y = 0; y < src.height; ++y) {
+        if constexpr (std::is_unsigned_v<S> && std::is_unsigned_v<D> && sizeof(S) <= 2 && sizeof(D) <= 2) {
+            if (factor <= 1) {
+                scaleDown<D, S>(src.row(y), dst.row(y), count, bitsOf(fullScale(src)), std::uint32_t(highest));
+                continue;
+            }
+        }
+        scaleByFactor<D, S>(src.row(y), dst.row(y), count, factor, highest);
+    }
+}
+
+} // namespace
+
+bool CxPicBufAPI::ConvertPicToDifBpc(const SxPicBuf& src, SxPicBuf& dst, bool scale)
+{
+    if (!hasPixels(src) || !hasPixels(dst) || !sameSize(src, dst) || src.channels != dst.channels)
+        return refuse("ConvertPicToDifBpc", "the buffers differ in size or channels");
+    if (overlap(src, dst))
+        return refuse("ConvertPicToDifBpc", "source and destination share memory");
+    if (src.dataType == ExImageDataType::Packed565 && dst.dataType == src.dataType)
+        return CopyPicBuf(dst, src, false);
+    bool known = false;
+    visitNumberType(src.dataType, [&]<typename S>(std::type_identity<S>) {
+        known = visitNumberType(dst.dataType, [&]<typename D>(std::type_identity<D>) {
+            if (scale)
+                scaleValues<D, S>(src, dst);
+            else
+                keepValues<D, S>(src, dst);
+        });
+    });
+    return known || refuse("ConvertPicToDifBpc", "packed and unknown types have no bit depth");
+}

@@ -1,0 +1,136 @@
+// Pixel memory: allocation, release, plain copies.
+
+#include "CxPicBufAPI.h"
+
+#include "PicBufChecks.h"
+
+#include <QtCore/QFile>
+
+#include <bit>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace {
+constexpr std::uint64_t rowAlignment = 16;
+constexpr unsigned long defaultAlignment = 64;
+constexpr std::uint64_t largeSize = std::uint64_t(256) << 20;
+
+/// Whether the machine can back that many bytes. The kernel promises more memory than there is and ends the process
+/// when the promise is called in, so large sizes are compared with what is really available.
+bool memoryIsAvailable(std::uint64_t bytes)
+{
+    if (bytes < largeSize)
+        return true;
+    QFile file(QStringLiteral("/proc/meminfo"));
+    if (!file.open(QIODevice::ReadOnly))
+        return true; // no such file on this system
+    for (QByteArray line = file.readLine(); !line.isEmpty(); line = file.readLine()) {
+        if (line.startsWith("MemAvailable:"))
+            return bytes <= line.mid(13).replace("kB", "").trimmed().toULongLong() * 1024;
+    }
+    return true;
+}
+
+// From this size on memory comes fresh from the system.
+constexpr std::uint64_t freshSize = 4U << 20;
+
+// A large block comes fresh from the system, page by page on the first touch. Small pages cost more than the pixels.
+void preferLargePages(std::uint8_t* memory, std::uint64_t bytes)
+{
+    const auto page = std::uintptr_t(sysconf(_SC_PAGESIZE));
+    const auto begin = (reinterpret_cast<std::uintptr_t>(memory) + page - 1) / page * page;
+    const auto end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / page * page;
+    madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+}
+} // namespace
+
+void CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, unsigned width, unsigned height, unsigned channels,
+                                      ExImageDataType dataType, unsigned lineStride, unsigned blackLevel, unsigned bpc,
+                                      ExDataStorageFormat storageFormat, ExColorFilterArray colorFilterArray,
+                                      bool isColor, bool zeroFill, unsigned long alignment)
+{
+    SxPicBufInfo info;
+    info.width = width;
+    info.height = height;
+    info.lineStride = lineStride;
+    info.channels = channels;
+    info.bpc = bpc;
+    info.blackLevel = blackLevel;
+    info.dataType = dataType;
+    info.storageFormat = storageFormat;
+    info.colorFilterArray = colorFilterArray;
+    info.isColor = isColor;
+    AllocPicBufFromHeap(buffer, info, !zeroFill, alignment);
+}
+
+bool CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, const SxPicBufInfo& info, bool uninitialized,
+                                      unsigned long alignment)
+{
+    const SxPicBufInfo wanted = info; // may be the record that is about to be filled
+    static_cast<SxPicBufInfo&>(buffer) = wanted;
+    buffer.data = nullptr;
+    if (wanted.width == 0 || wanted.height == 0 || wanted.channels == 0)
+        return false;
+
+    // Each factor fits 32 bits but for the bytes of a pixel, which are checked first.
+    const std::uint64_t pixelBytes = std::uint64_t(wanted.channels) * SxPicBufInfo::bytesPerValue(wanted.dataType);
+    if (pixelBytes > std::numeric_limits<std::uint32_t>::max())
+        return false;
+    const std::uint64_t rowBytes = pixelBytes * wanted.width;
+    std::uint64_t stride = wanted.lineStride;
+    if (stride == 0)
+        stride = (rowBytes + rowAlignment - 1) / rowAlignment * rowAlignment;
+    if (stride < rowBytes || stride > std::numeric_limits<std::uint32_t>::max())
+        return false;
+    const std::uint64_t bytes = stride * wanted.height;
+    if (alignment == 0)
+        alignment = defaultAlignment;
+    if (bytes > std::uint64_t(std::numeric_limits<std::ptrdiff_t>::max()) - alignment ||
+        !std::has_single_bit(alignment) || !memoryIsAvailable(bytes))
+        return false;
+
+    // aligned_alloc wants a size that is a multiple of the alignment.
+    const std::uint64_t rounded = (bytes + alignment - 1) / alignment * alignment;
+    auto* memory = static_cast<std::uint8_t*>(std::aligned_alloc(alignment, rounded));
+    if (!memory)
+        return false;
+    if (rounded >= freshSize)
+        preferLargePages(memory, rounded);
+    if (!uninitialized)
+        std::memset(memory, 0, bytes);
+    buffer.lineStride = std::uint32_t(stride);
+    buffer.data = memory;
+    return true;
+}
+
+void CxPicBufAPI::FreePicBuf(SxPicBuf& buffer, bool reset)
+{
+    std::free(buffer.data);
+    buffer.data = nullptr;
+    if (reset)
+        buffer = SxPicBuf();
+}
+
+bool CxPicBufAPI::CopyPicBuf(SxPicBuf& dst, const SxPicBuf& src, bool withInfo)
+{
+    if (!hasPixels(dst) || !hasPixels(src) || !sameSize(dst, src) || !sameKind(dst, src))
+        return refuse("CopyPicBuf", "the buffers differ in size or format");
+    const std::size_t bytes = rowBytes(src);
+    if (dst.data != src.data) {
+        if (dst.lineStride == bytes && src.lineStride == bytes)
+            std::memcpy(dst.data, src.data, src.dataSize());
+        else // padding stays as it is: it may belong to a larger image around this one
+            for (std::uint32_t y = 0; y < src.height; ++y)
+                std::memcpy(dst.row(y), src.row(y), bytes);
+    }
+    if (withInfo) {
+        const std::uint32_t stride = dst.lineStride;
+        static_cast<SxPicBufInfo&>(dst) = src;
+        dst.lineStride = stride;
+    }
+    return true;
+}

@@ -1,0 +1,253 @@
+#include "StagePixels.h"
+
+#include "CxPicBufAPI.h"
+#include "buffers/PicBufMat.h"
+
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+#include <type_traits>
+
+namespace {
+
+/// Calls function with a value of the type that the buffer stores.
+template<typename Function>
+void withType(ExImageDataType type, Function function)
+{
+    switch (type) {
+    case ExImageDataType::Int8:
+        return function(std::int8_t());
+    case ExImageDataType::UInt8:
+        return function(std::uint8_t());
+    case ExImageDataType::Int16:
+        return function(std::int16_t());
+    case ExImageDataType::UInt16:
+        return function(std::uint16_t());
+    case ExImageDataType::Int32:
+        return function(std::int32_t());
+    case ExImageDataType::UInt32:
+        return function(std::uint32_t());
+    case ExImageDataType::Int64:
+        return function(std::int64_t());
+    case ExImageDataType::UInt64:
+        return function(std::uint64_t());
+    case ExImageDataType::Float:
+        return function(float());
+    case ExImageDataType::Double:
+        return function(double());
+    default:
+        throw std::invalid_argument("the pixels have no known type");
+    }
+}
+
+/// Replaces every value by change(value); alpha stays as it is.
+template<typename T, typename Change>
+void changeValues(SxPicBuf& buffer, Change change)
+{
+    const bool hasAlpha = buffer.isColor && buffer.channels == 4;
+    const std::size_t values = std::size_t(buffer.width) * buffer.channels;
+    for (std::uint32_t y = 0; y < buffer.height; ++y) {
+        T* row = reinterpret_cast<T*>(buffer.row(y));
+        if (!hasAlpha) {
+            std::transform(row, row + values, row, change);
+        } else {
+            for (T* pixel = row; pixel != row + values; pixel += 4)
+                std::transform(pixel, pixel + 3, pixel, change);
+        }
+    }
+}
+
+template<typename T>
+T fullScale(const SxPicBufInfo& info)
+{
+    if constexpr (std::is_floating_point_v<T>) {
+        return info.saturation > 0.0F ? T(info.saturation) : T(1);
+    } else {
+        constexpr auto largest = std::numeric_limits<T>::max();
+        if (info.bpc == 0 || info.bpc >= unsigned(std::numeric_limits<T>::digits))
+            return largest;
+        return T((std::uint64_t(1) << info.bpc) - 1);
+    }
+}
+
+/// The nearest value of an integer type.
+template<typename T, typename Number>
+T saturated(Number value, T min, T max)
+{
+    if (value >= Number(max))
+        return max;
+    if (value <= Number(min))
+        return min;
+    return T(value < 0 ? value - Number(0.5) : value + Number(0.5));
+}
+
+// The colour filters, as the colour of the first row and column is found at (row, column) of RGGB.
+ExColorFilterArray mirrored(ExColorFilterArray filters, bool columns, bool rows)
+{
+    const auto code = std::uint32_t(filters);
+    if (code < std::uint32_t(ExColorFilterArray::RGGB) || code > std::uint32_t(ExColorFilterArray::BGGR))
+        return filters;
+    const std::uint32_t place = (code - 1) ^ (columns ? 1U : 0U) ^ (rows ? 2U : 0U);
+    return ExColorFilterArray(place + 1);
+}
+
+/// OpenCV's depth of a type whose values it can smooth, or -1.
+int smoothableDepth(ExImageDataType type)
+{
+    const int depth = matDepth(type);
+    return depth == CV_8S || depth == CV_32S ? -1 : depth;
+}
+
+cv::Mat asMat(SxPicBuf& buffer, int depth, std::uint32_t channels)
+{
+    if (channels > std::uint32_t(CV_CN_MAX))
+        throw std::invalid_argument("the pixels have too many channels");
+    return cv::Mat(int(buffer.height), int(buffer.width), CV_MAKETYPE(depth, int(channels)), buffer.data,
+                   buffer.lineStride);
+}
+
+cv::Mat smoothed(const cv::Mat& from, double sigma)
+{
+    cv::Mat result;
+    cv::GaussianBlur(from, result, cv::Size(), sigma, sigma, cv::BORDER_REPLICATE);
+    return result;
+}
+
+} // namespace
+
+namespace stage_pixels {
+
+void applyGain(SxPicBuf& buffer, double gain, double offset)
+{
+    if (gain == 1.0 && offset == 0.0)
+        return; // also for values above the full scale that the buffer claims
+    withType(buffer.dataType, [&](auto type) {
+        using T = decltype(type);
+        if constexpr (std::is_floating_point_v<T>) {
+            changeValues<T>(buffer, [gain, offset](T value) { return T(double(value) * gain + offset); });
+        } else {
+            // Doubles hold no 64-bit integer exactly.
+            using Number = std::conditional_t<sizeof(T) == 8, long double, double>;
+            const T min = std::numeric_limits<T>::min();
+            const T max = std::is_signed_v<T> ? std::numeric_limits<T>::max() : fullScale<T>(buffer);
+            changeValues<T>(buffer, [=, factor = Number(gain), plus = Number(offset)](T value) {
+                return saturated<T>(Number(value) * factor + plus, min, max);
+            });
+        }
+    });
+}
+
+void invert(SxPicBuf& buffer)
+{
+    withType(buffer.dataType, [&](auto type) {
+        using T = decltype(type);
+        if constexpr (std::is_signed_v<T> && std::is_integral_v<T>) {
+            using Limits = std::numeric_limits<T>;
+            changeValues<T>(buffer, [](T value) { return value == Limits::min() ? Limits::max() : T(-value); });
+        } else if constexpr (std::is_floating_point_v<T>) {
+            changeValues<T>(buffer, [full = fullScale<T>(buffer)](T value) { return full - value; });
+        } else {
+            const T full = fullScale<T>(buffer);
+            changeValues<T>(buffer, [full](T value) { return value > full ? T(0) : T(full - value); });
+        }
+    });
+}
+
+void threshold(SxPicBuf& buffer, std::optional<double> level)
+{
+    withType(buffer.dataType, [&](auto type) {
+        using T = decltype(type);
+        using Number = std::conditional_t<sizeof(T) == 8 && std::is_integral_v<T>, long double, double>;
+        const T full = fullScale<T>(buffer);
+        const Number from = level ? Number(*level) : Number(full) / 2;
+        changeValues<T>(buffer, [full, from](T value) { return Number(value) >= from ? full : T(0); });
+    });
+}
+
+void flip(SxPicBuf& buffer, bool horizontal, bool vertical)
+{
+    if (!horizontal && !vertical)
+        return;
+    constexpr int bothWays = -1;
+    constexpr int upsideDown = 0;
+    constexpr int leftToRight = 1;
+    // Whole pixels are moved, whatever they hold.
+    const cv::Mat pixels = asMat(buffer, CV_8U, buffer.bytesPerPixel());
+    cv::Mat result;
+    cv::flip(pixels, result, !vertical ? leftToRight : !horizontal ? upsideDown : bothWays);
+    result.copyTo(pixels);
+    // An odd number of columns or rows has the same colour at both ends.
+    buffer.colorFilterArray =
+        mirrored(buffer.colorFilterArray, horizontal && buffer.width % 2 == 0, vertical && buffer.height % 2 == 0);
+}
+
+void blur(SxPicBuf& buffer, double sigma)
+{
+    if (sigma <= 0.0)
+        return;
+    const int depth = smoothableDepth(buffer.dataType);
+    if (depth >= 0) {
+        const cv::Mat pixels = asMat(buffer, depth, buffer.channels);
+        return smoothed(pixels, sigma).copyTo(pixels);
+    }
+    withType(buffer.dataType, [&](auto type) {
+        using T = decltype(type);
+        if constexpr (std::is_integral_v<T>) {
+            if (buffer.channels > std::uint32_t(CV_CN_MAX))
+                throw std::invalid_argument("the pixels have too many channels");
+            cv::Mat wide(int(buffer.height), int(buffer.width), CV_64FC(int(buffer.channels)));
+            const std::size_t values = std::size_t(buffer.width) * buffer.channels;
+            for (std::uint32_t y = 0; y < buffer.height; ++y) {
+                const T* row = reinterpret_cast<const T*>(buffer.row(y));
+                std::transform(row, row + values, wide.ptr<double>(int(y)), [](T value) { return double(value); });
+            }
+            wide = smoothed(wide, sigma);
+            for (std::uint32_t y = 0; y < buffer.height; ++y) {
+                const double* row = wide.ptr<double>(int(y));
+                std::transform(row, row + values, reinterpret_cast<T*>(buffer.row(y)), [](double value) {
+                    return saturated<T>(value, std::numeric_limits<T>::min(), std::numeric_limits<T>::max());
+                });
+            }
+        }
+    });
+}
+
+SxPicBuf unpack565(const SxPicBuf& packed)
+{
+    SxPicBuf colour;
+    CxPicBufAPI::AllocPicBufFromHeap(colour, packed.width, packed.height, 3, ExImageDataType::UInt8, 0, 0, 8,
+                                     ExDataStorageFormat::Interleaved, ExColorFilterArray::None, true, false, 0);
+    if (!colour.data)
+        return colour;
+    for (std::uint32_t y = 0; y < packed.height; ++y) {
+        const auto* from = reinterpret_cast<const std::uint16_t*>(packed.row(y));
+        std::uint8_t* to = colour.row(y);
+        for (std::uint32_t x = 0; x < packed.width; ++x, to += 3) {
+            const unsigned blue = from[x] & 31U;
+            const unsigned green = (from[x] >> 5) & 63U;
+            const unsigned red = from[x] >> 11;
+            // The high bits again below, so that full scale stays full scale.
+            to[0] = std::uint8_t(blue << 3 | blue >> 2);
+            to[1] = std::uint8_t(green << 2 | green >> 4);
+            to[2] = std::uint8_t(red << 3 | red >> 2);
+        }
+    }
+    return colour;
+}
+
+void pack565(const SxPicBuf& colour, SxPicBuf& packed)
+{
+    const auto narrowed = [](unsigned value, unsigned max) { return (value * max + 127) / 255; };
+    for (std::uint32_t y = 0; y < packed.height; ++y) {
+        const std::uint8_t* from = colour.row(y);
+        auto* to = reinterpret_cast<std::uint16_t*>(packed.row(y));
+        for (std::uint32_t x = 0; x < packed.width; ++x, from += 3)
+            to[x] = std::uint16_t(narrowed(from[2], 31) << 11 | narrowed(from[1], 63) << 5 | narrowed(from[0], 31));
+    }
+}
+
+} // namespace stage_pixels

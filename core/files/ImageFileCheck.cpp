@@ -1,0 +1,281 @@
+#include "ImageFileCheck.h"
+
+#include "ByteReader.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace {
+
+// The decoders' own limits, checked beforehand so that the message is ours.
+constexpr std::uint64_t maxSide = 1U << 20;
+constexpr std::uint64_t maxPixels = 1U << 30;
+
+// No compression of these formats packs a real image more densely; small images may.
+constexpr std::uint64_t maxCompression = 4096;
+constexpr std::uint64_t unsuspiciousBytes = 256U << 20;
+
+/// What a header promises.
+struct Promise {
+    std::uint64_t width = 0;
+    std::uint64_t height = 0;
+    std::uint64_t bytesPerPixel = 1; ///< once decoded
+    std::uint64_t fileBytes = 0;     ///< least length of the whole file; 0 when the format does not tell
+};
+
+QString truncated()
+{
+    return QStringLiteral("is truncated");
+}
+
+QString damagedHeader()
+{
+    return QStringLiteral("has a damaged header");
+}
+
+QString problemOf(const Promise& promise, qsizetype fileSize)
+{
+    if (promise.width == 0 || promise.height == 0)
+        return damagedHeader();
+    const QString size = QStringLiteral("%1 x %2 pixels").arg(promise.width).arg(promise.height);
+    if (promise.width > maxSide || promise.height > maxSide || promise.width * promise.height > maxPixels)
+        return QStringLiteral("is too large: its header says %1").arg(size);
+    const std::uint64_t decoded = promise.width * promise.height * promise.bytesPerPixel;
+    const auto length = std::uint64_t(fileSize);
+    if (length < promise.fileBytes)
+        return truncated();
+    if (decoded > unsuspiciousBytes && decoded / maxCompression > length)
+        return QStringLiteral("is damaged: its header says %1, which %2 bytes cannot hold").arg(size).arg(length);
+    return QString();
+}
+
+QString pngProblem(const QByteArray& file)
+{
+    const ByteReader reader(file, ByteReader::BigEndian);
+    if (!reader.has(0, 33))
+        return truncated();
+    if (file.mid(12, 4) != "IHDR")
+        return damagedHeader();
+    Promise promise;
+    promise.width = reader.u32(16);
+    promise.height = reader.u32(20);
+    promise.bytesPerPixel = reader.u8(24) == 16 ? 8 : 4;
+    return problemOf(promise, file.size());
+}
+
+QString bmpProblem(const QByteArray& file)
+{
+    const ByteReader reader(file, ByteReader::LittleEndian);
+    if (!reader.has(0, 26))
+        return truncated();
+    const std::uint64_t pixels = reader.u32(10);
+    const bool old = reader.u32(14) == 12;
+    if (!old && !reader.has(0, 54))
+        return truncated();
+    Promise promise;
+    promise.width = old ? reader.u16(18) : reader.u32(18);
+    promise.height = old ? reader.u16(20) : reader.u32(22);
+    if (!old && std::int32_t(reader.u32(22)) < 0) // rows from top to bottom
+        promise.height = 0 - reader.u32(22);
+    promise.bytesPerPixel = 4;
+    const std::uint64_t bits = old ? reader.u16(24) : reader.u16(28);
+    const std::uint32_t compression = old ? 0 : reader.u32(30);
+    const bool runLengths = compression == 1 || compression == 2;
+    if (!runLengths && promise.width <= maxSide && promise.height <= maxSide)
+        promise.fileBytes = pixels + (promise.width * bits + 31) / 32 * 4 * promise.height;
+    return problemOf(promise, file.size());
+}
+
+/// Reads the header of a portable anymap: numbers in text with comments among them.
+class AnymapHeader
+{
+public:
+    explicit AnymapHeader(const QByteArray& file)
+        : m_file(file)
+    {
+    }
+
+    /// The next number, or 0 when there is none.
+    std::uint64_t number()
+    {
+        while (m_at < m_file.size() && !isDigit()) {
+            if (m_file[m_at] == '#')
+                skipLine();
+            else if (std::isspace(static_cast<unsigned char>(m_file[m_at])))
+                ++m_at;
+            else
+                return 0;
+        }
+        std::uint64_t value = 0;
+        for (; m_at < m_file.size() && isDigit(); ++m_at)
+            value = std::min<std::uint64_t>(value * 10 + std::uint64_t(m_file[m_at] - '0'), 1ULL << 32);
+        return value;
+    }
+
+    /// Where the last number ended.
+    std::uint64_t position() const { return std::uint64_t(m_at); }
+
+private:
+    bool isDigit() const { return m_file[m_at] >= '0' && m_file[m_at] <= '9'; }
+
+    void skipLine()
+    {
+        while (m_at < m_file.size() && m_file[m_at] != '\n')
+            ++m_at;
+    }
+
+    const QByteArray& m_file;
+    qsizetype m_at = 2;
+};
+
+QString anymapProblem(const QByteArray& file)
+{
+    const char kind = file[1];
+    const bool bitmap = kind == '1' || kind == '4';
+    const std::uint64_t channels = kind == '3' || kind == '6' ? 3 : 1;
+    AnymapHeader header(file);
+    Promise promise;
+    promise.width = header.number();
+    promise.height = header.number();
+    const std::uint64_t maximum = bitmap ? 1 : header.number();
+    if (maximum == 0 || maximum > 65535)
+        return damagedHeader();
+    promise.bytesPerPixel = channels * (maximum > 255 ? 2 : 1);
+    if (promise.width <= maxSide && promise.height <= maxSide) {
+        const std::uint64_t values = promise.width * promise.height * channels;
+        const std::uint64_t begin = header.position() + 1;
+        if (kind == '1')
+            promise.fileBytes = header.position() + values;
+        else if (kind == '2' || kind == '3') // at least a digit and a space for each
+            promise.fileBytes = header.position() + values * 2;
+        else if (kind == '4')
+            promise.fileBytes = begin + (promise.width + 7) / 8 * promise.height;
+        else
+            promise.fileBytes = begin + values * (maximum > 255 ? 2 : 1);
+    }
+    return problemOf(promise, file.size());
+}
+
+/// The end of the entropy-coded data that starts at a place: where the next true marker begins.
+qsizetype endOfScan(const QByteArray& file, qsizetype at)
+{
+    for (;;) {
+        at = file.indexOf('\xFF', at);
+        if (at < 0 || at + 1 >= file.size())
+            return file.size();
+        const auto next = static_cast<unsigned char>(file[at + 1]);
+        if (next != 0 && next != 0xFF && !(next >= 0xD0 && next <= 0xD7))
+            return at;
+        at += next == 0xFF ? 1 : 2;
+    }
+}
+
+QString jpegProblem(const QByteArray& file)
+{
+    constexpr std::uint8_t endOfImage = 0xD9;
+    constexpr std::uint8_t startOfScan = 0xDA;
+    const ByteReader reader(file, ByteReader::BigEndian);
+    Promise promise;
+    qsizetype at = 2;
+    for (;;) {
+        if (!reader.has(at, 2))
+            return truncated();
+        if (reader.u8(at) != 0xFF)
+            return QStringLiteral("is damaged");
+        const std::uint8_t marker = reader.u8(at + 1);
+        if (marker == 0xFF) { // fill byte
+            ++at;
+            continue;
+        }
+        if (marker == endOfImage)
+            break;
+        if (!reader.has(at, 4) || !reader.has(at, 2 + reader.u16(at + 2)))
+            return truncated();
+        const bool frame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
+        if (frame && reader.u16(at + 2) >= 8) {
+            promise.height = reader.u16(at + 5);
+            promise.width = reader.u16(at + 7);
+            promise.bytesPerPixel = 3;
+        }
+        at += 2 + std::max<qsizetype>(reader.u16(at + 2), 2);
+        if (marker == startOfScan)
+            at = endOfScan(file, at);
+    }
+    return problemOf(promise, file.size());
+}
+
+QString tiffProblem(const QByteArray& file)
+{
+    const ByteReader reader(file, file[0] == 'I' ? ByteReader::LittleEndian : ByteReader::BigEndian);
+    if (!reader.has(0, 8))
+        return truncated();
+    const auto directory = qsizetype(reader.u32(4));
+    if (!reader.has(directory, 2) || !reader.has(directory + 2, qsizetype(reader.u16(directory)) * 12 + 4))
+        return truncated();
+    constexpr unsigned imageWidth = 256;
+    constexpr unsigned imageLength = 257;
+    constexpr unsigned bitsPerSample = 258;
+    constexpr unsigned samplesPerPixel = 277;
+    constexpr unsigned tileWidth = 322;
+    constexpr unsigned tileLength = 323;
+    constexpr unsigned shortType = 3;
+    Promise promise;
+    Promise tile;
+    std::uint64_t bits = 1;
+    std::uint64_t samples = 1;
+    for (int i = 0; i < reader.u16(directory); ++i) {
+        const qsizetype entry = directory + 2 + qsizetype(i) * 12;
+        const std::uint64_t value = reader.u16(entry + 2) == shortType ? reader.u16(entry + 8) : reader.u32(entry + 8);
+        switch (reader.u16(entry)) {
+        case imageWidth:
+            promise.width = value;
+            break;
+        case imageLength:
+            promise.height = value;
+            break;
+        case bitsPerSample: // one for each sample; more than two lie elsewhere in the file
+            bits = value;
+            if (reader.u32(entry + 4) > 2 && reader.has(qsizetype(reader.u32(entry + 8)), 2))
+                bits = reader.u16(qsizetype(reader.u32(entry + 8)));
+            break;
+        case samplesPerPixel:
+            samples = value;
+            break;
+        case tileWidth:
+            tile.width = value;
+            break;
+        case tileLength:
+            tile.height = value;
+            break;
+        default:
+            break;
+        }
+    }
+    promise.bytesPerPixel = std::clamp<std::uint64_t>(bits / 8, 1, 8) * std::clamp<std::uint64_t>(samples, 1, 65535);
+    if (tile.width != 0 && tile.height != 0) {
+        tile.bytesPerPixel = promise.bytesPerPixel;
+        const QString problem = problemOf(tile, file.size());
+        if (!problem.isEmpty())
+            return problem;
+    }
+    return problemOf(promise, file.size());
+}
+
+} // namespace
+
+QString imageFileProblem(const QByteArray& file)
+{
+    if (file.isEmpty())
+        return QStringLiteral("is empty");
+    if (file.startsWith("\x89PNG\r\n\x1A\n"))
+        return pngProblem(file);
+    if (file.startsWith("\xFF\xD8\xFF"))
+        return jpegProblem(file);
+    if (file.startsWith(QByteArray("II*\0", 4)) || file.startsWith(QByteArray("MM\0*", 4)))
+        return tiffProblem(file);
+    if (file.startsWith("BM"))
+        return bmpProblem(file);
+    if (file.size() > 2 && file[0] == 'P' && file[1] >= '1' && file[1] <= '6')
+        return anymapProblem(file);
+    return QStringLiteral("is not an image, or damaged");
+}

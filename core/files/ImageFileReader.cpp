@@ -1,0 +1,87 @@
+#include "ImageFileReader.h"
+
+#include "CxImageData.h"
+#include "CxPicBufAPI.h"
+#include "ImageFileCheck.h"
+#include "ImageFileDepth.h"
+#include "buffers/PicBufMat.h"
+
+#include <QtCore/QDebug>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+
+#include <opencv2/imgcodecs.hpp>
+
+#include <limits>
+
+namespace {
+
+cv::Mat decode(const QByteArray& file)
+{
+    const cv::Mat bytes(1, int(file.size()), CV_8UC1, const_cast<char*>(file.constData()));
+    return cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
+}
+
+} // namespace
+
+ImageFileReader::ImageFileReader(const QString& path)
+    : m_path(path)
+{
+}
+
+ImageFileReader::~ImageFileReader() = default;
+
+bool ImageFileReader::readFile()
+{
+    m_image.reset();
+    QString problem;
+    try {
+        problem = read();
+    } catch (const cv::Exception&) {
+        problem = QStringLiteral("is damaged");
+    } catch (const std::bad_alloc&) {
+        problem = QStringLiteral("is too large for the memory");
+    }
+    if (!problem.isEmpty())
+        qCritical().noquote() << QStringLiteral("Cannot read image file %1: it %2").arg(m_path, problem);
+    return m_image != nullptr;
+}
+
+QObject* ImageFileReader::frameAt(int index)
+{
+    return index == 0 ? m_image.get() : nullptr;
+}
+
+QString ImageFileReader::read()
+{
+    QFile file(m_path);
+    if (!file.exists())
+        return QStringLiteral("does not exist");
+    if (!QFileInfo(m_path).isFile()) // a pipe or a device might never end
+        return QStringLiteral("is not a regular file");
+    if (!file.open(QIODevice::ReadOnly))
+        return QStringLiteral("cannot be opened (%1)").arg(file.errorString());
+    if (file.size() > std::numeric_limits<int>::max())
+        return QStringLiteral("is larger than 2 GB");
+    const QByteArray bytes = file.readAll();
+    const QString problem = imageFileProblem(bytes);
+    if (!problem.isEmpty())
+        return problem;
+    const cv::Mat pixels = decode(bytes);
+    if (pixels.empty())
+        return QStringLiteral("is damaged");
+    if (dataTypeOfDepth(pixels.depth()) == ExImageDataType::None)
+        return QStringLiteral("has values of a kind that is not supported");
+    SxPicBuf buffer = picBufFromMat(pixels);
+    if (!buffer.data)
+        return QStringLiteral("is too large for the memory");
+    const unsigned noted = notedDepth(bytes);
+    if (buffer.dataType == ExImageDataType::UInt16 && noted > 0 && noted < buffer.bpc) {
+        buffer.bpc = noted;
+        if (!CxPicBufAPI::CheckPicValidData(buffer)) // the note is about other pixels
+            buffer.bpc = 16;
+    }
+    m_image = std::make_unique<CxImageData>();
+    m_image->attachPicBuf(&buffer);
+    return QString();
+}

@@ -1,0 +1,146 @@
+#include "ImageFileWriter.h"
+
+#include "CxImageData.h"
+#include "ImageFileDepth.h"
+#include "StorablePixels.h"
+#include "buffers/PicBufMat.h"
+
+#include <QtCore/QDebug>
+#include <QtCore/QSaveFile>
+
+#include <opencv2/imgcodecs.hpp>
+#include <opencv2/imgproc.hpp>
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+enum class Format { Png, Tiff, Anymap, Bmp, Jpeg };
+
+Format formatOf(const QString& extension)
+{
+    if (extension == QLatin1String("png"))
+        return Format::Png;
+    if (extension == QLatin1String("tif") || extension == QLatin1String("tiff"))
+        return Format::Tiff;
+    if (extension == QLatin1String("bmp"))
+        return Format::Bmp;
+    if (extension == QLatin1String("jpg") || extension == QLatin1String("jpeg"))
+        return Format::Jpeg;
+    return Format::Anymap;
+}
+
+bool keepsAlpha(Format format)
+{
+    return format == Format::Png || format == Format::Tiff;
+}
+
+StorableTypes storableTypes(Format format, std::uint32_t channels)
+{
+    using Type = ExImageDataType;
+    switch (format) {
+    case Format::Bmp:
+    case Format::Jpeg:
+        return {{Type::UInt8}, true};
+    case Format::Tiff: // the encoder takes the further ones with one channel only
+        if (channels == 1)
+            return {{Type::UInt8, Type::UInt16, Type::Int8, Type::Int16, Type::Int32, Type::Float, Type::Double}};
+        return {{Type::UInt8, Type::UInt16, Type::Float}};
+    default:
+        return {{Type::UInt8, Type::UInt16}};
+    }
+}
+
+std::string encoderName(Format format, int channels)
+{
+    switch (format) {
+    case Format::Png:
+        return ".png";
+    case Format::Tiff:
+        return ".tiff";
+    case Format::Bmp:
+        return ".bmp";
+    case Format::Jpeg:
+        return ".jpg";
+    default:
+        return channels == 1 ? ".pgm" : ".ppm";
+    }
+}
+
+std::vector<int> encoderParameters(Format format, const QVariantMap& options)
+{
+    if (format == Format::Jpeg) {
+        const int quality = options.value(QStringLiteral("quality"), 95).toInt();
+        return {cv::IMWRITE_JPEG_QUALITY, std::clamp(quality, 0, 100)};
+    }
+    constexpr int lzw = 5; // said outright: by default colour floats would go through a lossy one
+    if (format == Format::Tiff)
+        return {cv::IMWRITE_TIFF_COMPRESSION, lzw};
+    return {};
+}
+
+/// Whether there is something to note about the depth of the values, and it is true.
+bool hasDepthToNote(const SxPicBuf& pixels)
+{
+    return pixels.dataType == ExImageDataType::UInt16 && pixels.bpc > 0 && pixels.bpc < 16 &&
+           CxPicBufAPI::CheckPicValidData(pixels);
+}
+
+QString writeFile(const QString& path, const QByteArray& bytes)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+        return QStringLiteral("cannot be written (%1)").arg(file.errorString());
+    return QString();
+}
+
+} // namespace
+
+ImageFileWriter::ImageFileWriter(const QString& path, const QString& extension)
+    : m_path(path)
+    , m_extension(extension)
+{
+}
+
+bool ImageFileWriter::saveImage(CxImageData* image, const QVariantMap* options)
+{
+    QString problem;
+    try {
+        problem = save(image, options ? *options : QVariantMap());
+    } catch (const cv::Exception& error) {
+        problem = QStringLiteral("cannot be encoded (%1)").arg(QString::fromStdString(error.err));
+    } catch (const std::bad_alloc&) {
+        problem = QStringLiteral("is too large for the memory");
+    }
+    if (!problem.isEmpty())
+        qCritical().noquote() << QStringLiteral("Cannot save image file %1: it %2").arg(m_path, problem);
+    return problem.isEmpty();
+}
+
+QString ImageFileWriter::save(CxImageData* image, const QVariantMap& options) const
+{
+    const SxPicBuf* buffer = image ? image->picBuf() : nullptr;
+    if (!buffer || !buffer->data)
+        return QStringLiteral("has no pixels");
+    const Format format = formatOf(m_extension);
+    if (buffer->channels != 1 && buffer->channels != 3 && buffer->channels != 4)
+        return QStringLiteral("has %1 channels, which no file format holds").arg(buffer->channels);
+    ScopedPicBuf converted;
+    const SxPicBuf storable = storablePixels(*buffer, storableTypes(format, buffer->channels), converted);
+    if (!storable.data)
+        return QStringLiteral("has values that the format cannot hold");
+
+    cv::Mat pixels = readMat(storable, matDepth(storable.dataType));
+    if (pixels.channels() == 4 && !keepsAlpha(format)) {
+        cv::Mat opaque;
+        cv::cvtColor(pixels, opaque, cv::COLOR_BGRA2BGR);
+        pixels = opaque;
+    }
+    std::vector<uchar> encoded;
+    if (!cv::imencode(encoderName(format, pixels.channels()), pixels, encoded, encoderParameters(format, options)))
+        return QStringLiteral("cannot be encoded");
+    const auto bytes =
+        QByteArray::fromRawData(reinterpret_cast<const char*>(encoded.data()), qsizetype(encoded.size()));
+    return writeFile(m_path, hasDepthToNote(storable) ? withNotedDepth(bytes, storable.bpc) : bytes);
+}

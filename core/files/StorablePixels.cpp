@@ -1,0 +1,75 @@
+#include "StorablePixels.h"
+
+#include "buffers/PicBufChecks.h"
+
+#include <cstring>
+#include <new>
+
+namespace {
+
+void allocate(ScopedPicBuf& target, const SxPicBufInfo& like, ExImageDataType type, std::uint32_t channels)
+{
+    SxPicBufInfo info = like;
+    info.dataType = type;
+    info.channels = channels;
+    info.bpc = SxPicBufInfo::bytesPerValue(type) * 8;
+    if (!target.allocate(info))
+        throw std::bad_alloc();
+}
+
+/// The integers up to which a floating type has every one.
+std::uint64_t exactIntegers(ExImageDataType type)
+{
+    return type == ExImageDataType::Float ? 1ULL << 24U : 1ULL << 53U;
+}
+
+bool isFloating(ExImageDataType type)
+{
+    return type == ExImageDataType::Float || type == ExImageDataType::Double;
+}
+
+/// Converts there and back: what comes out the same has lost nothing, but for integers that were rounded up beyond
+/// their own type and clipped on the way back.
+bool convertsUnchanged(const SxPicBuf& pixels, ExImageDataType type, ScopedPicBuf& converted)
+{
+    if (isFloating(type) && !isFloating(pixels.dataType) &&
+        CxPicBufAPI::DetectMaxAbsValue(pixels) > exactIntegers(type))
+        return false;
+    ScopedPicBuf back;
+    allocate(converted, pixels, type, pixels.channels);
+    allocate(back, pixels, pixels.dataType, pixels.channels);
+    if (!CxPicBufAPI::ConvertPicToDifBpc(pixels, converted.buffer, false) ||
+        !CxPicBufAPI::ConvertPicToDifBpc(converted.buffer, back.buffer, false))
+        return false;
+    for (std::uint32_t y = 0; y < pixels.height; ++y)
+        if (std::memcmp(pixels.row(y), back.buffer.row(y), rowBytes(pixels)) != 0)
+            return false;
+    return true;
+}
+
+bool isUnsigned(ExImageDataType type)
+{
+    return type == ExImageDataType::UInt16 || type == ExImageDataType::UInt32 || type == ExImageDataType::UInt64;
+}
+
+} // namespace
+
+SxPicBuf storablePixels(const SxPicBuf& pixels, const StorableTypes& format, ScopedPicBuf& converted)
+{
+    if (format.types.contains(pixels.dataType))
+        return pixels;
+    if (pixels.dataType == ExImageDataType::Packed565) {
+        allocate(converted, pixels, ExImageDataType::UInt8, 3);
+        CxPicBufAPI::ConvertPicToRGB(pixels, converted.buffer);
+        return converted.buffer;
+    }
+    if (format.scalesToBytes && isUnsigned(pixels.dataType)) {
+        allocate(converted, pixels, ExImageDataType::UInt8, pixels.channels);
+        CxPicBufAPI::ConvertPicToDifBpc(pixels, converted.buffer, true);
+        return converted.buffer;
+    }
+    for (const ExImageDataType type : format.types)
+        if (convertsUnchanged(pixels, type, converted))
+            return converted.buffer;
+    return SxPicBuf();
+}

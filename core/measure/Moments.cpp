@@ -1,0 +1,82 @@
+#include "Moments.h"
+
+#include "buffers/PixelLoop.h"
+#include "buffers/PixelTypes.h"
+
+#include <array>
+
+namespace {
+
+/// Sums that do not wait for each other, as many as fill the registers.
+template<typename T>
+class Lanes
+{
+public:
+    static constexpr std::size_t count = 64 / sizeof(T);
+
+    [[gnu::always_inline]] Lanes(MomentSum<T> base, T least, T greatest)
+        : m_base(base)
+    {
+        m_least.fill(least);
+        m_greatest.fill(greatest);
+    }
+
+    [[gnu::always_inline]] void take(std::size_t lane, T value)
+    {
+        const MomentSum<T> difference = static_cast<MomentSum<T>>(value) - m_base;
+        m_sums[lane] += difference;
+        m_squares[lane] += difference * difference;
+        // In this order a not-a-number is never taken.
+        m_least[lane] = value < m_least[lane] ? value : m_least[lane];
+        m_greatest[lane] = value > m_greatest[lane] ? value : m_greatest[lane];
+    }
+
+    [[gnu::always_inline]] Moments<T> together() const
+    {
+        Moments<T> all = {0, 0, m_least[0], m_greatest[0]};
+        for (std::size_t lane = 0; lane < count; ++lane) {
+            all.sum += m_sums[lane];
+            all.squares += m_squares[lane];
+            all.least = m_least[lane] < all.least ? m_least[lane] : all.least;
+            all.greatest = m_greatest[lane] > all.greatest ? m_greatest[lane] : all.greatest;
+        }
+        return all;
+    }
+
+private:
+    MomentSum<T> m_base;
+    std::array<MomentSum<T>, count> m_sums = {};
+    std::array<MomentSum<T>, count> m_squares = {};
+    std::array<T, count> m_least;
+    std::array<T, count> m_greatest;
+};
+
+template<typename T>
+[[gnu::always_inline]] inline Moments<T> sumUp(const std::uint8_t* values, std::size_t count, MomentSum<T> base,
+                                               T least, T greatest)
+{
+    Lanes<T> lanes(base, least, greatest);
+    const std::size_t rest = count % Lanes<T>::count;
+    for (std::size_t i = 0; i < count - rest; i += Lanes<T>::count)
+        for (std::size_t lane = 0; lane < Lanes<T>::count; ++lane)
+            lanes.take(lane, loadValue<T>(values, i + lane));
+    for (std::size_t lane = 0; lane < rest; ++lane)
+        lanes.take(lane, loadValue<T>(values, count - rest + lane));
+    return lanes.together();
+}
+
+} // namespace
+
+template<typename T>
+Moments<T> momentsOf(const std::uint8_t* values, std::size_t count, MomentSum<T> base, T least, T greatest)
+{
+    Moments<T> moments = {};
+    Moments<T>* const result = &moments;
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP { *result = sumUp<T>(values, count, base, least, greatest); });
+    return moments;
+}
+
+template Moments<float> momentsOf(const std::uint8_t*, std::size_t, double, float, float);
+template Moments<double> momentsOf(const std::uint8_t*, std::size_t, double, double, double);
+template Moments<std::int64_t> momentsOf(const std::uint8_t*, std::size_t, long double, std::int64_t, std::int64_t);
+template Moments<std::uint64_t> momentsOf(const std::uint8_t*, std::size_t, long double, std::uint64_t, std::uint64_t);

@@ -1,0 +1,162 @@
+// Attributes of a camera that stand for parameters: cam.get_level(), cam.set_level(10), cam.enable_flag(),
+// cam.get_level_maximum(). The look-up gives a callable bound to the camera and the attribute's name.
+
+#include "CameraNames.h"
+#include "CameraObject.h"
+#include "IxScriptEnvironment.h"
+#include "ScriptModule.h"
+#include "app/AppFunctions.h"
+#include "support/NativeGuard.h"
+#include "support/PyRef.h"
+
+#include <QtCore/QString>
+
+#include <cstdlib>
+#include <deque>
+
+namespace {
+
+using Action = CameraAttributeName::Action;
+
+// ---- names ----
+
+// Scripts use the same few names again and again: what they say is worked out once. From name to index in the list;
+// the dictionary belongs to the running interpreter.
+PyObject* knownNames = nullptr;
+std::deque<CameraAttributeName> parsedNames;
+constexpr std::size_t mostKnownNames = 1000;
+
+/// What the attribute name says. The result is valid until the next call.
+const CameraAttributeName& parsed(PyObject* name)
+{
+    static CameraAttributeName unkept;
+    const bool plain = Py_TYPE(name) == &PyUnicode_Type;
+    if (plain) {
+        if (PyObject* index = PyDict_GetItem(knownNames, name))
+            return parsedNames[PyLong_AsSize_t(index)];
+    }
+    CameraAttributeName fresh = fx_cam_parseAttributeName(fx_cam_text(name));
+    if (plain && parsedNames.size() < mostKnownNames) {
+        const PyRef index = PyRef::take(PyLong_FromSize_t(parsedNames.size()));
+        if (index && PyDict_SetItem(knownNames, name, index.get()) == 0) {
+            parsedNames.push_back(std::move(fresh));
+            return parsedNames.back();
+        }
+        PyErr_Clear();
+    }
+    unkept = std::move(fresh);
+    return unkept;
+}
+
+// ---- the bound callable ----
+
+/// Whether the interpreter looks after every call at what the function returned. From 3.11 on it does not in calls
+/// that have run often.
+bool interpreterChecksResults()
+{
+    static const bool checks = std::atoi(Py_GetVersion() + 2) < 11; // behind "3."
+    return checks;
+}
+
+/// Puts a SystemError in the place of the pending error, which becomes its cause: what the interpreter does by itself
+/// where it looks at a result that comes with a pending error.
+void raiseSystemErrorFromPending()
+{
+    PyObject* type = nullptr;
+    PyObject* cause = nullptr;
+    PyObject* traceback = nullptr;
+    PyErr_Fetch(&type, &cause, &traceback);
+    PyErr_NormalizeException(&type, &cause, &traceback);
+    if (traceback)
+        PyException_SetTraceback(cause, traceback);
+    Py_XDECREF(traceback);
+    Py_XDECREF(type);
+
+    PyErr_SetString(PyExc_SystemError, "camera parameter access returned a result with an exception set");
+    PyObject* error = nullptr;
+    PyErr_Fetch(&type, &error, &traceback);
+    PyErr_NormalizeException(&type, &error, &traceback);
+    Py_XINCREF(cause);
+    PyException_SetCause(error, cause); // takes the reference
+    PyException_SetContext(error, cause);
+    PyErr_Restore(type, error, traceback);
+}
+
+/// carrier: a tuple of the camera object and the attribute name. The look-up has handed a reference to it over to the
+/// call, which releases it: a callable is for one call.
+PyObject* fx_pycam_setget_camera_parameter(PyObject* carrier, PyObject* argument)
+{
+    if (!carrier || !(PyType_GetFlags(Py_TYPE(carrier)) & Py_TPFLAGS_TUPLE_SUBCLASS))
+        return fx_app_none();
+    PyRef result;
+    {
+        const PyRef handedOver = PyRef::take(carrier);
+        PyObject* self = PyTuple_GetItem(carrier, 0);
+        PyObject* text = PyTuple_GetItem(carrier, 1);
+        if (!self || !text || !(PyType_GetFlags(Py_TYPE(text)) & Py_TPFLAGS_UNICODE_SUBCLASS)) {
+            PyErr_Clear();
+            return fx_app_none();
+        }
+        // A copy: reading and writing run host code, which may come back here.
+        const CameraAttributeName name = parsed(text);
+        switch (name.action) {
+        case Action::Read:
+            result = PyRef::take(fx_pycam_get_parameter_helper(self, name.target));
+            break;
+        case Action::Enable:
+            result = PyRef::take(fx_pycam_set_parameter_helper(self, name.target, Py_True));
+            break;
+        case Action::Disable:
+            result = PyRef::take(fx_pycam_set_parameter_helper(self, name.target, Py_False));
+            break;
+        case Action::Set:
+            result = PyRef::take(fx_pycam_set_parameter_helper(self, name.target, argument));
+            break;
+        case Action::None:
+            break;
+        }
+    }
+    if (!interpreterChecksResults() && PyErr_Occurred()) {
+        raiseSystemErrorFromPending();
+        return nullptr;
+    }
+    return result ? result.release() : fx_app_none();
+}
+
+} // namespace
+
+// ---- look-up ----
+
+bool fx_cam_prepareAttributes()
+{
+    parsedNames.clear();
+    knownNames = PyDict_New();
+    return knownNames != nullptr;
+}
+
+PyObject* fx_pycam_GetAttrO(PyObject* self, PyObject* text)
+{
+    const CameraAttributeName& name = parsed(text);
+    if (name.action == Action::None || !g_pScriptPlugin || !g_pScriptPlugin->isCameraParameter(name.parameter))
+        return PyObject_GenericGetAttr(self, text);
+    PyMethodDef* method = &px_cam_param_getter;
+    if (name.action == Action::Set)
+        method = &px_cam_param_setter;
+    else if (name.action != Action::Read)
+        method = &px_cam_param_setter_bool;
+
+    PyRef carrier = PyRef::take(PyTuple_Pack(2, self, text));
+    if (!carrier)
+        return nullptr;
+    PyObject* callable = PyCFunction_NewEx(method, carrier.get(), nullptr);
+    if (callable)
+        static_cast<void>(carrier.release()); // handed over to the call
+    return callable;
+}
+
+// ---- tables ----
+
+PyMethodDef px_cam_param_setter = {"paramsetter", guarded<fx_pycam_setget_camera_parameter>, METH_O, nullptr};
+PyMethodDef px_cam_param_setter_bool = {"paramsetter_bool", guarded<fx_pycam_setget_camera_parameter>, METH_NOARGS,
+                                        nullptr};
+PyMethodDef px_cam_param_getter = {"paramgetter", guarded<fx_pycam_setget_camera_parameter>, METH_NOARGS, nullptr};

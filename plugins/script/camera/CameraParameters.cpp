@@ -1,0 +1,159 @@
+// Reading and writing the parameters of a camera, by name: cam.get_param("level:max"). The attributes that stand for
+// parameters (CameraAttributes.cpp) end here, too.
+
+#include "CameraNames.h"
+#include "CameraObject.h"
+#include "CxCameraParameters.h"
+#include "app/AppFunctions.h"
+#include "support/PyRef.h"
+
+#include <QtCore/QString>
+
+namespace {
+
+/// The Python form of a value; None for an empty one.
+PyObject* toPython(const CxValue& value)
+{
+    switch (value.type()) {
+    case CxValue::Integer:
+        return PyLong_FromLong(value.toInt());
+    case CxValue::Floating:
+        return PyFloat_FromDouble(double(value.toFloat()));
+    case CxValue::Boolean:
+        return fx_app_bool(value.toBool());
+    case CxValue::String:
+        return fx_app_text(value.toString());
+    case CxValue::Empty:
+        break;
+    }
+    return fx_app_none();
+}
+
+/// False with an error set for a Python value that no parameter can take.
+bool fromPython(PyObject* object, CxValue& value)
+{
+    PyTypeObject* type = Py_TYPE(object);
+    const unsigned long flags = PyType_GetFlags(type);
+    // First, so that True and False arrive as 1 and 0, as scripts have always had them.
+    if (flags & Py_TPFLAGS_LONG_SUBCLASS) {
+        // The low 32 bits, unchecked. What does not even fit a long is -1, with an error that stays pending: the write
+        // is made, and the script then learns of the error.
+        value = CxValue::fromInt(qint32(PyLong_AsLong(object)));
+    } else if (type == &PyBool_Type) {
+        value = CxValue::fromBool(object == Py_True);
+    } else if (type == &PyFloat_Type || PyType_IsSubtype(type, &PyFloat_Type)) {
+        value = CxValue::fromFloat(float(PyFloat_AsDouble(object)));
+    } else if (flags & Py_TPFLAGS_UNICODE_SUBCLASS) {
+        value = CxValue::fromString(fx_cam_text(object));
+    } else {
+        PyErr_SetString(PyExc_Exception, "Unsupported camera parameter value type.");
+        return false;
+    }
+    return true;
+}
+
+PyObject* notSupported()
+{
+    PyErr_SetString(PyExc_Exception, "Parameter not supported by the camera.");
+    return nullptr;
+}
+
+} // namespace
+
+// ---- shared with the other parts of the type ----
+
+QString fx_cam_text(PyObject* object)
+{
+    const PyRef utf8 = PyRef::take(PyUnicode_AsUTF8String(object));
+    if (!utf8) {
+        PyErr_Clear();
+        return QString();
+    }
+    return QString::fromUtf8(PyBytes_AsString(utf8.get()), qsizetype(PyBytes_Size(utf8.get())));
+}
+
+bool fx_cam_describe(const SxCameraInfo& info, const QString& key, CxValue& value)
+{
+    if (key == QLatin1String("device_sn"))
+        value = CxValue::fromString(info.serialNumber);
+    else if (key == QLatin1String("device_inst_path"))
+        value = CxValue::fromString(info.instancePath);
+    else if (key == QLatin1String("device_type"))
+        value = CxValue::fromString(info.deviceType);
+    else if (key == QLatin1String("device_name"))
+        value = CxValue::fromString(info.deviceName);
+    else if (key == QLatin1String("device_user_id"))
+        value = CxValue::fromString(info.userId);
+    else if (key == QLatin1String("device_model_id"))
+        value = CxValue::fromInt(info.modelId);
+    else
+        return false;
+    return true;
+}
+
+// ---- workers ----
+
+PyObject* fx_pycam_set_parameter_helper(PyObject* self, const QString& name, PyObject* object)
+{
+    CxCameraParameters* parameters = fx_cam_parameters(self);
+    if (!parameters)
+        return nullptr;
+    CxValue value;
+    if (!fromPython(object, value))
+        return nullptr;
+    if (const CxCameraParam* param = parameters->findParam(name, false)) {
+        const CxValue::ExType type = param->paramValue().type();
+        if (type != CxValue::Empty)
+            value = value.converted(type);
+    }
+    int status = 0;
+    parameters->setParamDirect(name, value, &status, ExCommitRefreshGuiMode::CommitAndRefresh);
+    return PyLong_FromLong(status);
+}
+
+PyObject* fx_pycam_get_parameter_helper(PyObject* self, const QString& name)
+{
+    CxCameraParameters* parameters = fx_cam_parameters(self);
+    if (!parameters)
+        return nullptr;
+    const auto [base, selected] = fx_cam_splitSuffix(name);
+    const CxCameraParam* param = parameters->findParam(base, false);
+    if (!param) {
+        CxValue value;
+        if (fx_cam_describe(parameters->cameraInfo(), name, value) || parameters->getParamDirect(name, value, nullptr))
+            return toPython(value);
+        return notSupported();
+    }
+    if (param->notSupported)
+        return notSupported();
+    switch (selected) {
+    case CameraParameterName::Selected::Minimum:
+        return toPython(param->minimum);
+    case CameraParameterName::Selected::Maximum:
+        return toPython(param->maximum);
+    case CameraParameterName::Selected::Increment:
+        return toPython(param->increment);
+    case CameraParameterName::Selected::Value:
+        break;
+    }
+    return toPython(param->paramValue());
+}
+
+// ---- methods ----
+
+PyObject* fx_pycam_SetParam(PyObject* self, PyObject* args)
+{
+    const char* name = nullptr;
+    PyObject* value = nullptr;
+    if (!self || !PyArg_ParseTuple(args, "sO", &name, &value))
+        return nullptr;
+    return fx_pycam_set_parameter_helper(self, QString::fromUtf8(name), value);
+}
+
+PyObject* fx_pycam_GetParam(PyObject* self, PyObject* args)
+{
+    const char* name = nullptr;
+    if (!self || !PyArg_ParseTuple(args, "s", &name))
+        return nullptr;
+    return fx_pycam_get_parameter_helper(self, QString::fromUtf8(name));
+}

@@ -1,0 +1,190 @@
+// The attributes of vantrel.Image: one dictionary look-up finds the getter of a name.
+
+#include "CxImageData.h"
+#include "ImageObject.h"
+#include "support/PyRef.h"
+#include "zuCore.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <iterator>
+
+namespace {
+
+/// What a getter reads. Both are set when the getter asks for them.
+struct Source {
+    PyObject* self;
+    const SxPicBuf* buffer;
+    const SxImageMetadata* metadata;
+};
+
+enum class Need { Nothing, Buffer, Metadata };
+
+struct Attribute {
+    const char* name;
+    Need need;
+    PyObject* (*get)(const Source& from);
+};
+
+constexpr long frameRecordSize = 312; // bytes, as the camera interface defines its frame record
+constexpr std::uint64_t microsecondsPerSecond = 1000000;
+
+PyObject* number(unsigned value)
+{
+    return PyLong_FromUnsignedLong(value);
+}
+PyObject* number(int value)
+{
+    return PyLong_FromLong(value);
+}
+PyObject* number(std::uint64_t value)
+{
+    return PyLong_FromUnsignedLongLong(value);
+}
+PyObject* number(double value)
+{
+    return PyFloat_FromDouble(value);
+}
+
+bool isFloating(ExImageDataType type)
+{
+    return type == ExImageDataType::Float || type == ExImageDataType::Double;
+}
+
+double fullScale(const SxPicBufInfo& info)
+{
+    return isFloating(info.dataType) ? double(info.saturation) : std::ldexp(1.0, int(info.bpc)) - 1.0;
+}
+
+/// Type string of the array interface; null for an unknown type.
+const char* typestr(ExImageDataType type)
+{
+    // None counts one byte a value and yet has this entry of 8-byte values; readers rely on both.
+    static constexpr std::array<const char*, 12> strings = {"|u8", "|i1", "|u1", "|i2", "|u2", "|i4",
+                                                            "|u4", "|i8", "|u8", "|f4", "|f8", "|u2"};
+    const auto index = std::size_t(type);
+    return index < strings.size() ? strings[index] : nullptr;
+}
+
+PyObject* arrayInterface(const Source& from)
+{
+    const SxPicBuf& buffer = *from.buffer;
+    const PyRef data = PyRef::take(
+        Py_BuildValue("(Ki)", static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(buffer.data)), 0));
+    if (!data)
+        return nullptr;
+    const int width = int(buffer.width);
+    const int height = int(buffer.height);
+    const int channels = int(buffer.channels);
+    const int pixelBytes = int(buffer.bytesPerPixel());
+    const int stride = int(buffer.lineStride);
+    constexpr int version = 3;
+    // x is the first axis and y the second; the strides tell the reader so.
+    if (channels <= 1 || buffer.dataType == ExImageDataType::Packed565)
+        return Py_BuildValue("{s:(ii),s:s,s:O,s:(ii),s:i}", "shape", width, height, "typestr", typestr(buffer.dataType),
+                             "data", data.get(), "strides", pixelBytes, stride, "version", version);
+    return Py_BuildValue("{s:(iii),s:s,s:O,s:(iii),s:i}", "shape", width, height, channels, "typestr",
+                         typestr(buffer.dataType), "data", data.get(), "strides", pixelBytes, stride,
+                         pixelBytes / channels, "version", version);
+}
+
+constexpr Attribute attributes[] = {
+    {"width", Need::Buffer, [](const Source& from) { return number(from.buffer->width); }},
+    {"height", Need::Buffer, [](const Source& from) { return number(from.buffer->height); }},
+    {"bpc", Need::Buffer, [](const Source& from) { return number(from.buffer->bpc); }},
+    {"channels", Need::Buffer, [](const Source& from) { return number(from.buffer->channels); }},
+    {"frame_number", Need::Buffer, [](const Source& from) { return number(from.buffer->frameNumber); }},
+    {"nframe", Need::Buffer, [](const Source& from) { return number(from.buffer->frameNumber); }},
+    {"acq_nframe", Need::Buffer, [](const Source& from) { return number(from.buffer->acqFrameNumber); }},
+    {"time_stamp", Need::Buffer, [](const Source& from) { return number(from.buffer->timeStamp); }},
+    {"tsSec", Need::Buffer, [](const Source& from) { return number(from.buffer->timeStamp / microsecondsPerSecond); }},
+    {"tsUSec", Need::Buffer, [](const Source& from) { return number(from.buffer->timeStamp % microsecondsPerSecond); }},
+    {"rgb", Need::Buffer, [](const Source& from) { return PyBool_FromLong(from.buffer->isColor); }},
+    {"size", Need::Buffer, [](const Source&) { return PyLong_FromLong(frameRecordSize); }},
+    {"bp", Need::Buffer,
+     [](const Source& from) { return number(std::uint64_t(reinterpret_cast<std::uintptr_t>(from.buffer->data))); }},
+    {"bp_size", Need::Buffer, [](const Source& from) { return number(std::uint64_t(from.buffer->dataSize())); }},
+    {"frm", Need::Buffer, [](const Source& from) { return number(zuCore_GetZuImgFormatForPicBufInfo(*from.buffer)); }},
+    {"black_level", Need::Buffer, [](const Source& from) { return number(from.buffer->blackLevel); }},
+    {"padding_x", Need::Buffer,
+     [](const Source& from) {
+         const SxPicBuf& buffer = *from.buffer;
+         return PyLong_FromLongLong(std::int64_t(buffer.lineStride) -
+                                    std::int64_t(buffer.bytesPerPixel()) * std::int64_t(buffer.width));
+     }},
+    {"AbsoluteOffsetX", Need::Buffer, [](const Source&) { return number(0); }},
+    {"AbsoluteOffsetY", Need::Buffer, [](const Source&) { return number(0); }},
+    {"transport_frm", Need::Metadata, [](const Source& from) { return number(from.metadata->transportFormat); }},
+    {"exposure_time_us", Need::Metadata, [](const Source& from) { return number(from.metadata->exposureTimeUs); }},
+    {"gain_db", Need::Metadata, [](const Source& from) { return number(double(from.metadata->gainDb)); }},
+    {"data_saturation", Need::Buffer, [](const Source& from) { return number(fullScale(*from.buffer)); }},
+    {"wb_red", Need::Metadata, [](const Source& from) { return number(double(from.metadata->wbRed)); }},
+    {"wb_green", Need::Metadata, [](const Source& from) { return number(double(from.metadata->wbGreen)); }},
+    {"wb_blue", Need::Metadata, [](const Source& from) { return number(double(from.metadata->wbBlue)); }},
+    {"color_filter_array", Need::Metadata,
+     [](const Source& from) { return number(zuCore_GetZuCfaFromColorFilterArray(from.metadata->colorFilterArray)); }},
+    {"tof_phases_count", Need::Metadata, [](const Source& from) { return number(from.metadata->tofPhasesCount); }},
+    {"tof_multiple_phases_in_buffer", Need::Metadata, [](const Source&) { return number(0); }},
+    {"tof_phase_id", Need::Metadata, [](const Source& from) { return number(from.metadata->tofPhaseId); }},
+    {"data_sign_mode", Need::Buffer,
+     [](const Source& from) { return number(zuCore_GetZuDataSmFromDataType(from.buffer->dataType)); }},
+    {"__array_interface__", Need::Buffer, arrayInterface},
+    {"tobytes", Need::Nothing,
+     [](const Source& from) { return PyCFunction_NewEx(&px_image_meths[0], from.self, nullptr); }},
+};
+
+// From name to index in the table. Belongs to the running interpreter.
+PyObject* attributeIndex = nullptr;
+
+/// The place of a name in the table, borrowed; null, with an error set only on failure, when it is not there.
+PyObject* findAttribute(PyObject* name)
+{
+    if (Py_TYPE(name) == &PyUnicode_Type)
+        return PyDict_GetItemWithError(attributeIndex, name);
+    if (!(PyType_GetFlags(Py_TYPE(name)) & Py_TPFLAGS_UNICODE_SUBCLASS))
+        return nullptr;
+    // A subclass may hash and compare as it likes; what counts is its text.
+    const PyRef text = PyRef::take(PyUnicode_FromObject(name));
+    return text ? PyDict_GetItemWithError(attributeIndex, text.get()) : nullptr;
+}
+
+} // namespace
+
+bool fx_img_prepareAttributes()
+{
+    PyRef index = PyRef::take(PyDict_New());
+    if (!index)
+        return false;
+    for (std::size_t i = 0; i < std::size(attributes); ++i) {
+        const PyRef name = PyRef::take(PyUnicode_InternFromString(attributes[i].name));
+        const PyRef position = PyRef::take(PyLong_FromSize_t(i));
+        if (!name || !position || PyDict_SetItem(index.get(), name.get(), position.get()) != 0)
+            return false;
+    }
+    attributeIndex = index.release();
+    return true;
+}
+
+PyObject* fx_pyimg_GetAttrO(PyObject* self, PyObject* name)
+{
+    PyObject* position = findAttribute(name);
+    if (!position) {
+        if (PyErr_Occurred())
+            return nullptr;
+        return PyObject_GenericGetAttr(self, name);
+    }
+    const Attribute& attribute = attributes[PyLong_AsSize_t(position)];
+    Source from{self, nullptr, nullptr};
+    CxImageData* image = reinterpret_cast<TxPyImage*>(self)->imageData;
+    if (image && attribute.need == Need::Buffer)
+        from.buffer = image->picBuf();
+    else if (image && attribute.need == Need::Metadata)
+        from.metadata = image->imageMetadata();
+    const bool present = attribute.need == Need::Nothing || from.buffer || from.metadata;
+    if (!present) {
+        PyErr_SetString(PyExc_Exception, "Vantrel image object is empty");
+        return nullptr;
+    }
+    return attribute.get(from);
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "SxPicBuf.h"
+#include "support/PythonApi.h"
+
+#include <memory>
+
+class CxImageData;
+
+// The type vantrel.Image, as its own parts see it.
+
+/// The instance record.
+struct TxPyImage {
+    PyObject_HEAD CxImageData* imageData; ///< the host image this object stands for; null for an empty object
+    bool ownsData;                        ///< whether the object deletes the image, or borrows one kept elsewhere
+};
+
+/// The type object of the running interpreter; null until the module is made.
+extern PyTypeObject* TxPyImageType;
+
+extern PyMethodDef px_image_meths[];
+
+/// The picture buffer behind an object of this type, or null (no error set) when it is empty.
+SxPicBuf* fx_img_buffer(PyObject* self);
+
+/// Deletes the object's image if the object owns it, and leaves the object empty.
+void fx_img_releaseImage(TxPyImage& object);
+
+/// Replaces the object's image: the old one is released, the new one (perhaps null) is owned by the object.
+void fx_img_installImage(TxPyImage& object, std::unique_ptr<CxImageData> image);
+
+/// A new vantrel.Image that owns the image; null with an error set when it cannot be made.
+PyObject* fx_img_newOwner(std::unique_ptr<CxImageData> image);
+
+/// A new vantrel.Image over a buffer whose pixels it takes over, also on failure (null with an error set).
+PyObject* fx_img_newOwner(const SxPicBuf& buffer);
+
+/// Attribute look-up, the getattro slot: ImageAttributes.cpp.
+PyObject* fx_pyimg_GetAttrO(PyObject* self, PyObject* name);
+
+/// Prepares the table of attribute names; false with an error set when there is no memory for it.
+bool fx_img_prepareAttributes();

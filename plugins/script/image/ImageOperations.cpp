@@ -1,0 +1,269 @@
+// Conversions that make a new image, operations on two images, saving.
+
+#include "CxImageData.h"
+#include "CxImageFormatManager.h"
+#include "ImageMethods.h"
+#include "OwnedPicBuf.h"
+#include "ScriptModule.h"
+#include "app/AppFunctions.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+
+namespace {
+
+constexpr const char* outOfMemory = "cannot allocate new image, out of memory";
+
+// False with an error set. The memory is cleared: not every operation writes every pixel.
+bool allocateResult(OwnedPicBuf& result, SxPicBufInfo info)
+{
+    info.lineStride = 0;
+    CxPicBufAPI::AllocPicBufFromHeap(result.buffer, info, false, 0);
+    if (!result.buffer.data)
+        fx_img_raise(outOfMemory);
+    return result.buffer.data != nullptr;
+}
+
+PyObject* newImage(OwnedPicBuf& result)
+{
+    return fx_img_newOwner(result.release());
+}
+
+// False with an error set. A negative size would turn into an enormous one.
+bool isSize(int width, int height)
+{
+    if (width >= 0 && height >= 0)
+        return true;
+    fx_img_raise(outOfMemory);
+    return false;
+}
+
+// An operation on the pixels of the object and of another one; both have to have some.
+template<typename Operation>
+PyObject* onTwoImages(PyObject* self, PyObject* other, Operation operation)
+{
+    SxPicBuf* own = fx_img_pixels(self);
+    SxPicBuf* others = own ? fx_img_pixelsOfArgument(other) : nullptr;
+    if (!others)
+        return nullptr;
+    operation(*own, *others);
+    return fx_app_none();
+}
+
+} // namespace
+
+// ---- new images ----
+
+PyObject* fx_pyimg_ToRgb(PyObject* self, PyObject* /*args*/)
+{
+    const SxPicBuf* source = fx_img_pixels(self);
+    if (!source)
+        return nullptr;
+    SxPicBufInfo info = *source;
+    info.channels = 4;
+    info.dataType = ExImageDataType::UInt8;
+    info.bpc = 8;
+    info.storageFormat = ExDataStorageFormat::Interleaved;
+    info.blackLevel = 0;
+    info.isColor = true;
+    OwnedPicBuf result;
+    if (!allocateResult(result, info))
+        return nullptr;
+    CxPicBufAPI::ConvertPicToRGB(*source, result.buffer);
+    return newImage(result);
+}
+
+PyObject* fx_pyimg_ExtractChannel(PyObject* self, PyObject* args)
+{
+    int channel = 0;
+    if (!PyArg_ParseTuple(args, "i", &channel))
+        return nullptr;
+    const SxPicBuf* source = fx_img_pixels(self);
+    if (!source)
+        return nullptr;
+    if (channel < 0 || unsigned(channel) >= source->channels)
+        return fx_img_raise("channel number out of range");
+    SxPicBufInfo info = *source;
+    info.channels = 1;
+    info.isColor = false;
+    OwnedPicBuf result;
+    if (!allocateResult(result, info))
+        return nullptr;
+    CxPicBufAPI::ExtractChannel(*source, result.buffer, unsigned(channel));
+    return newImage(result);
+}
+
+PyObject* fx_pyimg_ConvertBpc(PyObject* self, PyObject* args)
+{
+    int bpc = 0;
+    int scale = 1;
+    if (!PyArg_ParseTuple(args, "i|p", &bpc, &scale))
+        return nullptr;
+    const SxPicBuf* source = fx_img_pixels(self);
+    if (!source)
+        return nullptr;
+    if (bpc <= 0 || bpc > 32)
+        return fx_img_raise("number of bits out of range");
+    SxPicBufInfo info = *source;
+    info.bpc = unsigned(bpc);
+    info.dataType = bpc <= 8 ? ExImageDataType::UInt8 : bpc <= 16 ? ExImageDataType::UInt16 : ExImageDataType::UInt32;
+    OwnedPicBuf result;
+    if (!allocateResult(result, info))
+        return nullptr;
+    CxPicBufAPI::ConvertPicToDifBpc(*source, result.buffer, scale != 0);
+    if (!CxPicBufAPI::CheckPicValidData(result.buffer))
+        return fx_img_raise("new image contained values over max bpc");
+    return newImage(result);
+}
+
+PyObject* fx_pyimg_NewCopy(PyObject* self, PyObject* /*args*/)
+{
+    CxImageData* image = fx_pyimg_getImageObjectData(self);
+    if (!image)
+        return nullptr;
+    std::unique_ptr<QObject> clone(image->clone(nullptr, nullptr));
+    auto* copy = qobject_cast<CxImageData*>(clone.get());
+    if (!copy)
+        return fx_img_raise(outOfMemory);
+    static_cast<void>(clone.release());
+    return fx_img_newOwner(std::unique_ptr<CxImageData>(copy));
+}
+
+PyObject* fx_pyimg_Crop(PyObject* self, PyObject* args)
+{
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    if (!PyArg_ParseTuple(args, "iiii", &x, &y, &width, &height))
+        return nullptr;
+    const SxPicBuf* source = fx_img_pixels(self);
+    if (!source || !isSize(width, height))
+        return nullptr;
+    SxPicBufInfo info = *source;
+    info.width = unsigned(width);
+    info.height = unsigned(height);
+    OwnedPicBuf result;
+    if (!allocateResult(result, info))
+        return nullptr;
+    CxPicBufAPI::CopyRect(result.buffer, 0, 0, *source, unsigned(x), unsigned(y), unsigned(width), unsigned(height));
+    return newImage(result);
+}
+
+PyObject* fx_pyimg_Resize(PyObject* self, PyObject* args)
+{
+    int newWidth = 0;
+    int newHeight = 0;
+    int x = 0;
+    int y = 0;
+    int width = 1;
+    int height = 1;
+    if (!PyArg_ParseTuple(args, "ii|iiii", &newWidth, &newHeight, &x, &y, &width, &height))
+        return nullptr;
+    const SxPicBuf* source = fx_img_pixels(self);
+    if (!source || !isSize(newWidth, newHeight))
+        return nullptr;
+    SxPicBufInfo info = *source;
+    info.width = unsigned(newWidth);
+    info.height = unsigned(newHeight);
+    OwnedPicBuf result;
+    if (!allocateResult(result, info))
+        return nullptr;
+    CxPicBufAPI::ResizeRect(*source, unsigned(x), unsigned(y), width == 0 ? source->width : unsigned(width),
+                            height == 0 ? source->height : unsigned(height), result.buffer, 0, 0, info.width,
+                            info.height);
+    return newImage(result);
+}
+
+// ---- into another image ----
+
+PyObject* fx_pyimg_CopyTo(PyObject* self, PyObject* other)
+{
+    return onTwoImages(self, other,
+                       [](const SxPicBuf& source, SxPicBuf& target) { CxPicBufAPI::CopyPicBuf(target, source, true); });
+}
+
+PyObject* fx_pyimg_CopyRectTo(PyObject* self, PyObject* args)
+{
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    PyObject* other = nullptr;
+    int toX = 0;
+    int toY = 0;
+    if (!PyArg_ParseTuple(args, "iiiiOii", &x, &y, &width, &height, &other, &toX, &toY))
+        return nullptr;
+    return onTwoImages(self, other, [&](const SxPicBuf& source, SxPicBuf& target) {
+        CxPicBufAPI::CopyRect(target, unsigned(toX), unsigned(toY), source, unsigned(x), unsigned(y), unsigned(width),
+                              unsigned(height));
+    });
+}
+
+PyObject* fx_pyimg_ResizeTo(PyObject* self, PyObject* other)
+{
+    return onTwoImages(self, other,
+                       [](const SxPicBuf& source, SxPicBuf& target) { CxPicBufAPI::Resize(source, target); });
+}
+
+PyObject* fx_pyimg_ResizeRectTo(PyObject* self, PyObject* args)
+{
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    PyObject* other = nullptr;
+    int toX = 0;
+    int toY = 0;
+    int toWidth = 0;
+    int toHeight = 0;
+    if (!PyArg_ParseTuple(args, "iiiiOiiii", &x, &y, &width, &height, &other, &toX, &toY, &toWidth, &toHeight))
+        return nullptr;
+    return onTwoImages(self, other, [&](const SxPicBuf& source, SxPicBuf& target) {
+        CxPicBufAPI::ResizeRect(source, unsigned(x), unsigned(y), unsigned(width), unsigned(height), target,
+                                unsigned(toX), unsigned(toY), unsigned(toWidth), unsigned(toHeight));
+    });
+}
+
+// ---- in place ----
+
+PyObject* fx_pyimg_Add(PyObject* self, PyObject* other)
+{
+    return onTwoImages(self, other, [](SxPicBuf& target, const SxPicBuf& source) { CxPicBufAPI::Add(target, source); });
+}
+
+PyObject* fx_pyimg_Subtract(PyObject* self, PyObject* other)
+{
+    return onTwoImages(self, other,
+                       [](SxPicBuf& target, const SxPicBuf& source) { CxPicBufAPI::Subtract(target, source); });
+}
+
+PyObject* fx_pyimg_DivideByValue(PyObject* self, PyObject* args)
+{
+    int divisor = 0;
+    if (!PyArg_ParseTuple(args, "i", &divisor))
+        return nullptr;
+    SxPicBuf* target = fx_img_pixels(self);
+    if (!target)
+        return nullptr;
+    CxPicBufAPI::DivideByValue(*target, divisor);
+    return fx_app_none();
+}
+
+// ---- saving ----
+
+PyObject* fx_pyimg_SaveToFile(PyObject* self, PyObject* args)
+{
+    const char* utf8 = nullptr;
+    if (!PyArg_ParseTuple(args, "s", &utf8))
+        return nullptr;
+    if (!fx_img_pixels(self))
+        return nullptr;
+    const QString path = fx_app_resolvePath(utf8);
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    const std::unique_ptr<CxImageFileSaver> saver(CxImageFormatManager::instance()->saverForFile(path));
+    if (!saver)
+        return nullptr;
+    saver->saveImage(fx_pyimg_getImageObjectData(self), nullptr);
+    return fx_app_none();
+}

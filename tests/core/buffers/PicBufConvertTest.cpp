@@ -1,0 +1,255 @@
+#include "PicBufReference.h"
+#include "core/LogCapture.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+BufferShape randomShape(std::mt19937_64& random, ExImageDataType type, unsigned channels)
+{
+    return {unsigned(1 + random() % 50), unsigned(1 + random() % 6), channels, type, unsigned(random() % 7)};
+}
+
+TEST(PicBufConvert, KeepsValuesAndClipsThemToTheType)
+{
+    std::mt19937_64 random(2);
+    for (const ExImageDataType from : numberTypes()) {
+        for (const ExImageDataType to : numberTypes()) {
+            SCOPED_TRACE(typeName(from) + " to " + typeName(to));
+            BufferShape shape = randomShape(random, from, 1 + unsigned(random() % 4));
+            TestPicBuf source(shape);
+            source.randomise(random);
+            shape.type = to;
+            shape.padding = 3;
+            TestPicBuf target(shape);
+            ASSERT_TRUE(CxPicBufAPI::ConvertPicToDifBpc(source.record, target.record, false));
+            EXPECT_TRUE(target.onlyPixelsWritten());
+            for (unsigned y = 0; y < shape.height; ++y) {
+                for (std::size_t i = 0; i < source.values(); ++i) {
+                    const long double value = valueAt(source.record, i, y);
+                    long double wanted = clamped(std::rint(value), typeMin(to), typeMax(to));
+                    if (to == ExImageDataType::Float)
+                        wanted = static_cast<float>(value);
+                    else if (to == ExImageDataType::Double)
+                        wanted = static_cast<double>(value);
+                    ASSERT_EQ(valueAt(target.record, i, y), wanted) << value;
+                }
+            }
+        }
+    }
+}
+
+TEST(PicBufConvert, ScalesFullScaleToFullScale)
+{
+    std::mt19937_64 random(3);
+    for (const ExImageDataType from : numberTypes()) {
+        for (const ExImageDataType to : numberTypes()) {
+            for (int round = 0; round < 4; ++round) {
+                BufferShape shape = randomShape(random, from, 1 + unsigned(random() % 4));
+                shape.bpc = unsigned(1 + random() % (SxPicBufInfo::bytesPerValue(from) * 8));
+                TestPicBuf source(shape);
+                source.randomise(random);
+                source.record.saturation = 700.5F;
+                shape.type = to;
+                shape.bpc = unsigned(1 + random() % (SxPicBufInfo::bytesPerValue(to) * 8));
+                TestPicBuf target(shape);
+                SCOPED_TRACE(typeName(from) + " " + std::to_string(source.record.bpc) + " to " + typeName(to) + " " +
+                             std::to_string(shape.bpc));
+                if (!isFloating(from)) // within full scale, for some rounds
+                    for (unsigned y = 0; y < shape.height && round % 2; ++y)
+                        for (std::size_t i = 0; i < source.values(); ++i)
+                            source.setBits(i, y, random() & ((2ULL << (source.record.bpc - 1)) - 1));
+                ASSERT_TRUE(CxPicBufAPI::ConvertPicToDifBpc(source.record, target.record, true));
+                EXPECT_TRUE(target.onlyPixelsWritten());
+                const long double full = scaleOf(target.record);
+                for (unsigned y = 0; y < shape.height; ++y) {
+                    for (std::size_t i = 0; i < source.values(); ++i) {
+                        const long double exact = valueAt(source.record, i, y) * full / scaleOf(source.record);
+                        const long double seen = valueAt(target.record, i, y);
+                        if (isFloating(to))
+                            ASSERT_LE(std::fabs(seen - exact), std::fabs(exact) * 1.2e-7L);
+                        else // nearest, with room for the precision of the factor at halves
+                            ASSERT_LE(std::fabs(seen - clamped(exact, typeMin(to), full)),
+                                      0.5L + 1e-5L + std::fabs(exact) * 1e-15L);
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(PicBufConvert, ScalesSmallTypesExactly)
+{
+    // Every value, also those above full scale.
+    constexpr unsigned count = 65536;
+    for (unsigned fromBits = 1; fromBits <= 16; ++fromBits) {
+        for (unsigned toBits = 1; toBits <= 16; ++toBits) {
+            const auto type = toBits <= 8 ? ExImageDataType::UInt8 : ExImageDataType::UInt16;
+            TestPicBuf source({count, 1, 1, ExImageDataType::UInt16, 0, fromBits});
+            TestPicBuf target({count, 1, 1, type, 0, toBits});
+            for (unsigned i = 0; i < count; ++i)
+                source.setBits(i, 0, i);
+            ASSERT_TRUE(CxPicBufAPI::ConvertPicToDifBpc(source.record, target.record, true));
+            const std::uint64_t from = (1U << fromBits) - 1, to = (1U << toBits) - 1;
+            for (unsigned i = 0; i < count; ++i) {
+                const std::uint64_t wanted = (std::min<std::uint64_t>(i, from) * to * 2 + from) / (2 * from);
+                const unsigned seen = toBits <= 8 ? target.get<std::uint8_t>(i, 0) : target.get<std::uint16_t>(i, 0);
+                ASSERT_EQ(seen, wanted) << i << " from " << fromBits << " to " << toBits << " bits";
+            }
+        }
+    }
+}
+
+TEST(PicBufConvert, OddFloatsBecomeIntegersInRange)
+{
+    const float values[] = {std::numeric_limits<float>::quiet_NaN(),
+                            std::numeric_limits<float>::infinity(),
+                            -std::numeric_limits<float>::infinity(),
+                            1e30F,
+                            -1e30F,
+                            2.5F,
+                            -0.6F};
+    TestPicBuf source({7, 1, 1, ExImageDataType::Float});
+    for (unsigned i = 0; i < 7; ++i)
+        source.set(i, 0, values[i]);
+    for (const ExImageDataType to : numberTypes()) {
+        if (isFloating(to))
+            continue;
+        SCOPED_TRACE(typeName(to));
+        TestPicBuf target({7, 1, 1, to});
+        ASSERT_TRUE(CxPicBufAPI::ConvertPicToDifBpc(source.record, target.record, false));
+        const long double wanted[] = {
+            0, typeMax(to), typeMin(to), typeMax(to), typeMin(to), 2, isSignedInteger(to) ? -1.0L : 0.0L};
+        for (unsigned i = 0; i < 7; ++i)
+            EXPECT_EQ(valueAt(target.record, i, 0), wanted[i]) << values[i];
+    }
+}
+
+TEST(PicBufConvert, RefusesOtherSizesPackedColoursAndSharedMemory)
+{
+    const LogCapture log;
+    TestPicBuf source({4, 3});
+    TestPicBuf smaller({3, 3, 1, ExImageDataType::UInt16});
+    TestPicBuf packed({4, 3, 1, ExImageDataType::Packed565});
+    EXPECT_FALSE(CxPicBufAPI::ConvertPicToDifBpc(source.record, smaller.record, true));
+    EXPECT_FALSE(CxPicBufAPI::ConvertPicToDifBpc(source.record, packed.record, true));
+    EXPECT_FALSE(CxPicBufAPI::ConvertPicToDifBpc(packed.record, source.record, false));
+    EXPECT_FALSE(CxPicBufAPI::ConvertPicToDifBpc(source.record, source.record, false));
+    EXPECT_EQ(LogCapture::lines().size(), 4);
+}
+
+TEST(PicBufColor, EverythingBecomesEightBitColour)
+{
+    std::mt19937_64 random(4);
+    for (const ExImageDataType type : numberTypes()) {
+        for (const unsigned channels : {1U, 2U, 3U, 4U, 6U, 600U}) {
+            for (const unsigned colours : {3U, 4U}) {
+                SCOPED_TRACE(typeName(type) + " x " + std::to_string(channels));
+                BufferShape shape = randomShape(random, type, channels);
+                shape.bpc = SxPicBufInfo::bytesPerValue(type) * 8 - unsigned(random() % 4);
+                TestPicBuf source(shape);
+                source.randomise(random);
+                source.record.saturation = 600.0F;
+                TestPicBuf target({shape.width, shape.height, colours, ExImageDataType::UInt8, 1});
+                ASSERT_TRUE(CxPicBufAPI::ConvertPicToRGB(source.record, target.record));
+                EXPECT_TRUE(target.onlyPixelsWritten());
+                for (unsigned y = 0; y < shape.height; ++y) {
+                    for (unsigned x = 0; x < shape.width; ++x) {
+                        for (unsigned c = 0; c < colours; ++c) {
+                            const std::size_t at = x * channels + (channels < 3 ? 0 : c);
+                            long double wanted = 255;
+                            if (c < 3 || channels == 4)
+                                wanted = clamped(valueAt(source.record, at, y) * 255 / scaleOf(source.record), 0, 255);
+                            ASSERT_LE(std::fabs(valueAt(target.record, x * colours + c, y) - wanted), 0.5001L);
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(PicBufColor, PackedColoursAreStretchedToFullScale)
+{
+    TestPicBuf source({4, 1, 1, ExImageDataType::Packed565});
+    const unsigned words[] = {0xFFFF, 0x001F, 0x07E0, 0xF800};
+    for (unsigned i = 0; i < 4; ++i)
+        source.setBits(i, 0, words[i]);
+    TestPicBuf target({4, 1, 3});
+    ASSERT_TRUE(CxPicBufAPI::ConvertPicToRGB(source.record, target.record));
+    const std::vector<std::uint8_t> wanted = {255, 255, 255, 255, 0, 0, 0, 255, 0, 0, 0, 255};
+    EXPECT_EQ(target.pixels(), wanted);
+}
+
+TEST(PicBufColor, SwapExchangesFirstAndThirdOfEveryPixel)
+{
+    std::mt19937_64 random(5);
+    for (const ExImageDataType type : numberTypes()) {
+        for (const unsigned channels : {3U, 4U}) {
+            for (const unsigned padding : {0U, 1U, 16U}) {
+                SCOPED_TRACE(typeName(type));
+                BufferShape shape = randomShape(random, type, channels);
+                shape.padding = padding;
+                TestPicBuf source(shape);
+                for (unsigned y = 0; y < shape.height; ++y)
+                    for (std::size_t i = 0; i < source.values(); ++i)
+                        source.setBits(i, y, random()); // any bits, in floats as well: nothing is computed
+                const TestPicBuf before(source);
+                ASSERT_TRUE(CxPicBufAPI::SwapRedAndBlue(source.record));
+                EXPECT_TRUE(source.onlyPixelsWritten());
+                const std::size_t size = SxPicBufInfo::bytesPerValue(type);
+                for (unsigned y = 0; y < shape.height; ++y) {
+                    for (std::size_t i = 0; i < source.values(); ++i) {
+                        const std::size_t c = i % channels;
+                        const std::size_t other = c == 0 ? i + 2 : c == 2 ? i - 2 : i;
+                        ASSERT_EQ(
+                            std::memcmp(source.record.row(y) + i * size, before.record.row(y) + other * size, size), 0);
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(PicBufColor, SwapRefusesWhatHasNoRedAndBlue)
+{
+    const LogCapture log;
+    TestPicBuf mono({4, 2, 1});
+    TestPicBuf packed({4, 2, 1, ExImageDataType::Packed565});
+    SxPicBuf empty;
+    EXPECT_FALSE(CxPicBufAPI::SwapRedAndBlue(mono.record));
+    EXPECT_FALSE(CxPicBufAPI::SwapRedAndBlue(packed.record));
+    EXPECT_FALSE(CxPicBufAPI::SwapRedAndBlue(empty));
+    EXPECT_EQ(LogCapture::lines().size(), 3);
+}
+
+TEST(PicBufColor, ExtractsAChannelOfEveryType)
+{
+    std::mt19937_64 random(6);
+    for (const ExImageDataType type : allTypes) {
+        for (const unsigned padding : {0U, 1U, 2U}) {
+            const unsigned many = padding == 2 ? 600 : 1 + unsigned(random() % 5);
+            const unsigned channels = type == ExImageDataType::Packed565 ? 1 : many;
+            const unsigned channel = unsigned(random() % channels);
+            SCOPED_TRACE(typeName(type) + " x " + std::to_string(channels));
+            BufferShape shape = randomShape(random, type, channels);
+            TestPicBuf source(shape);
+            for (unsigned y = 0; y < shape.height; ++y)
+                for (std::size_t i = 0; i < source.values(); ++i)
+                    source.setBits(i, y, random());
+            TestPicBuf target({shape.width, shape.height, 1, type, padding});
+            ASSERT_TRUE(CxPicBufAPI::ExtractChannel(source.record, target.record, channel));
+            EXPECT_TRUE(target.onlyPixelsWritten());
+            const std::size_t size = SxPicBufInfo::bytesPerValue(type);
+            for (unsigned y = 0; y < shape.height; ++y)
+                for (unsigned x = 0; x < shape.width; ++x)
+                    ASSERT_EQ(std::memcmp(target.record.row(y) + x * size,
+                                          source.record.row(y) + (x * channels + channel) * size, size),
+                              0);
+            const LogCapture log;
+            EXPECT_FALSE(CxPicBufAPI::ExtractChannel(source.record, target.record, channels));
+        }
+    }
+}
+
+} // namespace

@@ -1,0 +1,181 @@
+// Image files that are not as they should be: one log line, no image, no crash.
+
+#include "CxImageFormatManager.h"
+#include "core/LogCapture.h"
+#include "core/buffers/TestPicBuf.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class DamagedImageFile : public testing::TestWithParam<const char*>
+{
+protected:
+    /// Loads a file with the given content; the lines that were logged stand in LogCapture::lines() afterwards.
+    bool loads(const QByteArray& content, const char* extension)
+    {
+        const QString path = m_folder.filePath(QStringLiteral("x.") + QString::fromLatin1(extension));
+        QFile::remove(path); // rewriting a file in place waits for the disk
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+        file.close();
+        return loadsFile(path);
+    }
+
+    static bool loadsFile(const QString& path)
+    {
+        const LogCapture log;
+        const std::unique_ptr<CxImageFileLoader> loader(CxImageFormatManager::instance()->loaderForFile(path));
+        const bool loaded = loader->readFile();
+        EXPECT_EQ(loaded, loader->frameAt(0) != nullptr);
+        EXPECT_EQ(LogCapture::lines().size(), loaded ? 0 : 1);
+        return loaded;
+    }
+
+    /// A healthy file of the format.
+    QByteArray healthy(const char* extension, ExImageDataType type, unsigned channels)
+    {
+        TestPicBuf source({40, 30, channels, type});
+        std::mt19937_64 random(3);
+        source.randomise(random);
+        const QString path = m_folder.filePath(QStringLiteral("healthy.") + QString::fromLatin1(extension));
+        const std::unique_ptr<CxImageFileSaver> saver(CxImageFormatManager::instance()->saverForFile(path));
+        EXPECT_TRUE(saver->saveImage(source.image().get(), nullptr));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+
+    QTemporaryDir m_folder;
+};
+
+TEST_P(DamagedImageFile, TruncatedAnywhereGivesNoImage)
+{
+    for (const unsigned channels : {1U, 3U}) {
+        const QByteArray whole = healthy(GetParam(), ExImageDataType::UInt8, channels);
+        ASSERT_TRUE(loads(whole, GetParam()));
+        for (qsizetype length = 0; length < whole.size(); length += length < 200 ? 1 : 61)
+            EXPECT_FALSE(loads(whole.left(length), GetParam())) << length << " of " << whole.size();
+        EXPECT_FALSE(loads(whole.left(whole.size() - 1), GetParam()));
+    }
+}
+
+TEST_P(DamagedImageFile, FlippedBytesNeverCrash)
+{
+    std::mt19937_64 random(5);
+    const QByteArray whole = healthy(GetParam(), ExImageDataType::UInt8, 3);
+    for (int round = 0; round < 600; ++round) {
+        QByteArray broken = whole;
+        // The header is short, and most of what can go wrong stands in it.
+        const auto range = std::uint64_t(round % 2 ? broken.size() : std::min<qsizetype>(broken.size(), 64));
+        for (std::uint64_t flips = 1 + random() % 3; flips > 0; --flips)
+            broken[qsizetype(random() % range)] = char(random());
+        loads(broken, GetParam());
+    }
+    if (QByteArray(GetParam()) == "tif") { // its header stands at the end
+        for (int round = 0; round < 600; ++round) {
+            QByteArray broken = whole;
+            broken[broken.size() - 1 - qsizetype(random() % 220)] = char(random());
+            loads(broken, GetParam());
+        }
+    }
+}
+
+TEST_P(DamagedImageFile, FlippedBytesAroundTheNotedDepthNeverCrash)
+{
+    std::mt19937_64 random(6);
+    TestPicBuf source({6, 4, 3, ExImageDataType::UInt16, 0, 12});
+    for (unsigned y = 0; y < 4; ++y)
+        for (std::size_t i = 0; i < source.values(); ++i)
+            source.setBits(i, y, random() & 0xFFF);
+    const QString path = m_folder.filePath(QStringLiteral("deep.") + QString::fromLatin1(GetParam()));
+    const std::unique_ptr<CxImageFileSaver> saver(CxImageFormatManager::instance()->saverForFile(path));
+    ASSERT_TRUE(saver->saveImage(source.image().get(), nullptr));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray whole = file.readAll();
+    for (int round = 0; round < 800; ++round) {
+        QByteArray broken = whole;
+        broken[qsizetype(random() % std::uint64_t(broken.size()))] = char(random());
+        loads(broken, GetParam());
+    }
+}
+
+TEST_P(DamagedImageFile, RandomBytesBehindTheSignatureNeverCrash)
+{
+    std::mt19937_64 random(11);
+    const QByteArray whole = healthy(GetParam(), ExImageDataType::UInt8, 1);
+    for (int round = 0; round < 200; ++round) {
+        QByteArray noise = whole.left(8 + qsizetype(random() % 40));
+        for (std::uint64_t i = random() % 400; i > 0; --i)
+            noise += char(random());
+        loads(noise, GetParam());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Format, DamagedImageFile, testing::Values("png", "tif", "jpg", "bmp", "ppm"),
+                         [](const auto& row) { return std::string(row.param); });
+
+using BadImageFile = DamagedImageFile;
+
+TEST_F(BadImageFile, AnEmptyFileGivesNoImage)
+{
+    EXPECT_FALSE(loads(QByteArray(), "png"));
+    EXPECT_TRUE(LogCapture::lines().value(0).contains(QStringLiteral("is empty")));
+}
+
+TEST_F(BadImageFile, AMissingFileGivesNoImage)
+{
+    EXPECT_FALSE(loadsFile(m_folder.filePath(QStringLiteral("missing.png"))));
+    EXPECT_TRUE(LogCapture::lines().value(0).contains(QStringLiteral("does not exist")));
+}
+
+TEST_F(BadImageFile, AFolderAndADeviceGiveNoImage)
+{
+    QDir(m_folder.path()).mkdir(QStringLiteral("folder.png"));
+    EXPECT_FALSE(loadsFile(m_folder.filePath(QStringLiteral("folder.png"))));
+    const QString link = m_folder.filePath(QStringLiteral("endless.png"));
+    ASSERT_TRUE(QFile::link(QStringLiteral("/dev/zero"), link));
+    EXPECT_FALSE(loadsFile(link));
+}
+
+TEST_F(BadImageFile, TextGivesNoImage)
+{
+    EXPECT_FALSE(loads("This is not a picture.", "jpg"));
+}
+
+TEST_F(BadImageFile, AHugePngHeaderIsRefusedBeforeMemoryIsTaken)
+{
+    QByteArray png = healthy("png", ExImageDataType::UInt8, 1);
+    png.replace(16, 8, QByteArray::fromHex("7fffffff7fffffff"));
+    EXPECT_FALSE(loads(png, "png"));
+    EXPECT_TRUE(LogCapture::lines().value(0).contains(QStringLiteral("2147483647 x 2147483647")));
+    png.replace(16, 8, QByteArray::fromHex("0000700000007000")); // within the limits, but not in so few bytes
+    EXPECT_FALSE(loads(png, "png"));
+    EXPECT_TRUE(LogCapture::lines().value(0).contains(QStringLiteral("cannot hold")));
+}
+
+TEST_F(BadImageFile, AHugeAnymapHeaderIsRefused)
+{
+    EXPECT_FALSE(loads("P5\n999999999999 999999999999\n255\nabc", "pgm"));
+    EXPECT_FALSE(loads("P6 30000 30000 65535\nabc", "ppm"));
+    EXPECT_FALSE(loads("P2 0 0 255\n", "pgm"));
+    EXPECT_FALSE(loads("P2 2 2 70000 1 2 3 4\n", "pgm"));
+    EXPECT_FALSE(loads("P5", "pgm"));
+}
+
+TEST_F(BadImageFile, AHugeBitmapHeaderIsRefused)
+{
+    QByteArray bmp = healthy("bmp", ExImageDataType::UInt8, 3);
+    bmp.replace(18, 8, QByteArray::fromHex("ffffff7fffffff7f"));
+    EXPECT_FALSE(loads(bmp, "bmp"));
+    bmp.replace(18, 8, QByteArray::fromHex("2800000000000080"));
+    EXPECT_FALSE(loads(bmp, "bmp"));
+}
+
+} // namespace

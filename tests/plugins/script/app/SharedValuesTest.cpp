@@ -1,0 +1,147 @@
+// The store of shared values under threads. Built with the thread sanitizer, together with the store alone.
+
+#include "CxImageData.h"
+#include "CxPicBufAPI.h"
+#include "app/GlobalVariables.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <thread>
+#include <vector>
+
+// Texts are shared between threads by atomic reference counts. Half of the counting happens inside the Qt library,
+// where the sanitizer does not see it, so it takes the library's release of the last reference for a race.
+extern "C" Q_DECL_EXPORT const char* __tsan_default_suppressions();
+extern "C" const char* __tsan_default_suppressions()
+{
+    return "called_from_lib:libQt6Core.so\n";
+}
+
+namespace {
+
+std::unique_ptr<CxImageData> makeImage(std::uint8_t value)
+{
+    SxPicBuf buffer;
+    CxPicBufAPI::AllocPicBufFromHeap(buffer, 8, 8, 1, ExImageDataType::UInt8, 0, 0, 8, ExDataStorageFormat::Interleaved,
+                                     ExColorFilterArray::None, false, true, 0);
+    std::fill_n(buffer.data, buffer.dataSize(), value);
+    auto image = std::make_unique<CxImageData>();
+    image->setPicBuf(buffer);
+    return image;
+}
+
+/// Runs a function on several threads at once, with the number of each.
+template<typename Function>
+void onThreads(int count, Function function)
+{
+    std::atomic<bool> go = false;
+    std::vector<std::thread> threads;
+    for (int number = 0; number < count; ++number) {
+        threads.emplace_back([&go, &function, number] {
+            while (!go)
+                std::this_thread::yield();
+            function(number);
+        });
+    }
+    go = true;
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+/// A thread that sets an integer.
+class Writer
+{
+public:
+    explicit Writer(const QString& name)
+        : m_thread([this, name] {
+            m_begun = true;
+            fx_vars_setInt(name, 1);
+            m_done = true;
+        })
+    {
+    }
+    ~Writer() { m_thread.join(); }
+    Q_DISABLE_COPY_MOVE(Writer)
+
+    /// Looks after a time that suffices for setting it.
+    bool isHeldBack() const
+    {
+        while (!m_begun)
+            std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        return !m_done;
+    }
+
+private:
+    std::atomic<bool> m_begun = false;
+    std::atomic<bool> m_done = false;
+    std::thread m_thread;
+};
+
+TEST(GlobalVariableStore, StandsTwoThreadsThatHammerAllSixFunctions)
+{
+    constexpr int rounds = 2000;
+    const int before = CxImageData::liveCount();
+    std::atomic<int> torn = 0;
+    onThreads(2, [&torn](int number) {
+        const QString shared = QStringLiteral("shared");
+        const QString own = QStringLiteral("own %1").arg(number);
+        const std::unique_ptr<CxImageData> image = makeImage(std::uint8_t(number));
+        for (int i = 0; i < rounds; ++i) {
+            for (const QString& name : {shared, own}) {
+                fx_vars_setImage(name, image.get());
+                fx_vars_setInt(name, i);
+                fx_vars_setString(name, QString::number(i));
+                fx_vars_readImage(name, [&torn](CxImageData* stored) {
+                    const SxPicBuf& buffer = *stored->picBuf();
+                    torn += buffer.row(0)[0] != buffer.row(7)[7];
+                });
+                fx_vars_readInt(name, [&torn](int value) { torn += value < 0; });
+                fx_vars_readString(name, [&torn](const QString& value) { torn += value.isEmpty(); });
+            }
+            fx_vars_readInt(own, [&torn, i](int value) { torn += value != i; });
+        }
+    });
+    EXPECT_EQ(torn, 0);
+    EXPECT_EQ(CxImageData::liveCount(), before + 3); // one for each name
+
+    for (const QString& name : {QStringLiteral("shared"), QStringLiteral("own 0"), QStringLiteral("own 1")})
+        fx_vars_setImage(name, nullptr);
+    EXPECT_EQ(CxImageData::liveCount(), before);
+}
+
+TEST(GlobalVariableStore, HoldsEveryWriterBackWhileAReaderUsesAValue)
+{
+    const QString name = QStringLiteral("locked");
+    fx_vars_setImage(name, makeImage(1).get());
+    // An integer, whatever the reader reads: the lock is one for all.
+    std::unique_ptr<Writer> writer;
+    const auto startWriter = [&] {
+        writer = std::make_unique<Writer>(name);
+        EXPECT_TRUE(writer->isHeldBack());
+    };
+    fx_vars_readImage(name, [&](CxImageData*) { startWriter(); });
+    writer.reset();
+    fx_vars_readInt(name, [&](int) { startWriter(); });
+    writer.reset();
+    fx_vars_readString(name, [&](const QString&) { startWriter(); });
+    writer.reset();
+    fx_vars_setImage(name, nullptr);
+}
+
+TEST(GlobalVariableStore, GivesBackTheVeryImageThatIsSetAgain)
+{
+    const QString name = QStringLiteral("identity");
+    fx_vars_setImage(name, makeImage(1).get());
+    CxImageData* stored = nullptr;
+    fx_vars_readImage(name, [&stored](CxImageData* image) { stored = image; });
+    fx_vars_setImage(name, stored);
+    fx_vars_readImage(name, [stored](CxImageData* image) { EXPECT_EQ(image, stored); });
+    fx_vars_setImage(name, nullptr);
+    fx_vars_readImage(name, [](CxImageData* image) { EXPECT_EQ(image, nullptr); });
+}
+
+} // namespace

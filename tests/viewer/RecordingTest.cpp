@@ -1,0 +1,144 @@
+#include "Pictures.h"
+#include "scripting/ApplicationDelegate.h"
+#include "views/ImageView.h"
+#include "window/MainWindow.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+
+#include <opencv2/videoio.hpp>
+
+namespace {
+
+/// What a video player makes of a file.
+struct Video {
+    explicit Video(const QString& path)
+    {
+        cv::VideoCapture capture(path.toStdString(), cv::CAP_OPENCV_MJPEG);
+        opens = capture.isOpened();
+        for (cv::Mat frame; capture.read(frame);)
+            frames.push_back(frame.clone());
+    }
+
+    bool opens = false;
+    std::vector<cv::Mat> frames;
+};
+
+class Recording : public testing::Test
+{
+protected:
+    QString path(const char* name = "video.avi") const { return folder.filePath(QString::fromUtf8(name)); }
+
+    QTemporaryDir folder;
+    MainWindow window;
+    ImageView* view = window.addView(greyPicture(64, 48, 10), QStringLiteral("view"));
+};
+
+TEST_F(Recording, HasOneFrameForEachImageGiven)
+{
+    ASSERT_TRUE(view->startVideoRecording(path()));
+    for (const int grey : {40, 120, 200})
+        view->setImage(greyPicture(64, 48, std::uint8_t(grey)));
+    view->stopVideoRecording();
+    view->setImage(greyPicture(64, 48, 255));
+    const Video video(path());
+    ASSERT_TRUE(video.opens);
+    ASSERT_EQ(video.frames.size(), 3U);
+    EXPECT_EQ(video.frames[0].size(), cv::Size(64, 48));
+    EXPECT_NEAR(video.frames[0].at<cv::Vec3b>(20, 20)[0], 40, 3);
+    EXPECT_NEAR(video.frames[2].at<cv::Vec3b>(20, 20)[2], 200, 3);
+}
+
+TEST_F(Recording, ScalesHighDepthsAndKeepsColours)
+{
+    ASSERT_TRUE(view->startVideoRecording(path()));
+    view->setImage(picture(ExImageDataType::UInt16, 12, 64, 1, std::vector<std::uint16_t>(std::size_t(64) * 48, 2048)));
+    std::vector<std::uint8_t> blue;
+    for (int i = 0; i < 64 * 48; ++i)
+        blue.insert(blue.end(), {220, 30, 30});
+    view->setImage(picture(ExImageDataType::UInt8, 8, 64, 3, blue));
+    view->stopVideoRecording();
+    const Video video(path());
+    ASSERT_EQ(video.frames.size(), 2U);
+    EXPECT_NEAR(video.frames[0].at<cv::Vec3b>(20, 20)[1], 128, 3);
+    EXPECT_NEAR(video.frames[1].at<cv::Vec3b>(20, 20)[0], 220, 12);
+    EXPECT_NEAR(video.frames[1].at<cv::Vec3b>(20, 20)[2], 30, 12);
+}
+
+TEST_F(Recording, ScalesImagesOfAnotherSizeToTheFirst)
+{
+    ASSERT_TRUE(view->startVideoRecording(path()));
+    view->setImage(greyPicture(80, 33, 50)); // not the size shown when the recording began
+    view->setImage(greyPicture(20, 20, 150));
+    view->stopVideoRecording();
+    const Video video(path());
+    ASSERT_EQ(video.frames.size(), 2U);
+    EXPECT_EQ(video.frames[0].size(), cv::Size(80, 33));
+    EXPECT_EQ(video.frames[1].size(), cv::Size(80, 33));
+    EXPECT_NEAR(video.frames[1].at<cv::Vec3b>(10, 10)[0], 150, 3);
+}
+
+TEST_F(Recording, BeginsInAViewThatShowsNothingYet)
+{
+    ImageView* empty = window.addView(nullptr, QStringLiteral("empty"));
+    ASSERT_TRUE(empty->startVideoRecording(path()));
+    empty->setImage(nullptr);
+    empty->setImage(greyPicture(64, 48, 99));
+    empty->stopVideoRecording();
+    EXPECT_EQ(Video(path()).frames.size(), 1U);
+}
+
+TEST_F(Recording, IsCompletedWhenTheViewCloses)
+{
+    ASSERT_TRUE(view->startVideoRecording(path()));
+    view->setImage(greyPicture(64, 48, 99));
+    view->closeMdiView();
+    EXPECT_EQ(Video(path()).frames.size(), 1U);
+}
+
+TEST_F(Recording, WithoutAFrameLeavesNoFile)
+{
+    ASSERT_TRUE(view->startVideoRecording(path()));
+    view->stopVideoRecording();
+    EXPECT_FALSE(QFile::exists(path()));
+}
+
+TEST_F(Recording, CanBeginAgainAfterItHasEnded)
+{
+    for (const char* name : {"one.avi", "two.AVI"}) {
+        ASSERT_TRUE(view->startVideoRecording(path(name)));
+        view->setImage(greyPicture(64, 48, 99));
+        view->stopVideoRecording();
+        EXPECT_EQ(Video(path(name)).frames.size(), 1U) << name;
+    }
+}
+
+TEST_F(Recording, DoesNotBeginTwice)
+{
+    ASSERT_TRUE(view->startVideoRecording(path()));
+    EXPECT_FALSE(view->startVideoRecording(path("other.avi")));
+    view->setImage(greyPicture(64, 48, 99));
+    view->stopVideoRecording();
+    EXPECT_EQ(Video(path()).frames.size(), 1U);
+}
+
+TEST_F(Recording, DoesNotBeginWhereNoFileCanBeWritten)
+{
+    EXPECT_FALSE(view->startVideoRecording(path("missing/video.avi")));
+    EXPECT_FALSE(view->startVideoRecording(folder.path()));
+    EXPECT_FALSE(view->startVideoRecording(path("video.mp4")));
+    EXPECT_FALSE(view->startVideoRecording(QString()));
+    ASSERT_TRUE(QDir().mkpath(path("folder.avi")));
+    EXPECT_FALSE(view->startVideoRecording(path("folder.avi")));
+    EXPECT_FALSE(view->recorder().isRecording());
+    EXPECT_FALSE(QFile::exists(path("video.mp4")));
+}
+
+TEST_F(Recording, StoppingWithoutOneDoesNothing)
+{
+    view->stopVideoRecording();
+    EXPECT_FALSE(view->recorder().isRecording());
+}
+
+} // namespace

@@ -1,0 +1,217 @@
+// Scripts in a viewer of the test's own process: what only shows when somebody uses the windows meanwhile.
+
+#include "Pictures.h"
+#include "Viewer.h"
+#include "scripting/ScriptEnvironment.h"
+#include "scripting/ScriptQueue.h"
+#include "support/TestSettings.h"
+#include "views/ImageView.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QTimer>
+#include <QtGui/QAction>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QDialog>
+#include <QtWidgets/QDockWidget>
+#include <QtWidgets/QMenu>
+#include <QtWidgets/QPlainTextEdit>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace {
+
+class ScriptsInViewer : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        qputenv("VANTREL_PLUGIN", QFile::encodeName(TestSettings::pluginFile));
+        QApplication::setQuitOnLastWindowClosed(false);
+        Viewer::Settings settings;
+        settings.pythonHome = TestSettings::pythonHome;
+        settings.showsOutput = true;
+        viewer = std::make_unique<Viewer>(settings);
+        ASSERT_EQ(viewer->loadScripting(), QString());
+        QObject::connect(&viewer->scripts(), &ScriptQueue::runEnded,
+                         [this](const QString& result) { results += result; });
+    }
+
+    /// Runs the event loop until no script is left to run.
+    void runAll()
+    {
+        QObject context;
+        QObject::connect(&viewer->scripts(), &ScriptQueue::becameIdle, &context, [] { QCoreApplication::quit(); });
+        QTimer::singleShot(60000, &context, [] {
+            ADD_FAILURE() << "the scripts do not end";
+            QCoreApplication::quit();
+        });
+        QCoreApplication::exec();
+    }
+
+    void run(const char* script)
+    {
+        viewer->runScript(QString::fromUtf8(script), folder.filePath(QStringLiteral("s.py")));
+    }
+
+    QString write(const char* name, const char* text)
+    {
+        QFile file(folder.filePath(QString::fromUtf8(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        return file.fileName();
+    }
+
+    QString console() const { return viewer->window().findChild<QPlainTextEdit*>()->toPlainText(); }
+
+    QAction* addItem(const QString& script)
+    {
+        QMenu* menu = viewer->window().menu(MainWindow::ScriptMenu);
+        ScriptEnvironment environment(folder.path(), [this](const QString& path) { viewer->runFile(path); });
+        environment.addMenuItem(menu, QStringLiteral("Tool"), script, QString());
+        return menu->actions().last();
+    }
+
+    QTemporaryDir folder;
+    std::unique_ptr<Viewer> viewer;
+    QStringList results;
+};
+
+TEST_F(ScriptsInViewer, AMenuItemUsedWhileAScriptWaitsRunsWhenThatHasEnded)
+{
+    QAction* item = addItem(write("tool.py", "print('tool')\n"));
+    run("import vantrel\nprint('begin')\nvantrel.wait(0.3)\nprint('end')\n");
+    run("print('second')\n");
+    QTimer::singleShot(100, item, &QAction::trigger);
+    runAll();
+    EXPECT_EQ(console().toStdString(), "begin\nend\nsecond\ntool\n");
+    EXPECT_EQ(results.join(QString()), QString());
+}
+
+TEST_F(ScriptsInViewer, AMenuItemWhoseScriptIsGoneIsReported)
+{
+    QAction* item = addItem(QStringLiteral("gone.py"));
+    item->trigger();
+    EXPECT_FALSE(viewer->scripts().isBusy());
+    run("print('still there')\n");
+    runAll();
+    EXPECT_EQ(console().toStdString(), "still there\n");
+}
+
+TEST_F(ScriptsInViewer, TheStopItemStopsTheRunningScript)
+{
+    run("import vantrel\nvantrel.wait(600)\n");
+    QAction* stop = nullptr;
+    for (QAction* action : viewer->window().menu(MainWindow::ScriptMenu)->actions())
+        if (action->text() == QStringLiteral("&Stop Script"))
+            stop = action;
+    ASSERT_NE(stop, nullptr);
+    EXPECT_TRUE(stop->isEnabled());
+    QTimer::singleShot(300, stop, &QAction::trigger);
+    runAll();
+    ASSERT_EQ(results.size(), 1);
+    EXPECT_TRUE(results[0].contains(QStringLiteral("KeyboardInterrupt"))) << results[0].toStdString();
+    EXPECT_FALSE(stop->isEnabled());
+}
+
+TEST_F(ScriptsInViewer, ClosingTheWindowStopsTheScriptBeforeTheApplicationEnds)
+{
+    viewer->window().show();
+    run("import vantrel\nvantrel.wait(600)\n");
+    run("print('never')\n");
+    QTimer::singleShot(300, &viewer->window(), &QWidget::close);
+    QCoreApplication::exec();
+    EXPECT_FALSE(viewer->scripts().isBusy());
+    ASSERT_EQ(results.size(), 1);
+    EXPECT_TRUE(results[0].contains(QStringLiteral("KeyboardInterrupt")));
+    EXPECT_EQ(console().contains(QStringLiteral("never")), false);
+}
+
+TEST_F(ScriptsInViewer, ADialogIsDismissedWhenTheMainWindowCloses)
+{
+    for (const char* dialog :
+         {"vantrel.message_box('t', 'x', 'a', 'b', 'c')", "vantrel.ask_user_for_string('t', 'x')"}) {
+        viewer.reset(); // one at a time
+        SetUp();
+        results.clear();
+        viewer->window().show();
+        run(QByteArray("import vantrel\nprint('asking')\n").append(dialog).append("\nprint('never')\n"));
+        QTimer::singleShot(300, &viewer->window(), [this] {
+            EXPECT_NE(QApplication::activeModalWidget(), nullptr);
+            viewer->window().close();
+        });
+        QTimer::singleShot(20000, &viewer->window(), [] {
+            ADD_FAILURE() << "the dialog stays open";
+            std::abort();
+        });
+        QCoreApplication::exec();
+        EXPECT_FALSE(viewer->scripts().isBusy());
+        ASSERT_EQ(results.size(), 1);
+        EXPECT_TRUE(results[0].contains(QStringLiteral("KeyboardInterrupt"))) << results[0].toStdString();
+        EXPECT_TRUE(console().startsWith(QStringLiteral("asking\n")));
+        EXPECT_FALSE(console().contains(QStringLiteral("never")));
+    }
+}
+
+TEST_F(ScriptsInViewer, AStageAddedByAScriptWorksOnWhatScriptsGet)
+{
+    viewer->window().addView(greyPicture(4, 3, 20), QStringLiteral("view"));
+    run("import vantrel\n"
+        "vantrel.add_chain_object('gain', {'gain': 2, 'offset': 1.5, 'unknown': 'x'})\n"
+        "print(vantrel.get_view_image().get_image_data_raw()[0])\n"
+        "vantrel.set_view_image(vantrel.get_view_image())\n" // which passes the chain as every image does
+        "print(vantrel.get_view_image().get_image_data_raw()[0])\n");
+    runAll();
+    EXPECT_EQ(console().toStdString(), "42\n86\n");
+}
+
+TEST_F(ScriptsInViewer, AMenuItemAddedByAScriptTellsItsFourthTextAndRunsItsScript)
+{
+    write("tool.py", "print('tool')\n");
+    run("import vantrel\n"
+        "vantrel.add_menu_item('One', 'tool.py', 'Tools', 'what it <does>')\n"
+        "vantrel.add_menu_item('Two', 'tool.py', 'Tools')\n");
+    runAll();
+    const auto submenus = viewer->window().menu(MainWindow::ScriptMenu)->findChildren<QMenu*>();
+    ASSERT_EQ(submenus.size(), 1);
+    const QList<QAction*> items = submenus.first()->actions();
+    ASSERT_EQ(items.size(), 2);
+    EXPECT_EQ(items.at(0)->toolTip(), QStringLiteral("what it <does>"));
+    EXPECT_EQ(items.at(0)->statusTip(), QStringLiteral("what it <does>"));
+    EXPECT_TRUE(submenus.first()->toolTipsVisible());
+    items.at(0)->trigger();
+    runAll();
+    EXPECT_EQ(console().toStdString(), "tool\n");
+}
+
+TEST_F(ScriptsInViewer, AViewClosedByHandEndsTheWaitForItsFrame)
+{
+    ImageView* view = viewer->window().addView(nullptr, QStringLiteral("camera"));
+    view->setLive(true);
+    run("import vantrel\nprint(vantrel.wait_for_next_frame())\nprint(vantrel.get_active_view_id())\n");
+    QTimer::singleShot(300, view, &QWidget::close);
+    runAll();
+    EXPECT_EQ(console().toStdString(), "False\n-1\n");
+}
+
+TEST_F(ScriptsInViewer, AScriptMayCloseTheViewItWorksOn)
+{
+    viewer->window().addView(nullptr, QStringLiteral("view"));
+    run("import vantrel\nvantrel.close_view()\nvantrel.close_view()\nvantrel.wait(0.05)\nvantrel.get_view_image()\n");
+    run("print('next')\n");
+    runAll();
+    ASSERT_EQ(results.size(), 2);
+    EXPECT_TRUE(results[0].contains(QStringLiteral("no view or view contains no image"))) << results[0].toStdString();
+    EXPECT_EQ(results[1], QString());
+}
+
+TEST_F(ScriptsInViewer, ErrorsAreShownInTheWindow)
+{
+    run("1/0\n");
+    runAll();
+    EXPECT_TRUE(console().contains(QStringLiteral("ZeroDivisionError")));
+}
+
+} // namespace

@@ -1,0 +1,47 @@
+#include "process/SoundPlayer.h"
+
+#include "support/LogCatcher.h"
+#include "support/OtherThread.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTemporaryFile>
+#include <QtTest/QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Sounds, AMissingFileIsOneLogLine)
+{
+    const LogCatcher log;
+    SoundPlayer player;
+    player.play(QStringLiteral("/nowhere/bell.wav"));
+    EXPECT_EQ(LogCatcher::texts(),
+              QStringList({QStringLiteral("The sound /nowhere/bell.wav is not played: there is no such file")}));
+}
+
+TEST(Sounds, AFileThatIsNoSoundIsOneLogLine)
+{
+    QTemporaryFile file;
+    ASSERT_TRUE(file.open());
+    file.write("no sound");
+    file.close();
+    const LogCatcher log;
+    SoundPlayer player;
+    player.play(file.fileName());
+    const auto ours = [] { return LogCatcher::texts().filter(QStringLiteral("is not played")); };
+    EXPECT_TRUE(QTest::qWaitFor([&ours] { return !ours().isEmpty(); }));
+    EXPECT_EQ(ours().size(), 1);
+}
+
+TEST(Sounds, MayBeAskedForOnAnyThread)
+{
+    const LogCatcher log;
+    SoundPlayer player;
+    onOtherThread([&player] { player.play(QStringLiteral("/nowhere/bell.wav")); });
+    EXPECT_TRUE(LogCatcher::texts().isEmpty());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(LogCatcher::texts().size(), 1);
+}
+
+} // namespace

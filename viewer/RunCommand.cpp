@@ -1,0 +1,143 @@
+#include "RunCommand.h"
+
+#include "CommandLine.h"
+#include "CxImageData.h"
+#include "Viewer.h"
+#include "process/LogRecords.h"
+#include "process/StandardStreams.h"
+#include "scripting/DialogAnswers.h"
+#include "scripting/ScriptFile.h"
+#include "scripting/ScriptQueue.h"
+#include "views/ImageFiles.h"
+
+#include <QtCore/QFileInfo>
+#include <QtWidgets/QApplication>
+
+#include <deque>
+#include <unistd.h>
+
+namespace {
+
+constexpr int statusOfScriptErrors = 1;
+constexpr int statusOfWrongCall = 2;
+
+bool dialogsAreSeen()
+{
+    const QString platform = QGuiApplication::platformName();
+    return platform != QStringLiteral("offscreen") && platform != QStringLiteral("minimal");
+}
+
+/// The scripts of one call, from the first to the last.
+class RunSession : public QObject
+{
+public:
+    explicit RunSession(const RunOptions& options)
+        : m_options(options)
+        , m_answers(options.answers, dialogsAreSeen())
+        , m_viewer(
+              {options.worker, options.pythonHome, options.workingDirectory, options.show, options.simulatedCameras})
+    {
+        connect(&m_viewer.scripts(), &ScriptQueue::runEnded, this, &RunSession::noteRunEnd);
+        connect(&m_viewer.scripts(), &ScriptQueue::becameIdle, this, &RunSession::noteIdle);
+        connect(&m_viewer.window(), &MainWindow::closed, this, [this] { m_scripts.clear(); });
+    }
+
+    /// Reads all that the call names. Returns what went wrong, empty on success.
+    QString prepare()
+    {
+        for (const QString& path : m_options.scripts) {
+            QString problem;
+            const auto text = readScriptFile(path, problem);
+            if (!text)
+                return problem;
+            m_scripts.push_back({*text, path});
+        }
+        for (const QString& directory : {m_options.workingDirectory, m_options.pythonHome})
+            if (!directory.isEmpty() && !QFileInfo(directory).isDir())
+                return QStringLiteral("%1 is not a folder.").arg(directory);
+        if (const QString problem = m_viewer.loadScripting(); !problem.isEmpty())
+            return problem;
+        for (const QString& path : m_options.filesToOpen)
+            if (!m_viewer.window().openFile(path))
+                return QStringLiteral("The file %1 cannot be opened as an image.").arg(path);
+        for (const auto& [name, path] : m_options.images) {
+            std::shared_ptr<CxImageData> image = loadImageFile(path);
+            if (!image)
+                return QStringLiteral("The file %1 cannot be opened as an image.").arg(path);
+            m_images.push_back({name, std::move(image)});
+        }
+        return {};
+    }
+
+    int run()
+    {
+        if (m_options.show)
+            m_viewer.window().show();
+        // An image becomes a variable only when a run has started the interpreter.
+        if (m_images.empty())
+            startNext();
+        else
+            m_viewer.runScript(QString(), m_scripts.front().path);
+        const int status = QApplication::exec();
+        return status ? status : m_status;
+    }
+
+private:
+    struct Script {
+        QString text;
+        QString path;
+    };
+
+    void noteRunEnd(const QString& result)
+    {
+        if (!result.isEmpty())
+            m_status = statusOfScriptErrors;
+        for (auto& [name, image] : std::exchange(m_images, {}))
+            m_viewer.scripts().publish(name, std::move(image));
+        // Scripts that were chosen from a menu meanwhile come first.
+        if (!m_viewer.scripts().isBusy())
+            startNext();
+    }
+
+    void startNext()
+    {
+        if (m_scripts.empty())
+            return;
+        const Script script = std::move(m_scripts.front());
+        m_scripts.pop_front();
+        m_viewer.runScript(script.text, script.path);
+    }
+
+    void noteIdle()
+    {
+        if (!m_scripts.empty())
+            return;
+        m_answers.stop();
+        if (!m_options.show)
+            QCoreApplication::quit();
+    }
+
+    RunOptions m_options;
+    DialogAnswers m_answers;
+    std::deque<Script> m_scripts;
+    std::vector<std::pair<QString, std::shared_ptr<CxImageData>>> m_images;
+    int m_status = 0;
+    Viewer m_viewer;
+};
+
+} // namespace
+
+int runScripts(const RunOptions& options)
+{
+    QString problem;
+    if (!options.logFile.isEmpty())
+        problem = LogRecords::writeToFile(options.logFile);
+    if (problem.isEmpty()) {
+        RunSession session(options);
+        problem = session.prepare();
+        if (problem.isEmpty())
+            return session.run();
+    }
+    writeAll(STDERR_FILENO, (QStringLiteral("vantrel run: ") + problem + QLatin1Char('\n')).toUtf8());
+    return statusOfWrongCall;
+}

@@ -1,0 +1,151 @@
+#include "ApplicationDelegate.h"
+
+#include "CxImageData.h"
+#include "CxPicBufAPI.h"
+#include "ViewerCamera.h"
+#include "views/ImageView.h"
+#include "window/CaptureDialog.h"
+#include "window/MainWindow.h"
+
+#include <QtCore/QThread>
+
+namespace {
+
+/// A buffer with a copy of the image's pixels, or null.
+std::unique_ptr<SxPicBuf> copyOf(CxImageData& image)
+{
+    auto copy = std::make_unique<SxPicBuf>();
+    const SxPicBuf* buffer = image.picBuf();
+    if (!buffer || !CxPicBufAPI::AllocPicBufFromHeap(*copy, *buffer, true, 0))
+        return nullptr;
+    CxPicBufAPI::CopyPicBuf(*copy, *buffer, true);
+    return copy;
+}
+
+} // namespace
+
+ApplicationDelegate::ApplicationDelegate(MainWindow& window)
+    : m_window(window)
+    , m_liveViews(window, m_cameras)
+{
+    IxAppDelegate::setInstance(this);
+}
+
+ApplicationDelegate::~ApplicationDelegate()
+{
+    IxAppDelegate::setInstance(nullptr);
+}
+
+QWidget* ApplicationDelegate::mainWindow()
+{
+    return &m_window;
+}
+
+QMenu* ApplicationDelegate::menu(int kind)
+{
+    return m_window.menu(kind);
+}
+
+void ApplicationDelegate::showNotification(const QString& text)
+{
+    m_window.showNotification(text);
+}
+
+int ApplicationDelegate::activeViewId()
+{
+    return m_window.viewStore().activeId();
+}
+
+void ApplicationDelegate::activateView(int id)
+{
+    m_window.activateView(id);
+}
+
+void ApplicationDelegate::tileViews()
+{
+    m_window.tileViews();
+}
+
+void ApplicationDelegate::setFullScreen(bool on)
+{
+    m_window.setFullScreen(on);
+}
+
+CxMdiView* ApplicationDelegate::view(int id)
+{
+    return m_window.view(id);
+}
+
+bool ApplicationDelegate::duplicateView(int id)
+{
+    return m_window.duplicateView(id);
+}
+
+bool ApplicationDelegate::setCameraAcquisition(bool start, void* camera)
+{
+    bool done = false;
+    m_gui.run([&] { done = start ? m_liveViews.start(camera) : m_liveViews.stop(camera); });
+    return done;
+}
+
+void ApplicationDelegate::restartCameraWithDefaults(void* camera)
+{
+    m_gui.run([&] { m_cameras.restart(camera); });
+}
+
+SxPicBuf* ApplicationDelegate::askUserCaptureImage(QWidget* parent, void* camera, QString* title, QString* message,
+                                                   bool optionGiven, int* option, int /*flags*/)
+{
+    std::unique_ptr<SxPicBuf> result;
+    m_gui.run([&] {
+        ViewerCamera* opened = m_cameras.camera(camera);
+        if (!opened) {
+            qWarning() << "No camera to capture from: it is not open, or not any more";
+            return;
+        }
+        CaptureDialog dialog(*opened, *title, *message, optionGiven ? *option : -1, parent ? parent : &m_window);
+        const bool accepted = dialog.exec() == QDialog::Accepted;
+        if (optionGiven)
+            *option = dialog.delay();
+        if (accepted)
+            result = copyOf(*dialog.captured());
+    });
+    return result.release();
+}
+
+bool ApplicationDelegate::openFile(const QString& path, bool activate)
+{
+    return m_window.openFile(path, activate);
+}
+
+bool ApplicationDelegate::newViewWithImage(CxImageData* image, const QString& title)
+{
+    if (!image)
+        return false;
+    // A captured image comes here on the script's thread, too.
+    image->moveToThread(m_window.thread());
+    return m_gui.run([&] { m_window.addView(std::shared_ptr<CxImageData>(image), title); });
+}
+
+void ApplicationDelegate::setViewImage(int id, CxImageData* image)
+{
+    std::shared_ptr<CxImageData> owned(image);
+    if (ImageView* view = m_window.view(id))
+        view->setImage(std::move(owned));
+}
+
+CxImageData* ApplicationDelegate::viewImage(int id)
+{
+    std::shared_ptr<CxImageData> image = m_window.viewStore().image(id);
+    if (m_window.thread() == QThread::currentThread())
+        return image.get();
+    // The GUI thread may replace the image or close the view at any moment, while the script still copies it.
+    thread_local std::shared_ptr<CxImageData> lent;
+    lent = std::move(image);
+    return lent.get();
+}
+
+void ApplicationDelegate::playSound(const QString& path)
+{
+    m_sounds.play(path);
+}

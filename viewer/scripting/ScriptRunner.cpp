@@ -1,0 +1,85 @@
+#include "ScriptRunner.h"
+
+#include "CxImageData.h"
+#include "CxScriptLangInterface.h"
+#include "ScriptEnvironment.h"
+#include "ScriptInterrupt.h"
+#include "process/ProcessExit.h"
+
+namespace {
+
+ScriptRunner::Output theOutput;
+
+void passOutput(const QString& text, bool /*isError*/)
+{
+    if (theOutput)
+        theOutput(text);
+}
+
+void noteStart(void* /*unused*/, void* /*unused*/)
+{
+    if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
+        interrupt->scriptStarted();
+    ProcessExit::arm();
+}
+
+} // namespace
+
+ScriptRunner::ScriptRunner(const QString& pythonHome, Output output)
+    : m_pythonHome(pythonHome)
+{
+    theOutput = std::move(output);
+}
+
+ScriptRunner::~ScriptRunner()
+{
+    unload();
+    theOutput = nullptr;
+}
+
+QString ScriptRunner::load(const QString& library)
+{
+    m_loader.setFileName(library);
+    QObject* object = m_loader.instance();
+    if (!object)
+        return tr("The script plugin cannot be loaded: %1").arg(m_loader.errorString());
+    m_language = qobject_cast<CxScriptLangInterface*>(object);
+    if (!m_language)
+        return tr("The script plugin cannot be used: %1 offers no script language").arg(library);
+    m_language->init();
+    return {};
+}
+
+QString ScriptRunner::language() const
+{
+    return m_language ? m_language->languageVersion() : QString();
+}
+
+void ScriptRunner::run(const QString& script, std::shared_ptr<ScriptEnvironment> environment)
+{
+    QString result;
+    if (m_language) {
+        result = m_language->runScript(script, environment.get(), m_pythonHome, &noteStart, nullptr, &passOutput);
+        ProcessExit::disarm();
+        if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
+            interrupt->scriptEnded();
+        m_environment = std::move(environment);
+    }
+    Q_EMIT ended(result);
+}
+
+void ScriptRunner::publish(const QString& name, std::shared_ptr<CxImageData> image)
+{
+    if (!m_language)
+        return;
+    m_language->addImageVariable(name, image.get());
+    m_published.push_back(std::move(image));
+}
+
+void ScriptRunner::unload()
+{
+    // Destroying the object ends the interpreter. The library stays: interpreters do not like to be unmapped.
+    delete std::exchange(m_language, nullptr);
+    m_published.clear();
+    m_environment.reset();
+}

@@ -1,0 +1,162 @@
+// The menus and the status line of the main window.
+
+#include "CxImageData.h"
+#include "CxImageFormatManager.h"
+#include "MainWindow.h"
+#include "NotificationArea.h"
+#include "views/DisplayImage.h"
+#include "views/ImageFiles.h"
+#include "views/ImageView.h"
+#include "views/ImageWidget.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QFileInfo>
+#include <QtGui/QActionGroup>
+#include <QtWidgets/QFileDialog>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QMenuBar>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QStatusBar>
+
+namespace {
+
+constexpr double zoomStep = 1.25;
+
+QString imageFilter()
+{
+    QStringList patterns;
+    for (const QString& extension : CxImageFormatManager::instance()->extensions())
+        patterns += QStringLiteral("*.") + extension;
+    return MainWindow::tr("Images (%1);;All files (*)").arg(patterns.join(QLatin1Char(' ')));
+}
+
+} // namespace
+
+void MainWindow::createFileMenu()
+{
+    QMenu* menu = m_menus[FileMenu] = menuBar()->addMenu(tr("&File"));
+    menu->addAction(tr("&Open..."), QKeySequence::Open, this, &MainWindow::askForFilesToOpen);
+    menu->addAction(tr("Save &As..."), QKeySequence::SaveAs, this, &MainWindow::askForFileToSave);
+    menu->addAction(tr("&Close"), QKeySequence::Close, this, [this] {
+        if (ImageView* active = activeView())
+            active->closeMdiView();
+    });
+    menu->addSeparator();
+    menu->addAction(tr("&Quit"), QKeySequence::Quit, this, &MainWindow::close);
+}
+
+void MainWindow::createViewMenu()
+{
+    QMenu* menu = m_menus[ViewMenu] = menuBar()->addMenu(tr("&View"));
+    const auto addZoom = [&](const QString& text, const QKeySequence& key, void (*zoom)(ImageWidget&)) {
+        menu->addAction(text, key, this, [this, zoom] {
+            if (ImageWidget* widget = activeImageWidget())
+                zoom(*widget);
+        });
+    };
+    addZoom(tr("Zoom to &Fit"), QKeySequence(Qt::CTRL | Qt::Key_0), [](ImageWidget& widget) { widget.zoomToFit(); });
+    addZoom(tr("&100 %"), QKeySequence(Qt::CTRL | Qt::Key_1), [](ImageWidget& widget) { widget.setScale(1); });
+    addZoom(tr("Zoom &In"), QKeySequence::ZoomIn,
+            [](ImageWidget& widget) { widget.setScale(widget.scale() * zoomStep); });
+    addZoom(tr("Zoom &Out"), QKeySequence::ZoomOut,
+            [](ImageWidget& widget) { widget.setScale(widget.scale() / zoomStep); });
+    menu->addSeparator();
+    menu->addAction(tr("&Duplicate"), QKeySequence(Qt::CTRL | Qt::Key_D), this, [this] { duplicateView(-1); });
+    menu->addAction(tr("&Tile"), QKeySequence(Qt::CTRL | Qt::Key_T), this, &MainWindow::tileViews);
+    m_fullScreen =
+        menu->addAction(tr("F&ull Screen"), QKeySequence(Qt::Key_F11), this, [this](bool on) { setFullScreen(on); });
+    m_fullScreen->setCheckable(true);
+}
+
+void MainWindow::createScriptMenu()
+{
+    QMenu* menu = m_menus[ScriptMenu] = menuBar()->addMenu(tr("&Script"));
+    menu->setToolTipsVisible(true);
+    m_runScript =
+        menu->addAction(tr("&Run Script..."), QKeySequence(Qt::CTRL | Qt::Key_R), this, &MainWindow::askForScript);
+    m_stopScript = menu->addAction(tr("&Stop Script"), QKeySequence(Qt::CTRL | Qt::Key_Period), this,
+                                   &MainWindow::scriptStopRequested);
+    menu->addSeparator();
+}
+
+void MainWindow::createHelpMenu()
+{
+    QMenu* menu = m_menus[HelpMenu] = menuBar()->addMenu(tr("&Help"));
+    menu->addAction(tr("&About Vantrel"), this, &MainWindow::showAbout);
+}
+
+void MainWindow::createStatusLine()
+{
+    for (QLabel** label : {&m_pixel, &m_zoom, &m_format}) {
+        *label = new QLabel;
+        statusBar()->addPermanentWidget(*label);
+    }
+    m_notifications = new NotificationArea(this, statusBar()->sizeHint().height());
+    connect(m_notifications, &NotificationArea::notificationShown, this, [this](const QString& text) {
+        constexpr qsizetype firstPart = 200; // characters: more than a line holds
+        statusBar()->showMessage(text.left(firstPart).simplified());
+    });
+}
+
+void MainWindow::setScriptRunning(bool running)
+{
+    m_runScript->setEnabled(!running);
+    m_stopScript->setEnabled(running);
+}
+
+void MainWindow::askForFilesToOpen()
+{
+    QStringList failed;
+    for (const QString& path : QFileDialog::getOpenFileNames(this, tr("Open Images"), {}, imageFilter()))
+        if (!openFile(path))
+            failed += path;
+    if (!failed.isEmpty())
+        QMessageBox::warning(this, tr("Open Images"),
+                             tr("Cannot be shown as an image:\n%1").arg(failed.join(QLatin1Char('\n'))));
+}
+
+void MainWindow::askForFileToSave()
+{
+    const ImageView* active = activeView();
+    if (!active || !active->image())
+        return;
+    // Held here, since the dialog lets the application go on and the view may change or close.
+    const std::shared_ptr<CxImageData> image = active->image();
+    const QString path = QFileDialog::getSaveFileName(this, tr("Save Image"), active->windowTitle(), imageFilter());
+    if (!path.isEmpty() && !saveImageFile(*image, path))
+        QMessageBox::warning(this, tr("Save Image"), tr("The image cannot be saved as\n%1").arg(path));
+}
+
+void MainWindow::askForScript()
+{
+    const QString path = QFileDialog::getOpenFileName(this, tr("Run Script"), {}, tr("Scripts (*.py);;All files (*)"));
+    if (!path.isEmpty())
+        Q_EMIT scriptChosen(path);
+}
+
+void MainWindow::showAbout()
+{
+    QMessageBox::about(this, tr("About Vantrel"),
+                       tr("Vantrel %1\nA camera viewer that scripts can drive.\n\nScripts: %2\nQt %3")
+                           .arg(QCoreApplication::applicationVersion(),
+                                m_scriptLanguage.isEmpty() ? tr("none") : m_scriptLanguage,
+                                QString::fromLatin1(qVersion())));
+}
+
+void MainWindow::showPixel(const ImageView& view, const QPoint& pixel)
+{
+    const SxPicBuf* buffer = view.image() ? view.image()->picBuf() : nullptr;
+    const QString values = buffer ? pixelText(*buffer, pixel.x(), pixel.y()) : QString();
+    m_pixel->setText(values.isEmpty() ? QString()
+                                      : QStringLiteral("(%1, %2)  %3").arg(pixel.x()).arg(pixel.y()).arg(values));
+}
+
+void MainWindow::updateStatusLine()
+{
+    const ImageView* active = activeView();
+    const SxPicBuf* buffer = active && active->image() ? active->image()->picBuf() : nullptr;
+    m_format->setText(buffer ? formatText(*buffer) : QString());
+    m_zoom->setText(buffer ? QStringLiteral("%1 %").arg(qRound(active->imageWidget()->scale() * 100)) : QString());
+    if (!active)
+        m_pixel->clear();
+}
