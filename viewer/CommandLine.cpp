@@ -8,43 +8,44 @@ namespace {
 const char* const programUsage = R"(Usage: vantrel run [options] SCRIPT...
        vantrel view [FILE...]
 
-  run    runs the scripts one after another in one interpreter
+  run    runs scripts one after another in one interpreter
   view   opens the desktop viewer
 
-vantrel run --help tells the options of run.
+Use vantrel run --help for the options of run.
 )";
 
 const char* const runUsage = R"(Usage: vantrel run [options] SCRIPT...
 
-Runs the scripts one after another in one process and one interpreter, each its own run.
+Runs the scripts one after another in one process and one interpreter. Each script is a separate run.
 
   --open FILE         open FILE in a view before the first script (repeatable)
-  --image NAME=FILE   publish the file's image to the scripts as variable NAME (repeatable)
-  --sim-cameras N     number of simulated cameras opened at start, 0 to 4 (default 2)
-  --answer TEXT       answer for the next dialog (repeatable, first in, first used): the label of
+  --image NAME=FILE   give the scripts the image in FILE as the variable NAME (repeatable)
+  --sim-cameras N     number of simulated cameras to open at start, 0 to 4 (default 2)
+  --answer TEXT       answer for the next dialog (repeatable, used in the order given): the label of
                       the button to press, or the text to enter; <cancel> dismisses the dialog
-  --worker            run the scripts on a thread that is not the GUI thread
+  --worker            run the scripts on a thread other than the GUI thread
   --workdir DIR       the scripts' working directory (default: each script's own folder)
-  --python-home DIR   another Python home than the built one
+  --python-home DIR   use DIR as the Python home instead of the one of this build
   --log FILE          append the log records to FILE instead of writing them to standard error
   --show              show the windows and stay open after the last script
 
-What a script prints goes to standard output, its errors go to standard error.
-Without --show the main window stays hidden; dialogs that scripts open appear where there is a
-display. Without a display a dialog for which no answer is left is dismissed.
+Scripts print to standard output; their errors go to standard error.
+Without --show the main window stays hidden, but dialogs that scripts open appear if there is a
+display. Without a display, a dialog is dismissed when no answer is left for it.
 
-Exit status: 0 when no script wrote to its standard error, 1 when one did, 2 for wrong usage or an
-unreadable file. A script that raises SystemExit ends the process with its own code.
+Exit status: 0 if no script wrote to its standard error, 1 if one did, 2 if nothing could run: wrong
+usage, a file or folder that cannot be used, or no script plugin. A script that raises SystemExit
+ends the process with its own exit code.
 )";
 
 const char* const viewUsage = R"(Usage: vantrel view [FILE...]
 
-Opens the desktop viewer, with a view for each image file.
+Opens the desktop viewer with one view for each image file.
 )";
 
-constexpr int mostSimulatedCameras = 4;
+constexpr int maxSimulatedCameras = 4;
 
-CommandLine wrong(const QString& sentence)
+CommandLine invalid(const QString& sentence)
 {
     CommandLine line;
     line.text = sentence;
@@ -54,7 +55,7 @@ CommandLine wrong(const QString& sentence)
 CommandLine textToShow(const char* text)
 {
     CommandLine line;
-    line.call = CommandLine::Call::Text;
+    line.command = CommandLine::Command::Text;
     line.text = QString::fromUtf8(text);
     return line;
 }
@@ -64,7 +65,7 @@ QCommandLineOption valueOption(const QString& name, const QString& value)
     return {name, QString(), value};
 }
 
-/// Splits NAME=FILE; an empty name when it is not of that form or NAME cannot be a variable.
+/// Splits NAME=FILE. Returns an empty name if the argument has another form or NAME cannot be the name of a variable.
 std::pair<QString, QString> variableAndFile(const QString& argument)
 {
     static const QRegularExpression form(QStringLiteral("^([^\\W\\d]\\w*)=(.+)$"),
@@ -89,30 +90,30 @@ CommandLine parseRun(const QStringList& arguments)
     QCommandLineParser parser;
     parser.addOptions({open, image, cameras, answer, worker, workdir, home, log, show, help});
     if (!parser.parse(QStringList(QStringLiteral("run")) + arguments))
-        return wrong(parser.errorText());
+        return invalid(parser.errorText());
     if (parser.isSet(help))
         return textToShow(runUsage);
 
     CommandLine line;
-    line.call = CommandLine::Call::Run;
+    line.command = CommandLine::Command::Run;
     RunOptions& run = line.run;
     run.scripts = parser.positionalArguments();
     if (run.scripts.isEmpty())
-        return wrong(QStringLiteral("No script is given to run."));
+        return invalid(QStringLiteral("No script given."));
     run.filesToOpen = parser.values(open);
     for (const QString& argument : parser.values(image)) {
         run.images.append(variableAndFile(argument));
         if (run.images.last().first.isEmpty())
-            return wrong(
-                QStringLiteral("--image takes NAME=FILE with the name of a variable, not '%1'.").arg(argument));
+            return invalid(
+                QStringLiteral("--image needs NAME=FILE with a valid variable name, not '%1'.").arg(argument));
     }
     if (parser.isSet(cameras)) {
         bool isNumber = false;
         run.simulatedCameras = parser.value(cameras).toInt(&isNumber);
-        if (!isNumber || run.simulatedCameras < 0 || run.simulatedCameras > mostSimulatedCameras)
-            return wrong(QStringLiteral("--sim-cameras takes a number from 0 to %1, not '%2'.")
-                             .arg(mostSimulatedCameras)
-                             .arg(parser.value(cameras)));
+        if (!isNumber || run.simulatedCameras < 0 || run.simulatedCameras > maxSimulatedCameras)
+            return invalid(QStringLiteral("--sim-cameras needs a number from 0 to %1, not '%2'.")
+                               .arg(maxSimulatedCameras)
+                               .arg(parser.value(cameras)));
     }
     run.answers = parser.values(answer);
     run.worker = parser.isSet(worker);
@@ -122,7 +123,7 @@ CommandLine parseRun(const QStringList& arguments)
     run.show = parser.isSet(show);
     for (const QCommandLineOption& option : {workdir, home, log})
         if (parser.isSet(option) && parser.value(option).isEmpty())
-            return wrong(QStringLiteral("--%1 needs a value.").arg(option.names().first()));
+            return invalid(QStringLiteral("--%1 needs a value.").arg(option.names().first()));
     return line;
 }
 
@@ -132,11 +133,11 @@ CommandLine parseView(const QStringList& arguments)
     QCommandLineParser parser;
     parser.addOption(help);
     if (!parser.parse(QStringList(QStringLiteral("view")) + arguments))
-        return wrong(parser.errorText());
+        return invalid(parser.errorText());
     if (parser.isSet(help))
         return textToShow(viewUsage);
     CommandLine line;
-    line.call = CommandLine::Call::View;
+    line.command = CommandLine::Command::View;
     line.view.files = parser.positionalArguments();
     return line;
 }
@@ -146,15 +147,15 @@ CommandLine parseView(const QStringList& arguments)
 CommandLine parseCommandLine(const QStringList& arguments)
 {
     if (arguments.isEmpty())
-        return wrong(QStringLiteral("No call is given: vantrel run SCRIPT... or vantrel view [FILE...]."));
-    const QString& call = arguments.first();
-    if (call == QStringLiteral("run"))
+        return invalid(QStringLiteral("No command given; use vantrel run SCRIPT... or vantrel view [FILE...]."));
+    const QString& command = arguments.first();
+    if (command == QStringLiteral("run"))
         return parseRun(arguments.mid(1));
-    if (call == QStringLiteral("view"))
+    if (command == QStringLiteral("view"))
         return parseView(arguments.mid(1));
-    if (call == QStringLiteral("--help") || call == QStringLiteral("-h") || call == QStringLiteral("help"))
+    if (command == QStringLiteral("--help") || command == QStringLiteral("-h") || command == QStringLiteral("help"))
         return textToShow(programUsage);
-    if (call == QStringLiteral("--version"))
+    if (command == QStringLiteral("--version"))
         return textToShow("vantrel " VANTREL_VERSION "\n");
-    return wrong(QStringLiteral("'%1' is no call of vantrel: it has run and view.").arg(call));
+    return invalid(QStringLiteral("Unknown command '%1'; use run or view.").arg(command));
 }

@@ -5,39 +5,39 @@
 
 #include <utility>
 
-/// What the call `run` is to do.
+/// The arguments of `vantrel run`.
 struct RunOptions {
     QStringList scripts;
     QStringList filesToOpen;
-    QList<std::pair<QString, QString>> images; ///< variable and file
+    QList<std::pair<QString, QString>> images; ///< name of the variable, and file
     int simulatedCameras = 2;
     QStringList answers;
     bool worker = false;
     QString workingDirectory; ///< empty: each script's own folder
-    QString pythonHome;       ///< empty: the built one
+    QString pythonHome;       ///< empty: the Python home of this build
     QString logFile;          ///< empty: standard error
     bool show = false;
 };
 
-/// What the call `view` is to do.
+/// The arguments of `vantrel view`.
 struct ViewOptions {
     QStringList files;
 };
 
-/// A command line, understood.
+/// A parsed command line.
 struct CommandLine {
-    enum class Call {
-        Wrong, ///< text says in one sentence why
-        Text,  ///< text is what the user asked for, as the usage
+    enum class Command {
+        Invalid, ///< text says in one sentence what is wrong
+        Text,    ///< text is what to print, for example the usage
         Run,
         View,
     };
 
-    Call call = Call::Wrong;
+    Command command = Command::Invalid;
     QString text;
     RunOptions run;
     ViewOptions view;
 };
 
-/// Understands the arguments, the program's name left out.
+/// Parses the arguments that follow the program's name.
 CommandLine parseCommandLine(const QStringList& arguments);

@@ -18,22 +18,22 @@
 
 namespace {
 
-constexpr int statusOfScriptErrors = 1;
-constexpr int statusOfWrongCall = 2;
+constexpr int scriptErrorStatus = 1;
+constexpr int nothingRanStatus = 2;
 
-bool dialogsAreSeen()
+bool dialogsAreVisible()
 {
     const QString platform = QGuiApplication::platformName();
     return platform != QStringLiteral("offscreen") && platform != QStringLiteral("minimal");
 }
 
-/// The scripts of one call, from the first to the last.
+/// One `vantrel run`, from its first script to its last.
 class RunSession : public QObject
 {
 public:
     explicit RunSession(const RunOptions& options)
         : m_options(options)
-        , m_answers(options.answers, dialogsAreSeen())
+        , m_answers(options.answers, dialogsAreVisible())
         , m_viewer(
               {options.worker, options.pythonHome, options.workingDirectory, options.show, options.simulatedCameras})
     {
@@ -42,7 +42,7 @@ public:
         connect(&m_viewer.window(), &MainWindow::closed, this, [this] { m_scripts.clear(); });
     }
 
-    /// Reads all that the call names. Returns what went wrong, empty on success.
+    /// Reads the files of the command line and loads the script plugin. Returns an error message, empty on success.
     QString prepare()
     {
         for (const QString& path : m_options.scripts) {
@@ -59,11 +59,11 @@ public:
             return problem;
         for (const QString& path : m_options.filesToOpen)
             if (!m_viewer.window().openFile(path))
-                return QStringLiteral("The file %1 cannot be opened as an image.").arg(path);
+                return QStringLiteral("Cannot open %1 as an image.").arg(path);
         for (const auto& [name, path] : m_options.images) {
             std::shared_ptr<CxImageData> image = loadImageFile(path);
             if (!image)
-                return QStringLiteral("The file %1 cannot be opened as an image.").arg(path);
+                return QStringLiteral("Cannot open %1 as an image.").arg(path);
             m_images.push_back({name, std::move(image)});
         }
         return {};
@@ -73,7 +73,7 @@ public:
     {
         if (m_options.show)
             m_viewer.window().show();
-        // An image becomes a variable only when a run has started the interpreter.
+        // Images can be published only after a run has started the interpreter: an empty run does that.
         if (m_images.empty())
             startNext();
         else
@@ -91,10 +91,10 @@ private:
     void noteRunEnd(const QString& result)
     {
         if (!result.isEmpty())
-            m_status = statusOfScriptErrors;
+            m_status = scriptErrorStatus;
         for (auto& [name, image] : std::exchange(m_images, {}))
             m_viewer.scripts().publish(name, std::move(image));
-        // Scripts that were chosen from a menu meanwhile come first.
+        // Scripts that the user has chosen from a menu in the meantime come first.
         if (!m_viewer.scripts().isBusy())
             startNext();
     }
@@ -139,5 +139,5 @@ int runScripts(const RunOptions& options)
             return session.run();
     }
     writeAll(STDERR_FILENO, (QStringLiteral("vantrel run: ") + problem + QLatin1Char('\n')).toUtf8());
-    return statusOfWrongCall;
+    return nothingRanStatus;
 }

@@ -2,5 +2,5 @@
 
 struct RunOptions;
 
-/// Runs scripts as `vantrel run` does, with the application object in place. Returns the exit status.
+/// Carries out `vantrel run`. Needs the application object. Returns the exit status of the process.
 int runScripts(const RunOptions& options);

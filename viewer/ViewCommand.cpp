@@ -11,14 +11,14 @@ int openViewer(const ViewOptions& options)
     Viewer::Settings settings;
     settings.showsOutput = true;
     Viewer viewer(settings);
-    // A viewer without scripts is still a viewer.
+    // The viewer is useful even if it cannot run scripts.
     if (const QString problem = viewer.loadScripting(); !problem.isEmpty()) {
         qCritical().noquote() << problem;
         viewer.window().showNotification(problem);
     }
     viewer.window().show();
     if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
-        qWarning() << "There is no display: nobody sees the windows";
+        qWarning() << "There is no display: the windows are invisible";
     QStringList failed;
     for (const QString& path : options.files)
         if (!viewer.window().openFile(path))
@@ -27,6 +27,6 @@ int openViewer(const ViewOptions& options)
         viewer.window().tileViews();
     if (!failed.isEmpty())
         viewer.window().showNotification(
-            MainWindow::tr("Cannot be shown as an image: %1").arg(failed.join(QStringLiteral(", "))));
+            MainWindow::tr("Cannot open as an image: %1").arg(failed.join(QStringLiteral(", "))));
     return QApplication::exec();
 }

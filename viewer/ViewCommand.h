@@ -2,6 +2,6 @@
 
 struct ViewOptions;
 
-/// Opens the desktop viewer as `vantrel view` does, with the application object in place. Returns the exit status when
-/// the user has closed it.
+/// Carries out `vantrel view`. Needs the application object. Returns the exit status of the process when the user has
+/// closed the viewer.
 int openViewer(const ViewOptions& options);

@@ -57,7 +57,7 @@ Viewer::Viewer(const Settings& settings)
     connect(m_scripts.get(), &ScriptQueue::runEnded, this, &Viewer::noteRunEnd);
     connect(&m_window, &MainWindow::scriptChosen, this, &Viewer::runFile);
     connect(&m_window, &MainWindow::scriptStopRequested, &m_interrupt, &ScriptInterrupt::interruptScript);
-    connect(&m_window, &MainWindow::closed, this, &Viewer::endPatiently);
+    connect(&m_window, &MainWindow::closed, this, &Viewer::quitAfterScript);
     connect(&m_interrupt, &ScriptInterrupt::interrupted, this, dismissDialog);
     connect(&m_interrupt, &ScriptInterrupt::interruptedWhileIdle, &m_window, &MainWindow::close);
 
@@ -115,9 +115,9 @@ void Viewer::noteRunEnd(const QString& result)
     m_window.setScriptRunning(m_scripts->isBusy());
 }
 
-void Viewer::endPatiently()
+void Viewer::quitAfterScript()
 {
-    // A script that runs is asked to stop and gets the time to do so: the application ends when it has.
+    // A running script is interrupted; the application quits when that script has ended.
     m_scripts->clear();
     if (!m_scripts->isBusy()) {
         QCoreApplication::quit();

@@ -10,14 +10,14 @@ class ScriptConsole;
 class ScriptEnvironment;
 class ScriptQueue;
 
-/// The application put together: the window, what scripts reach of it, and the scripts.
+/// The whole application: the main window, the delegate that gives scripts access to it, and the script queue.
 class Viewer : public QObject
 {
     Q_OBJECT
 public:
     struct Settings {
         bool scriptsOnOwnThread = false;
-        QString pythonHome;       ///< empty: the built one
+        QString pythonHome;       ///< empty: the Python home of this build
         QString workingDirectory; ///< of all scripts; empty: each script's own folder
         bool showsOutput = false; ///< whether the window shows what scripts print
         int simulatedCameras = 2; ///< number of simulated cameras to open
@@ -26,13 +26,14 @@ public:
     explicit Viewer(const Settings& settings);
     ~Viewer() override;
 
-    /// Loads the script plugin. Returns what went wrong, empty on success.
+    /// Loads the script plugin. Returns an error message, empty on success.
     QString loadScripting();
 
-    /// Runs a script text as if it stood in the file.
+    /// Runs a script text when its turn comes. Unless the settings name a working directory, the script works in the
+    /// folder of file.
     void runScript(const QString& text, const QString& file);
 
-    /// Runs a script file; one that cannot be read is reported to the user and the log.
+    /// Runs a script file when its turn comes. If the file cannot be read, shows and logs the reason.
     void runFile(const QString& path);
 
     MainWindow& window() { return m_window; }
@@ -42,12 +43,12 @@ public:
 private:
     void passOutput(const QString& text);
     void noteRunEnd(const QString& result);
-    void endPatiently();
+    void quitAfterScript();
 
     Settings m_settings;
     ScriptInterrupt m_interrupt;
     MainWindow m_window;
     ApplicationDelegate m_delegate;
     ScriptConsole* m_console = nullptr;
-    std::unique_ptr<ScriptQueue> m_scripts; // goes first: scripts use all the rest
+    std::unique_ptr<ScriptQueue> m_scripts; // destroyed first: scripts use all the other members
 };

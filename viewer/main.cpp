@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 #if defined(__SANITIZE_ADDRESS__)
-// The interpreter keeps memory until the very end; a leak report at exit would drown everything else.
+// The interpreter keeps memory until the process ends; a leak report would bury every other message.
 extern "C" Q_DECL_EXPORT const char* __asan_default_options();
 extern "C" const char* __asan_default_options()
 {
@@ -24,24 +24,24 @@ int main(int argc, char** argv)
     for (int i = 1; i < argc; ++i)
         arguments += QString::fromLocal8Bit(argv[i]);
     const CommandLine line = parseCommandLine(arguments);
-    if (line.call == CommandLine::Call::Wrong) {
+    if (line.command == CommandLine::Command::Invalid) {
         writeAll(STDERR_FILENO, QStringLiteral("vantrel: %1\n").arg(line.text).toUtf8());
         return 2;
     }
-    if (line.call == CommandLine::Call::Text) {
+    if (line.command == CommandLine::Command::Text) {
         writeAll(STDOUT_FILENO, line.text.toUtf8());
         return 0;
     }
 
     preparePlatform();
     LogRecords::writeToStandardError();
-    // The arguments are the program's own, not the toolkit's.
-    int ownArguments = 1;
-    QApplication application(ownArguments, argv);
+    // The arguments belong to this program; the toolkit gets only the program's name.
+    int toolkitArguments = 1;
+    QApplication application(toolkitArguments, argv);
     QApplication::setApplicationName(QStringLiteral("Vantrel"));
     QApplication::setDesktopFileName(QStringLiteral("vantrel"));
     QApplication::setApplicationVersion(QStringLiteral(VANTREL_VERSION));
-    // Dialogs come and go while the main window is hidden: the application ends only when told to.
+    // While the main window is hidden, closing a dialog must not end the application.
     QApplication::setQuitOnLastWindowClosed(false);
-    return line.call == CommandLine::Call::Run ? runScripts(line.run) : openViewer(line.view);
+    return line.command == CommandLine::Command::Run ? runScripts(line.run) : openViewer(line.view);
 }

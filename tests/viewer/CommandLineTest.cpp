@@ -4,7 +4,7 @@
 
 namespace {
 
-using Call = CommandLine::Call;
+using Command = CommandLine::Command;
 
 CommandLine parse(const char* arguments)
 {
@@ -16,7 +16,7 @@ TEST(CommandLine, RunTakesAllItsOptions)
     const CommandLine line =
         parse("run --open a.png --open b.png --image dark=d.tif --sim-cameras 3 --answer Yes "
               "--answer <cancel> --worker --workdir w --python-home h --log l --show one.py two.py");
-    ASSERT_EQ(line.call, Call::Run) << line.text.toStdString();
+    ASSERT_EQ(line.command, Command::Run) << line.text.toStdString();
     const RunOptions& run = line.run;
     EXPECT_EQ(run.filesToOpen, QStringList({QStringLiteral("a.png"), QStringLiteral("b.png")}));
     ASSERT_EQ(run.images.size(), 1);
@@ -34,7 +34,7 @@ TEST(CommandLine, RunTakesAllItsOptions)
 TEST(CommandLine, RunHasTwoCamerasAndNoWindowsByDefault)
 {
     const CommandLine line = parse("run one.py");
-    ASSERT_EQ(line.call, Call::Run);
+    ASSERT_EQ(line.command, Command::Run);
     EXPECT_EQ(line.run.simulatedCameras, 2);
     EXPECT_FALSE(line.run.show);
     EXPECT_FALSE(line.run.worker);
@@ -45,30 +45,30 @@ TEST(CommandLine, AnAnswerMayBeEmptyOrLookLikeAnOption)
     const QStringList arguments = {QStringLiteral("run"),      QStringLiteral("--answer"), QString(),
                                    QStringLiteral("--answer"), QStringLiteral("-5"),       QStringLiteral("one.py")};
     const CommandLine line = parseCommandLine(arguments);
-    ASSERT_EQ(line.call, Call::Run) << line.text.toStdString();
+    ASSERT_EQ(line.command, Command::Run) << line.text.toStdString();
     EXPECT_EQ(line.run.answers, QStringList({QString(), QStringLiteral("-5")}));
 }
 
 TEST(CommandLine, AnImageFileMayHaveAnEqualsSignInItsName)
 {
     const CommandLine line = parse("run --image a=b=c.png one.py");
-    ASSERT_EQ(line.call, Call::Run);
+    ASSERT_EQ(line.command, Command::Run);
     EXPECT_EQ(line.run.images[0], std::pair(QStringLiteral("a"), QStringLiteral("b=c.png")));
 }
 
 TEST(CommandLine, ViewTakesFiles)
 {
     const CommandLine line = parse("view a.png b.tif");
-    ASSERT_EQ(line.call, Call::View);
+    ASSERT_EQ(line.command, Command::View);
     EXPECT_EQ(line.view.files, QStringList({QStringLiteral("a.png"), QStringLiteral("b.tif")}));
-    EXPECT_EQ(parse("view").call, Call::View);
+    EXPECT_EQ(parse("view").command, Command::View);
 }
 
-TEST(CommandLine, HelpIsGivenForEveryCall)
+TEST(CommandLine, HelpIsGivenForEveryCommand)
 {
     for (const char* arguments : {"--help", "run --help", "run -h", "view --help"}) {
         const CommandLine line = parse(arguments);
-        EXPECT_EQ(line.call, Call::Text) << arguments;
+        EXPECT_EQ(line.command, Command::Text) << arguments;
         EXPECT_TRUE(line.text.startsWith(QStringLiteral("Usage: vantrel "))) << arguments;
     }
 }
@@ -88,7 +88,7 @@ class WrongCommandLine : public testing::TestWithParam<const char*>
 TEST_P(WrongCommandLine, IsExplainedInOneSentence)
 {
     const CommandLine line = parse(GetParam());
-    EXPECT_EQ(line.call, Call::Wrong);
+    EXPECT_EQ(line.command, Command::Invalid);
     EXPECT_TRUE(line.text.endsWith(QLatin1Char('.'))) << line.text.toStdString();
     EXPECT_FALSE(line.text.contains(QLatin1Char('\n')));
 }

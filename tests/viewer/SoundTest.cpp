@@ -17,7 +17,7 @@ TEST(Sounds, AMissingFileIsOneLogLine)
     SoundPlayer player;
     player.play(QStringLiteral("/nowhere/bell.wav"));
     EXPECT_EQ(LogCatcher::texts(),
-              QStringList({QStringLiteral("The sound /nowhere/bell.wav is not played: there is no such file")}));
+              QStringList({QStringLiteral("Cannot play the sound /nowhere/bell.wav: no such file")}));
 }
 
 TEST(Sounds, AFileThatIsNoSoundIsOneLogLine)
@@ -29,7 +29,7 @@ TEST(Sounds, AFileThatIsNoSoundIsOneLogLine)
     const LogCatcher log;
     SoundPlayer player;
     player.play(file.fileName());
-    const auto ours = [] { return LogCatcher::texts().filter(QStringLiteral("is not played")); };
+    const auto ours = [] { return LogCatcher::texts().filter(QStringLiteral("Cannot play the sound")); };
     EXPECT_TRUE(QTest::qWaitFor([&ours] { return !ours().isEmpty(); }));
     EXPECT_EQ(ours().size(), 1);
 }

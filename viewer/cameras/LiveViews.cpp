@@ -36,12 +36,12 @@ bool LiveViews::start(void* handle)
 {
     ViewerCamera* camera = m_cameras.camera(handle);
     if (!camera) {
-        qWarning() << "No camera to start: it is not open, or not any more";
+        qWarning() << "Cannot start the camera: it is not open";
         return false;
     }
     ImageView* view = viewOf(*camera);
     if (!camera->start()) {
-        qWarning().noquote() << QStringLiteral("The camera %1 does not start").arg(titleOf(*camera));
+        qWarning().noquote() << QStringLiteral("The camera %1 did not start").arg(titleOf(*camera));
         return false;
     }
     m_window.activateView(view->id());
@@ -70,7 +70,7 @@ ImageView* LiveViews::viewOf(ViewerCamera& camera)
     connect(&camera, &ViewerCamera::liveChanged, view, [view](bool live) { view->setLive(live); });
     connect(&camera, &ViewerCamera::frameRateChanged, view, [view](double rate) { view->setFrameRate(rate); });
     connect(view, &ImageView::closed, this, [this, view, camera = &camera] {
-        // The view itself goes later, and must get no further frame.
+        // The view is deleted later and must get no more frames until then.
         camera->disconnect(view);
         m_views.erase(camera);
         camera->stop();

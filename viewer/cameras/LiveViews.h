@@ -10,22 +10,22 @@ class MainWindow;
 class ViewerCamera;
 class QMenu;
 
-/// The views that show what cameras see, one for each camera that has acquired. GUI thread only.
+/// The views that show what cameras see, one for each camera started here. GUI thread only.
 ///
-/// A live view stays when its camera stops, with the last frame, and serves the camera again when it is started anew.
-/// Closing it stops the camera.
+/// When its camera stops, a live view keeps the last frame; it shows the camera's frames again after the next start.
+/// Closing the view stops the camera.
 class LiveViews : public QObject
 {
     Q_OBJECT
 public:
-    /// Both outlive this.
+    /// The window and the cameras must outlive this object.
     LiveViews(MainWindow& window, CameraSet& cameras);
 
-    /// Starts a camera and makes its live view the active one. False, with a log line, for a handle that is not in use
-    /// and when the camera does not start.
+    /// Starts a camera and makes its live view the active one. Returns false and logs why if the handle is not in use
+    /// or the camera does not start; in the second case its live view is open all the same.
     bool start(void* handle);
 
-    /// Stops a camera; false for a handle that is not in use.
+    /// Stops a camera. Returns false if the handle is not in use.
     bool stop(void* handle);
 
 private:

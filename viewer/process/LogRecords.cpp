@@ -13,10 +13,10 @@
 
 namespace {
 
-// A plain descriptor: records come from any thread, and until the very end of the process.
+// A plain descriptor: records come from every thread, and until the process ends.
 int logFd = STDERR_FILENO;
 
-/// What the toolkit says where there is no session or no display, and what is of no consequence there.
+/// True for the toolkit's complaints that mean nothing without a session or a display.
 bool isNoise(const QString& message)
 {
     return message.startsWith(QStringLiteral("QStandardPaths: XDG_RUNTIME_DIR not set")) ||
@@ -42,8 +42,7 @@ QString LogRecords::writeToFile(const QString& path)
 {
     const int fd = open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     if (fd < 0)
-        return QStringLiteral("The log file %1 cannot be written: %2")
-            .arg(path, QString::fromLocal8Bit(strerror(errno)));
+        return QStringLiteral("Cannot write the log file %1: %2.").arg(path, QString::fromLocal8Bit(strerror(errno)));
     logFd = fd;
     qInstallMessageHandler(writeRecord);
     return {};

@@ -5,10 +5,11 @@
 /// Where the program's log records go.
 namespace LogRecords {
 
-/// Writes records to standard error, each as it comes and whatever standard error is connected to.
+/// Writes each record to standard error at once, whatever standard error is connected to.
 void writeToStandardError();
 
-/// Appends records to a file instead. Returns what went wrong, empty on success.
+/// Appends records to a file instead. Returns an error message, empty on success; after an error records go where they
+/// went before.
 QString writeToFile(const QString& path);
 
 } // namespace LogRecords

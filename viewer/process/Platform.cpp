@@ -12,7 +12,7 @@ void prepareDisplay()
 {
     if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         return;
-    // A display that is named but does not answer counts as none.
+    // If a display does not answer, Qt tries the next platform of the list.
     if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "wayland;xcb;offscreen");
     else if (!qEnvironmentVariableIsEmpty("DISPLAY"))

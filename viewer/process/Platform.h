@@ -1,7 +1,7 @@
 #pragma once
 
-/// Settles what Qt takes from the process's environment. Called before the application object is made.
+/// Sets what Qt takes from the process's environment. Call it before the application object is made.
 ///
-/// Windows go where there is a display, and to Qt's offscreen platform where there is none. A locale that is not UTF-8
-/// becomes one that is: Qt and scripts assume it.
+/// Unless QT_QPA_PLATFORM is set, windows appear on the display, or on Qt's offscreen platform if there is no display.
+/// A locale that is not UTF-8 becomes C.UTF-8: Qt and scripts assume UTF-8.
 void preparePlatform();

@@ -15,7 +15,7 @@ namespace {
 
 void complain(const QString& path, const QString& reason)
 {
-    qWarning().noquote() << QStringLiteral("The sound %1 is not played: %2").arg(path, reason);
+    qWarning().noquote() << QStringLiteral("Cannot play the sound %1: %2").arg(path, reason);
 }
 
 } // namespace
@@ -28,10 +28,10 @@ void SoundPlayer::play(const QString& path)
 void SoundPlayer::start(const QString& path)
 {
     if (!QFileInfo(path).isFile())
-        return complain(path, tr("there is no such file"));
+        return complain(path, tr("no such file"));
 #ifdef VANTREL_HAS_MULTIMEDIA
     if (QMediaDevices::defaultAudioOutput().isNull())
-        return complain(path, tr("there is no sound device"));
+        return complain(path, tr("no sound device"));
     auto* player = new QMediaPlayer(this);
     player->setAudioOutput(new QAudioOutput(player));
     connect(player, &QMediaPlayer::errorOccurred, this, [player, path](QMediaPlayer::Error, const QString& reason) {
@@ -46,6 +46,6 @@ void SoundPlayer::start(const QString& path)
     player->setSource(QUrl::fromLocalFile(path));
     player->play();
 #else
-    complain(path, tr("this build has no sound"));
+    complain(path, tr("this build does not support sound"));
 #endif
 }

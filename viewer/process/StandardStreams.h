@@ -2,5 +2,6 @@
 
 #include <QtCore/QByteArray>
 
-/// Writes bytes to a file descriptor, all of them and at once; gives up silently when nobody reads them any more.
+/// Writes all bytes to a file descriptor, unbuffered; waits while it cannot take more. Gives up silently on an error,
+/// for example when the reader is gone.
 void writeAll(int fd, const QByteArray& bytes);

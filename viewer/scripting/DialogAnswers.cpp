@@ -11,8 +11,8 @@ namespace {
 
 const QString cancelAnswer = QStringLiteral("<cancel>");
 
-/// The label as a person says it: without the sign that marks the mnemonic ("&&" stands for a real one).
-QString spokenLabel(QString label)
+/// The label as a user reads it: without the "&" that marks the mnemonic, and with "&" for "&&".
+QString shownLabel(QString label)
 {
     const QChar placeholder(u'\0');
     label.replace(QStringLiteral("&&"), QString(placeholder));
@@ -23,7 +23,7 @@ QString spokenLabel(QString label)
 bool press(const QDialog& dialog, const QString& label)
 {
     for (QAbstractButton* button : dialog.findChildren<QAbstractButton*>()) {
-        if (button->isEnabled() && spokenLabel(button->text()).compare(spokenLabel(label), Qt::CaseInsensitive) == 0) {
+        if (button->isEnabled() && shownLabel(button->text()).compare(shownLabel(label), Qt::CaseInsensitive) == 0) {
             button->click();
             return true;
         }
@@ -33,16 +33,16 @@ bool press(const QDialog& dialog, const QString& label)
 
 void dismiss(QDialog* dialog)
 {
-    // As by closing the window; a message box without a button for that stays open and is then sent away.
+    // Same as closing the window. A message box without a cancel button ignores that, so it is rejected.
     if (!dialog->close())
         dialog->reject();
 }
 
 } // namespace
 
-DialogAnswers::DialogAnswers(const QStringList& answers, bool dialogsAreSeen)
+DialogAnswers::DialogAnswers(const QStringList& answers, bool dialogsAreVisible)
     : m_answers(answers)
-    , m_dialogsAreSeen(dialogsAreSeen)
+    , m_dialogsAreVisible(dialogsAreVisible)
 {
     QCoreApplication::instance()->installEventFilter(this);
 }
@@ -66,10 +66,10 @@ void DialogAnswers::answer(QDialog* dialog)
     if (!dialog->isVisible())
         return;
     if (m_answers.isEmpty()) {
-        if (m_dialogsAreSeen)
+        if (m_dialogsAreVisible)
             return;
         qWarning().noquote()
-            << QStringLiteral("No answer is left for the dialog \"%1\": it is dismissed").arg(dialog->windowTitle());
+            << QStringLiteral("No answer is left for the dialog \"%1\"; it was dismissed").arg(dialog->windowTitle());
         dismiss(dialog);
         return;
     }
@@ -80,7 +80,7 @@ void DialogAnswers::answer(QDialog* dialog)
         input->setTextValue(text);
         input->accept();
     } else if (!press(*dialog, text)) {
-        qWarning().noquote() << QStringLiteral("The dialog \"%1\" has no button \"%2\": it is dismissed")
+        qWarning().noquote() << QStringLiteral("The dialog \"%1\" has no enabled button \"%2\"; it was dismissed")
                                     .arg(dialog->windowTitle(), text);
         dismiss(dialog);
     }

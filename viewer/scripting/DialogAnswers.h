@@ -5,16 +5,16 @@
 
 class QDialog;
 
-/// Answers the dialogs that scripts open, as a person would: presses the button, or enters the text and presses OK.
+/// Answers the dialogs that scripts open as a user would: presses the button, or enters the text and presses OK.
 class DialogAnswers : public QObject
 {
     Q_OBJECT
 public:
-    /// The answers are used one after another. Where nobody sees the dialogs, one that comes after the last answer is
-    /// dismissed, with a log line.
-    DialogAnswers(const QStringList& answers, bool dialogsAreSeen);
+    /// Uses the answers in order. When none is left, a dialog waits for the user if dialogs are visible; otherwise it
+    /// is dismissed, with a log line. Needs the application object.
+    DialogAnswers(const QStringList& answers, bool dialogsAreVisible);
 
-    /// Leaves all further dialogs to the user.
+    /// Leaves all later dialogs to the user.
     void stop();
 
 protected:
@@ -24,6 +24,6 @@ private:
     void answer(QDialog* dialog);
 
     QStringList m_answers;
-    bool m_dialogsAreSeen;
+    bool m_dialogsAreVisible;
     bool m_stopped = false;
 };

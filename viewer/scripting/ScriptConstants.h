@@ -2,13 +2,13 @@
 
 #include "IxScriptEnvironment.h"
 
-/// The names that scripts find as constants, and the camera parameters that they may use.
+/// The constants that scripts find in the script module, and the camera parameters that scripts may use.
 namespace ScriptConstants {
 
-/// One constant for each camera parameter, as PARAM_EXPOSURE for "exposure".
+/// One constant for each camera parameter, for example PARAM_EXPOSURE for "exposure".
 QList<IxScriptEnvironment::SxApiParamDef> parameterNames();
 
-/// One constant for each pixel type, as DATA_FLOAT.
+/// One constant for each pixel type, for example DATA_FLOAT.
 QList<IxScriptEnvironment::SxApiParamEnumVal> pixelTypes();
 
 /// True for the camera parameters and the keys of a camera's device information.

@@ -59,7 +59,7 @@ void ScriptEnvironment::addMenuItem(QMenu* menu, const QString& name, const QStr
     action->setToolTip(extra.isEmpty() ? name : extra);
     action->setStatusTip(extra);
     menu->setToolTipsVisible(true);
-    // The item outlives this environment.
+    // The item may outlive this environment, so it holds copies.
     QObject::connect(action, &QAction::triggered, menu,
                      [path = resolveFilePath(script), run = m_runFile] { run(path); });
 }

@@ -8,7 +8,7 @@
 class ScriptEnvironment : public IxScriptEnvironment
 {
 public:
-    /// Runs a script file that the user has chosen from a menu; called on the GUI thread.
+    /// Runs a script file that the user has chosen from a menu. Called on the GUI thread.
     using RunFile = std::function<void(const QString& path)>;
 
     ScriptEnvironment(const QString& workingDirectory, RunFile runFile);
@@ -18,18 +18,19 @@ public:
     bool isCameraParameter(const QString& name) override;
     QString workingDirectory() override;
 
-    /// Absolute and without "." and ".."; an empty path stays empty.
+    /// Returns the absolute path without "." and "..", starting from the working directory. An empty path stays empty.
     QString resolveFilePath(const QString& path) override;
 
     bool isMainThread() override;
 
-    /// The script's path is resolved at once. extra is the item's tool tip and status text.
+    /// Resolves the script's path now, not when the user chooses the item. extra is the item's tool tip and status
+    /// text; without it the tool tip is the name.
     void addMenuItem(QMenu* menu, const QString& name, const QString& script, const QString& extra) override;
 
-    /// Seconds; see ScriptWait. False for a null view and off the GUI thread.
+    /// timeout is in seconds; see ScriptWait::forImage(). Returns false for a null view and off the GUI thread.
     bool waitForNextFrame(CxMdiView* view, double timeout) override;
 
-    /// Seconds; see ScriptWait.
+    /// time is in seconds; see ScriptWait::forTime().
     void wait(double time) override;
 
     const char* functionHelp(const char* moduleName, const char* functionName) override;

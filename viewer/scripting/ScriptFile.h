@@ -4,5 +4,6 @@
 
 #include <optional>
 
-/// Reads the text of a script file. On failure nothing, and problem says in one sentence why.
+/// Reads a script file, which must be UTF-8 text. On failure returns nothing and sets problem to one sentence that says
+/// why.
 std::optional<QString> readScriptFile(const QString& path, QString& problem);

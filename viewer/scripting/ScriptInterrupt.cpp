@@ -11,7 +11,7 @@
 
 namespace {
 
-// Written before the handler is installed or atomically, since the handler may run at any moment on any thread.
+// The handler may run at any moment on any thread, so these are atomic or written before it is installed.
 ScriptInterrupt* theInterrupt = nullptr;
 int eventFd = -1;
 std::atomic<bool> scriptRuns = false;
@@ -30,7 +30,7 @@ void handleInterrupt(int number, siginfo_t* info, void* context)
 {
     const int savedError = errno;
     if (scriptRuns) {
-        // A sleep or a read of the script returns early only on its own thread.
+        // A script's sleep or read returns early only if the script's thread receives the signal.
         if (!pthread_equal(pthread_self(), scriptThread)) {
             pthread_kill(scriptThread, number);
             errno = savedError;

@@ -4,12 +4,13 @@
 
 class QSocketNotifier;
 
-/// Lets Ctrl-C, or the user, stop a running script.
+/// Lets Ctrl-C, or the Stop Script menu item, stop a running script.
 ///
-/// The interpreter turns the interrupt signal into KeyboardInterrupt as soon as it executes script code again. This
-/// object sees the signal first and tells whoever waits on the script's behalf, so that it does get there.
+/// After SIGINT the interpreter raises KeyboardInterrupt as soon as it executes script code again. This object's signal
+/// handler calls the interpreter's handler; then the object emits interrupted(), so that waits and dialogs end and
+/// script code can execute again.
 ///
-/// One object per process, on the GUI thread; scriptStarted() and scriptEnded() are called on the thread that runs
+/// One object per process, on the GUI thread. scriptStarted() and scriptEnded() are called on the thread that runs
 /// scripts.
 class ScriptInterrupt : public QObject
 {
@@ -18,23 +19,26 @@ public:
     ScriptInterrupt();
     ~ScriptInterrupt() override;
 
+    /// The object of this process, or null.
     static ScriptInterrupt* instance();
 
-    /// Puts itself before the interpreter's handler, which must be in place. It stays there between scripts.
+    /// Installs the signal handler in front of the interpreter's, which must be installed already; installs nothing if
+    /// there is none. The handler stays between scripts.
     void scriptStarted();
     void scriptEnded();
 
-    /// Stops the running script as Ctrl-C does; nothing when none runs.
+    /// Stops the running script as Ctrl-C does. Does nothing if no script runs.
     void interruptScript();
 
-    /// Forgets a signal that has not been reported yet: it came while script code ran and has been dealt with there.
+    /// Drops a signal that has not been reported yet. Called before a wait: such a signal came while script code ran,
+    /// and the interpreter handles it there.
     void forgetPending();
 
 Q_SIGNALS:
-    /// The running script is to stop: waits end, dialogs are dismissed.
+    /// The running script must stop: waits must end and dialogs must close.
     void interrupted();
 
-    /// The signal came while no script ran.
+    /// A signal came while no script ran.
     void interruptedWhileIdle();
 
 private:

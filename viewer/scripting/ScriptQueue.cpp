@@ -7,7 +7,7 @@
 #include <QtCore/QThread>
 
 namespace {
-/// Deep recursion is ended by the interpreter, which counts on the room of a main thread.
+/// The interpreter's recursion limit assumes a stack as large as a main thread's.
 constexpr unsigned stackBytes = 16U << 20U;
 } // namespace
 
@@ -68,7 +68,7 @@ void ScriptQueue::startNext()
     Q_EMIT runStarted();
     Job job = std::move(m_waiting.front());
     m_waiting.pop_front();
-    // Through the event loop also on the GUI thread: whoever adds a script goes on first.
+    // Queued on the GUI thread as well: add() returns before the script starts.
     QMetaObject::invokeMethod(
         m_runner.get(), [runner = m_runner.get(), job] { runner->run(job.script, job.environment); },
         Qt::QueuedConnection);

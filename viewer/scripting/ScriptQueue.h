@@ -11,31 +11,32 @@ class QThread;
 class ScriptEnvironment;
 class ScriptRunner;
 
-/// Has scripts run one after another, never one inside another: what comes while a script runs, also from a menu that
-/// is used while a script waits, is run when that script has ended. GUI thread only.
+/// Runs scripts one after another, never one inside another. A script that is added while another one runs or waits,
+/// for example from a menu, starts when that one has ended. GUI thread only.
 class ScriptQueue : public QObject
 {
     Q_OBJECT
 public:
-    /// Takes over the runner; with ownThread scripts run on a thread that is not the GUI thread.
+    /// Takes ownership of the runner. With ownThread scripts run on a thread other than the GUI thread.
     ScriptQueue(std::unique_ptr<ScriptRunner> runner, bool ownThread);
 
-    /// Waits for the running script and shuts the interpreter down.
+    /// Waits for a script that runs on the other thread, then shuts the interpreter down.
     ~ScriptQueue() override;
 
-    /// Loads the plugin library. Returns what went wrong, empty on success.
+    /// Loads the plugin library. Returns an error message, empty on success.
     QString load(const QString& library);
 
+    /// The script language and its version; empty if no plugin is loaded.
     QString language();
 
     /// Runs the script when its turn comes.
     void add(const QString& script, std::shared_ptr<ScriptEnvironment> environment);
 
-    /// Makes an image a variable of the scripts added later. The interpreter must have been started by a run that has
-    /// ended, and no script may run.
+    /// Makes an image a variable of later scripts. Call it after a first run has ended, since that run starts the
+    /// interpreter, and while no script runs.
     void publish(const QString& name, std::shared_ptr<CxImageData> image);
 
-    /// True from the moment a script is added until the last one has ended.
+    /// True from the time a script is added until the last script has ended.
     bool isBusy() const { return m_running || !m_waiting.empty(); }
 
     /// Drops the scripts that wait for their turn.
@@ -44,7 +45,7 @@ public:
 Q_SIGNALS:
     void runStarted();
 
-    /// A run is over; result is what the script wrote to its standard error.
+    /// A run has ended; result is what the script wrote to its standard error.
     void runEnded(const QString& result);
 
     /// The last script has ended.
@@ -59,7 +60,7 @@ private:
     void startNext();
     void noteEnd(const QString& result);
 
-    /// Calls a function on the runner's thread and waits for it. For what does not run script code.
+    /// Calls a function on the runner's thread and waits until it returns. The function must not run a script.
     template<typename Function>
     void callRunner(Function function);
 

@@ -42,10 +42,10 @@ QString ScriptRunner::load(const QString& library)
     m_loader.setFileName(library);
     QObject* object = m_loader.instance();
     if (!object)
-        return tr("The script plugin cannot be loaded: %1").arg(m_loader.errorString());
+        return tr("Cannot load the script plugin: %1").arg(m_loader.errorString());
     m_language = qobject_cast<CxScriptLangInterface*>(object);
     if (!m_language)
-        return tr("The script plugin cannot be used: %1 offers no script language").arg(library);
+        return tr("Cannot use the script plugin: %1 provides no script language").arg(library);
     m_language->init();
     return {};
 }
@@ -78,7 +78,7 @@ void ScriptRunner::publish(const QString& name, std::shared_ptr<CxImageData> ima
 
 void ScriptRunner::unload()
 {
-    // Destroying the object ends the interpreter. The library stays: interpreters do not like to be unmapped.
+    // Deleting the object ends the interpreter. The library stays loaded: an interpreter does not survive unloading.
     delete std::exchange(m_language, nullptr);
     m_published.clear();
     m_environment.reset();

@@ -12,42 +12,43 @@ class ScriptEnvironment;
 
 /// Owns the script plugin and runs scripts with it, one at a time.
 ///
-/// Lives on the thread that scripts run on; except for the constructor everything is called there.
+/// All functions but the constructor and the destructor are called on the thread that runs scripts. If the destructor
+/// runs on another thread, unload() comes first.
 class ScriptRunner : public QObject
 {
     Q_OBJECT
 public:
-    /// Receives what a script prints, as it is printed, on the running thread. One for the process, since the plugin's
-    /// callback carries no context.
+    /// Receives each piece of text that a script prints, at once and on the thread that prints it. One per process,
+    /// since the plugin's callback carries no context.
     using Output = std::function<void(const QString& text)>;
 
-    /// pythonHome is the interpreter's home directory.
+    /// pythonHome is the Python home of the interpreter.
     explicit ScriptRunner(const QString& pythonHome, Output output);
     ~ScriptRunner() override;
 
-    /// Loads the plugin library. Returns what went wrong, empty on success.
+    /// Loads the plugin library. Returns an error message, empty on success.
     QString load(const QString& library);
 
-    /// The script language and its version; empty while no plugin is loaded.
+    /// The script language and its version; empty if no plugin is loaded.
     QString language() const;
 
-    /// Runs a script to its end and reports it with ended().
+    /// Runs a script to its end, then emits ended().
     void run(const QString& script, std::shared_ptr<ScriptEnvironment> environment);
 
-    /// Makes an image a variable of later scripts. Called after a first run only.
+    /// Makes an image a variable of later scripts. Call it only after a first run.
     void publish(const QString& name, std::shared_ptr<CxImageData> image);
 
-    /// Shuts the interpreter down.
+    /// Shuts the interpreter down and releases what it used.
     void unload();
 
 Q_SIGNALS:
-    /// A run is over; result is what the script wrote to its standard error.
+    /// A run has ended; result is what the script wrote to its standard error.
     void ended(const QString& result);
 
 private:
     QString m_pythonHome;
     QPluginLoader m_loader;
     CxScriptLangInterface* m_language = nullptr;
-    std::shared_ptr<ScriptEnvironment> m_environment; ///< of the latest run: the plugin goes on using it
+    std::shared_ptr<ScriptEnvironment> m_environment; ///< of the latest run; the plugin still uses it between runs
     std::vector<std::shared_ptr<CxImageData>> m_published;
 };

@@ -16,10 +16,10 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// Timers count in int; a longer wait is made of several.
+/// A timer counts milliseconds in an int; a longer wait uses several timers.
 constexpr milliseconds longestTimer = std::chrono::hours(24);
 
-/// A hundred years: more than anybody waits, and far from any overflow.
+/// A hundred years: longer than any wait, and far from overflow.
 constexpr double longestSeconds = 100.0 * 365 * 24 * 3600;
 
 /// An event loop that also ends when the script is interrupted.
@@ -34,7 +34,7 @@ public:
         }
     }
 
-    /// Ends the wait, for whatever reason but that the time has passed.
+    /// Ends the wait before its time has passed.
     void stop()
     {
         m_stopped = true;
@@ -58,7 +58,7 @@ public:
             timer.start(std::clamp(left, milliseconds(0), longestTimer));
             exec();
             if (!timerFired)
-                return; // the application quits, or somebody has stopped the wait
+                return; // the application quits, or stop() was called
         } while (!m_stopped && !deadline.hasExpired());
     }
 

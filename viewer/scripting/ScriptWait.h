@@ -2,17 +2,17 @@
 
 class ImageView;
 
-/// Waiting on a script's behalf while the application keeps working. Each ends early when the script is interrupted and
-/// when the application quits. Times are seconds.
+/// Waits on behalf of a script while the application keeps working. A wait ends early if the script is interrupted or
+/// the application quits. Times are in seconds.
 namespace ScriptWait {
 
-/// Waits the given time. Nothing to wait for in a negative one or not-a-number; zero lets the application work off what
-/// is pending.
+/// Waits for the given time. With zero the application handles its pending events; with a negative time or NaN the
+/// function returns at once.
 void forTime(double seconds);
 
-/// Waits until the view shows an image that arrives after the call: true. False when the time has passed, when the view
-/// is closed, and for not-a-number. A negative or infinite time waits without limit while images arrive by themselves,
-/// and not at all where none do.
+/// Waits until the view shows an image that arrives after the call, and then returns true. Returns false if the wait
+/// ends before that, if the view is closed, and at once for NaN. A negative or infinite time waits without limit while
+/// images arrive by themselves; if they do not, the function returns false at once.
 bool forImage(ImageView& view, double seconds);
 
 } // namespace ScriptWait

@@ -27,7 +27,7 @@ QString summaryOf(const CxChainable& stage)
     return imageStage ? imageStage->summary() : QString();
 }
 
-/// A name as a label of a widget, where "&" would mark a mnemonic.
+/// A name as the label of a widget, where a single "&" would mark a mnemonic.
 QString labelOf(QString name)
 {
     return name.replace(QStringLiteral("&"), QStringLiteral("&&"));
@@ -65,12 +65,12 @@ void ChainPanel::showStages()
             stages.append(object);
     }
     setVisible(!stages.isEmpty());
-    // Empty lists apart: comparing two of them hands null pointers to memcmp.
+    // Comparing two empty lists would pass null pointers to memcmp.
     if ((stages.isEmpty() && m_shown.isEmpty()) || stages == m_shown)
-        return; // rows follow their stage by themselves
+        return; // each row updates itself
     m_shown = stages;
     while (QLayoutItem* item = m_rows->takeAt(0)) {
-        // Later: the row may be the one whose button is being clicked.
+        // Not deleted at once: a click on a button of this very row may have led here.
         item->widget()->hide();
         item->widget()->deleteLater();
         delete item;

@@ -7,12 +7,14 @@ class CxChain;
 class CxChainable;
 class QVBoxLayout;
 
-/// Shows the stages of a view's processing chain, to be switched and removed by the user. Hidden while there are none.
+/// Lists the stages of a view's processing chain; the user can switch them on and off and remove them. Hidden while
+/// there are no stages.
 class ChainPanel : public QFrame
 {
     Q_OBJECT
 public:
-    /// end is the object of the chain that stands for the view; it is not shown. The chain outlives the panel.
+    /// end is the chain's object that stands for the view; the panel does not show it. The chain must outlive the
+    /// panel.
     ChainPanel(CxChain& chain, const CxChainable* end, QWidget* parent = nullptr);
 
 private:
@@ -22,5 +24,5 @@ private:
     CxChain& m_chain;
     const CxChainable* m_end;
     QVBoxLayout* m_rows;
-    QList<CxChainable*> m_shown; ///< may hold stages that are gone: compared only
+    QList<CxChainable*> m_shown; ///< only for comparison: some stages may be deleted already
 };

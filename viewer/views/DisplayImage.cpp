@@ -13,7 +13,7 @@
 
 namespace {
 
-/// The values that become black and white.
+/// The value that becomes black and the value that becomes white.
 struct Range {
     double low = 0;
     double high = 1;
@@ -48,7 +48,7 @@ auto visitValueType(ExImageDataType type, Visitor visit)
     }
 }
 
-/// Rows may start anywhere when a host brings its own memory, hence no plain dereferencing.
+/// Copies the value, since rows in memory that a host provides need not be aligned.
 template<typename T>
 T valueAt(const std::uint8_t* row, std::size_t index)
 {
@@ -92,12 +92,12 @@ Range rangeOf(const SxPicBuf& buffer)
 uchar shade(double value, const Range& range)
 {
     const double scaled = (value - range.low) * 255.0 / (range.high - range.low);
-    if (!(scaled > 0)) // also not-a-number
+    if (!(scaled > 0)) // NaN too
         return 0;
     return scaled >= 255 ? uchar(255) : uchar(std::lround(scaled));
 }
 
-/// Turns values into shades; by a table for the types that have few enough values.
+/// Turns values into shades; types of one or two bytes use a table.
 template<typename T>
 class Shader
 {

@@ -10,12 +10,12 @@ struct SxPicBufInfo;
 /// packed colour. A null image for a buffer without pixels.
 ///
 /// Whole numbers are scaled so that full scale (the buffer's bpc) becomes 255; negative ones are black. Floating-point
-/// numbers are scaled by the buffer's saturation, or from the smallest to the largest value where it has none;
-/// not-a-number is black. Alpha is left out: what a pixel holds is to be seen also where it is transparent.
+/// numbers are scaled by the buffer's saturation, or from the smallest to the largest value if it has none; NaN is
+/// black. Alpha is left out, so that transparent pixels show their values too.
 QImage displayImage(const SxPicBuf& buffer);
 
-/// The values of the pixel as a user reads them, as in "4095" or "R 12  G 40  B 255"; empty outside the image.
+/// The values of the pixel as a user reads them, for example "4095" or "R 12  G 40  B 255"; empty outside the image.
 QString pixelText(const SxPicBuf& buffer, int x, int y);
 
-/// Size and kind of a picture in words, as in "1280 x 960, mono, 12 bit (uint16)".
+/// Size and kind of a picture in words, for example "1280 x 960, mono, 12 bit (uint16)".
 QString formatText(const SxPicBufInfo& info);

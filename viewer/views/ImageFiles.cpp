@@ -9,7 +9,7 @@ std::shared_ptr<CxImageData> loadImageFile(const QString& path)
 {
     const std::unique_ptr<CxImageFileLoader> loader(CxImageFormatManager::instance()->loaderForFile(path));
     if (!loader) {
-        qCritical().noquote() << QStringLiteral("%1 is not an image file that can be read").arg(path);
+        qCritical().noquote() << QStringLiteral("Cannot read image file %1: unknown format").arg(path);
         return nullptr;
     }
     if (!loader->readFile())
@@ -17,7 +17,7 @@ std::shared_ptr<CxImageData> loadImageFile(const QString& path)
     auto* frame = qobject_cast<CxImageData*>(loader->frameAt(0));
     std::shared_ptr<CxImageData> image(frame ? qobject_cast<CxImageData*>(frame->clone(nullptr, nullptr)) : nullptr);
     if (!image)
-        qCritical().noquote() << QStringLiteral("%1 cannot be shown: out of memory").arg(path);
+        qCritical().noquote() << QStringLiteral("Cannot show image file %1: out of memory").arg(path);
     return image;
 }
 
@@ -25,7 +25,7 @@ bool saveImageFile(CxImageData& image, const QString& path)
 {
     const std::unique_ptr<CxImageFileSaver> saver(CxImageFormatManager::instance()->saverForFile(path));
     if (!saver) {
-        qCritical().noquote() << QStringLiteral("%1 is not an image file that can be written").arg(path);
+        qCritical().noquote() << QStringLiteral("Cannot write image file %1: unknown format").arg(path);
         return false;
     }
     return saver->saveImage(&image, nullptr);

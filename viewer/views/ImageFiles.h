@@ -6,9 +6,8 @@
 
 class CxImageData;
 
-/// Reads an image file; null with a log line
-/// when its extension is unknown or it cannot be read.
+/// Reads the first image of a file. Returns null and logs why if the extension is unknown or the file cannot be read.
 std::shared_ptr<CxImageData> loadImageFile(const QString& path);
 
-/// Writes an image file; false with a log line when its extension is unknown or it cannot be written.
+/// Writes an image file. Returns false and logs why if the extension is unknown or the file cannot be written.
 bool saveImageFile(CxImageData& image, const QString& path);

@@ -23,7 +23,7 @@ ImageView::ImageView(int id, const QString& title, ViewStore& store)
     layout->addWidget(m_widget, 1);
     layout->addWidget(m_panel);
     setWidget(contents);
-    connect(m_chain.get(), &CxChain::changed, this, &ImageView::processAnew);
+    connect(m_chain.get(), &CxChain::changed, this, &ImageView::reprocess);
     setWindowTitle(title);
     setAttribute(Qt::WA_DeleteOnClose);
 }
@@ -31,7 +31,7 @@ ImageView::ImageView(int id, const QString& title, ViewStore& store)
 ImageView::~ImageView()
 {
     m_store.remove(m_id);
-    // The chain goes before the widgets do; the panel looks at it.
+    // The panel uses the chain, but child widgets are deleted after the chain. So the panel goes first.
     m_chain->disconnect();
     delete m_panel;
 }
@@ -52,10 +52,10 @@ void ImageView::present()
     m_widget->setImage(m_image);
 }
 
-void ImageView::processAnew()
+void ImageView::reprocess()
 {
-    // No next image: nothing is recorded, and whoever waits for a frame goes on waiting. A stopped chain is being
-    // changed and starts in a moment.
+    // This is not a next image: it is not recorded, and a wait for a frame goes on. A stopped chain is still being
+    // changed and signals its start.
     if (m_source && !m_chain->stopped())
         present();
 }
@@ -88,8 +88,7 @@ void ImageView::closeEvent(QCloseEvent* event)
     QMdiSubWindow::closeEvent(event);
     if (!event->isAccepted())
         return;
-    // The object is deleted when the event loop comes round again, which a long script can put off: what is large goes
-    // now.
+    // The event loop deletes this object, and a long script can delay that: large data is released now.
     m_recorder.stop();
     m_source.reset();
     m_image.reset();

@@ -18,25 +18,25 @@ class ImageView : public QMdiSubWindow, public CxMdiView
 {
     Q_OBJECT
 public:
-    /// An empty view. The store, which outlives it, learns of every image.
+    /// Makes an empty view. It puts each image that it shows into the store, which must outlive it.
     ImageView(int id, const QString& title, ViewStore& store);
     ~ImageView() override;
 
-    /// The view's identifier, never used twice.
+    /// The view's identifier, which is never reused.
     int id() const { return m_id; }
 
-    /// Gives the view its next image, or none for null. Every image, of a file, a script or a camera, comes this way:
-    /// here it passes the processing chain, and what comes out is recorded and shown.
+    /// Gives the view its next image; null gives none. Images from files, scripts and cameras all come this way: the
+    /// view sends the image through the processing chain, then shows and records the result.
     void setImage(std::shared_ptr<CxImageData> image);
 
     /// What the view shows, processed, or null.
     const std::shared_ptr<CxImageData>& image() const { return m_image; }
 
-    /// Tells whether images arrive by themselves, as from a running camera.
+    /// Tells the view whether images arrive by themselves, for example from a running camera.
     void setLive(bool live);
     bool isLive() const { return m_live; }
 
-    /// Images per second that recordings are played at.
+    /// Sets the speed at which later recordings are played, in images per second.
     void setFrameRate(double framesPerSecond) { m_frameRate = framesPerSecond; }
 
     ViewChain& processingChain() const { return *m_chain; }
@@ -48,13 +48,13 @@ public:
     CxChainable* chainObject() override;
 
 Q_SIGNALS:
-    /// The view has got another image.
+    /// The view shows its next image. Not emitted when only the processing has changed.
     void imageShown();
 
-    /// Images stopped arriving by themselves.
+    /// Images no longer arrive by themselves.
     void liveEnded();
 
-    /// The view is closed; its image is gone and the object goes soon.
+    /// The view has been closed. Its image is gone; the object is deleted soon.
     void closed();
 
 protected:
@@ -63,15 +63,15 @@ protected:
 
 private:
     void present();
-    void processAnew();
+    void reprocess();
 
     int m_id;
     ViewStore& m_store;
     std::unique_ptr<ViewChain> m_chain;
     ImageWidget* m_widget;
     ChainPanel* m_panel;
-    std::shared_ptr<CxImageData> m_source; ///< as it came
-    std::shared_ptr<CxImageData> m_image;  ///< as it is shown: the same one while the chain has nothing to do
+    std::shared_ptr<CxImageData> m_source; ///< as given to the view
+    std::shared_ptr<CxImageData> m_image;  ///< as shown; the same object while the chain has nothing to do
     VideoRecorder m_recorder;
     double m_frameRate = 25;
     bool m_live = false;

@@ -13,7 +13,7 @@ namespace {
 constexpr double smallestScale = 1.0 / 64;
 constexpr double largestScale = 64;
 constexpr double wheelStep = 1.25;
-constexpr QColor surround(56, 56, 60); // darker than what it surrounds is, most of the time
+constexpr QColor surround(56, 56, 60); // darker than most images
 } // namespace
 
 ImageWidget::ImageWidget(QWidget* parent)
@@ -85,7 +85,7 @@ void ImageWidget::paintEvent(QPaintEvent* /*event*/)
     }
     if (m_display.isNull())
         return;
-    // Enlarged pixels keep their edges, so that they can be told apart.
+    // Enlarged pixels keep sharp edges, so that the user can tell them apart.
     painter.setRenderHint(QPainter::SmoothPixmapTransform, scale() < 1);
     painter.drawImage(target(), m_display);
 }

@@ -9,19 +9,22 @@
 
 class CxImageData;
 
-/// Shows one image: fitted to the widget, or at a scale that the wheel and the zoom actions change; dragging moves it.
+/// Shows one image, fitted to the widget or at a chosen scale. The wheel changes the scale, dragging moves the image,
+/// and a double click switches between fitted and scale 1.
 class ImageWidget : public QWidget
 {
     Q_OBJECT
 public:
     explicit ImageWidget(QWidget* parent = nullptr);
 
-    /// Shows another image, or none for null. The scale and the place stay as long as the size does.
+    /// Shows another image; null shows none. A fitted image stays fitted; otherwise the scale stays, and so does the
+    /// position as far as a new size allows.
     void setImage(std::shared_ptr<CxImageData> image);
 
     void zoomToFit();
 
-    /// Shows the image at a scale (1: one screen pixel per image pixel), keeping what is in the middle there.
+    /// Shows the image at a scale (1: one screen pixel per image pixel, limits: 1/64 and 64) and keeps the centre of
+    /// the widget in place.
     void setScale(double scale);
 
     /// Screen pixels per image pixel.
@@ -29,13 +32,13 @@ public:
 
     bool isFitted() const { return m_fitted; }
 
-    /// The pixel at a position of the widget, or nothing outside the image.
+    /// The image's pixel at a position in the widget, or nothing outside the image.
     std::optional<QPoint> pixelAt(const QPointF& position) const;
 
     QSize sizeHint() const override;
 
 Q_SIGNALS:
-    /// The mouse stands on another pixel or the pixel under it has changed; (-1, -1) when it left the image.
+    /// The mouse has moved, or the image under it has changed. pixel is (-1, -1) outside the image.
     void pixelHovered(const QPoint& pixel);
 
     /// The scale has changed.
@@ -59,11 +62,11 @@ private:
     void hover(const QPointF& position);
 
     std::shared_ptr<CxImageData> m_image;
-    QImage m_display; ///< made from the image when it is painted first
+    QImage m_display; ///< made from the image at its first painting
     bool m_displayIsStale = false;
     bool m_fitted = true;
     double m_scale = 1;
-    QPointF m_origin; ///< where the image's first pixel is, in widget coordinates
+    QPointF m_origin; ///< position of the image's first pixel, in widget coordinates
     QPointF m_dragStart;
     std::optional<QPointF> m_mouse;
 };

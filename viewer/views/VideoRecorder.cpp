@@ -17,7 +17,7 @@ struct VideoRecorder::Recording {
     cv::Size size;
     int frames = 0;
 
-    /// OpenCV's own writer needs no codec library and behaves alike everywhere.
+    /// Uses OpenCV's own writer, which needs no codec library and behaves the same everywhere.
     bool open(cv::Size frameSize)
     {
         size = frameSize;
@@ -36,7 +36,7 @@ namespace {
 bool canBeWritten(const QString& path)
 {
     if (QFileInfo(path).suffix().compare(QStringLiteral("avi"), Qt::CaseInsensitive) != 0) {
-        qCritical().noquote() << QStringLiteral("Cannot record to %1: videos are .avi files").arg(path);
+        qCritical().noquote() << QStringLiteral("Cannot record to %1: the extension must be .avi").arg(path);
         return false;
     }
     QFile file(path);
@@ -60,7 +60,7 @@ bool VideoRecorder::start(const QString& path, const SxPicBuf* shown, double fra
 {
     if (m_recording) {
         qCritical().noquote()
-            << QStringLiteral("Cannot record to %1: a recording to %2 is under way").arg(path, m_recording->path);
+            << QStringLiteral("Cannot record to %1: already recording to %2").arg(path, m_recording->path);
         return false;
     }
     if (!canBeWritten(path))
@@ -69,7 +69,7 @@ bool VideoRecorder::start(const QString& path, const SxPicBuf* shown, double fra
     recording->path = path;
     recording->framesPerSecond = framesPerSecond;
     if (shown && shown->data && !recording->open(cv::Size(int(shown->width), int(shown->height)))) {
-        qCritical().noquote() << QStringLiteral("Cannot record to %1: the file cannot be written as a video").arg(path);
+        qCritical().noquote() << QStringLiteral("Cannot record to %1: the video file cannot be written").arg(path);
         return false;
     }
     m_recording = std::move(recording);
@@ -91,7 +91,7 @@ void VideoRecorder::add(const SxPicBuf& image)
     const cv::Size size(frame.width(), frame.height());
     if (m_recording->frames == 0 && !(m_recording->writer.isOpened() && size == m_recording->size) &&
         !m_recording->open(size)) {
-        qCritical().noquote() << QStringLiteral("Recording to %1 has failed").arg(m_recording->path);
+        qCritical().noquote() << QStringLiteral("Recording to %1 failed").arg(m_recording->path);
         m_recording.reset();
         return;
     }
@@ -104,7 +104,7 @@ void VideoRecorder::add(const SxPicBuf& image)
         ++m_recording->frames;
     } catch (const cv::Exception& error) {
         qCritical().noquote()
-            << QStringLiteral("Recording to %1 has failed: %2").arg(m_recording->path, QString::fromUtf8(error.what()));
+            << QStringLiteral("Recording to %1 failed: %2").arg(m_recording->path, QString::fromUtf8(error.what()));
         m_recording.reset();
     }
 }

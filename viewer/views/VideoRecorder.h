@@ -6,31 +6,31 @@
 
 struct SxPicBuf;
 
-/// Records images to a Motion JPEG AVI file, one frame for each. Used on one thread.
+/// Records images to a Motion JPEG AVI file, one frame per image. Not thread-safe.
 class VideoRecorder
 {
 public:
     VideoRecorder();
 
-    /// Completes a file that is being written.
+    /// Ends a recording as stop() does.
     ~VideoRecorder();
 
-    /// Begins a recording. The frames get the size of the first image; shown is the image at hand, which is not
-    /// recorded but whose size tells early whether the file can be written, or null.
+    /// Begins a recording. The first image added sets the size of the frames. shown is the image on display, or null:
+    /// it is not recorded, but its size is used to find out early whether the file can be written.
     ///
-    /// False with a log line when a recording is under way, the file's extension is not .avi or it cannot be written.
+    /// Returns false and logs why if a recording is under way, the extension is not .avi or the file cannot be written.
     bool start(const QString& path, const SxPicBuf* shown, double framesPerSecond);
 
     bool isRecording() const;
 
-    /// Adds a frame; an image of another size than the first is scaled to it. Does nothing when nothing is recorded, or
-    /// for an image without pixels.
+    /// Adds a frame, scaled to the size of the first one. Does nothing without a recording or for an image without
+    /// pixels. If the frame cannot be written, logs that and ends the recording.
     void add(const SxPicBuf& image);
 
-    /// Ends the recording and completes the file. A recording that got no frame leaves no file.
+    /// Ends the recording and completes the file. A recording without frames leaves a log line and no file.
     void stop();
 
-    /// Frames written in this recording.
+    /// Number of frames written in this recording; 0 without a recording.
     int frameCount() const;
 
 private:

@@ -23,7 +23,7 @@ std::shared_ptr<CxImageData> ViewChain::processed(const std::shared_ptr<CxImageD
         return image;
     std::shared_ptr<CxImageData> result(qobject_cast<CxImageData*>(image->clone(nullptr, nullptr)));
     if (!result) {
-        qCritical() << "An image is shown unprocessed: out of memory";
+        qCritical() << "Showing an unprocessed image: out of memory";
         return image;
     }
     process(*result);

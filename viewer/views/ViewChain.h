@@ -7,7 +7,7 @@
 
 class CxImageData;
 
-/// The place in a processing chain that stands for the view: stages are inserted before it.
+/// The object of a processing chain that stands for the view. Stages are inserted before it.
 class ChainEnd : public CxChainable
 {
     Q_OBJECT
@@ -26,8 +26,8 @@ public:
     /// The object that stands for the view; owned by the chain.
     CxChainable* end() const { return m_end; }
 
-    /// What the stages make of an image. The image itself stays unchanged: it is the result when there is nothing to
-    /// do, and also, with a log line, when there is no memory for another one.
+    /// Returns a processed copy of the image. Returns the image itself, which never changes, if there is nothing to do
+    /// or, with a log line, if there is no memory for a copy.
     std::shared_ptr<CxImageData> processed(const std::shared_ptr<CxImageData>& image);
 
 private:

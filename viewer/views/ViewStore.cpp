@@ -6,7 +6,7 @@
 
 void ViewStore::setImage(int id, std::shared_ptr<CxImageData> image)
 {
-    // The old image goes when the lock is open again: freeing a large one takes its time.
+    // The old image is freed after the lock is released: freeing a large image takes time.
     const QMutexLocker lock(&m_lock);
     m_images[id].swap(image);
 }

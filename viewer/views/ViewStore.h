@@ -7,10 +7,10 @@
 
 class CxImageData;
 
-/// What every view shows and which one is active, for scripts that ask on a thread that is not the GUI thread.
+/// The images of the views and the active view, for scripts that ask on a thread other than the GUI thread.
 ///
-/// The GUI thread writes, any thread reads. An image handed out stays alive for as long as the reader holds it,
-/// whatever happens to its view meanwhile; nobody changes an image that is in here.
+/// The GUI thread writes, any thread reads. A returned image stays alive as long as the reader holds it, whatever
+/// happens to its view. Images in the store never change.
 class ViewStore
 {
 public:
@@ -21,7 +21,7 @@ public:
     /// The image that a view shows, or null.
     std::shared_ptr<CxImageData> image(int id) const;
 
-    /// Identifier of the active view, -1 when there is none.
+    /// Identifier of the active view, or -1 if there is none.
     int activeId() const;
 
 private:

@@ -41,7 +41,7 @@ CaptureDialog::CaptureDialog(ViewerCamera& camera, const QString& title, const Q
     layout->addWidget(m_preview, 1);
     if (delay >= 0) {
         m_delays = new QComboBox;
-        m_delays->addItems({tr("At once"), tr("After 3 seconds"), tr("After 10 seconds")});
+        m_delays->addItems({tr("Immediately"), tr("After 3 seconds"), tr("After 10 seconds")});
         m_delays->setCurrentIndex(std::min(delay, m_delays->count() - 1));
         auto* form = new QFormLayout;
         form->addRow(tr("Capture the image"), m_delays);
@@ -112,10 +112,10 @@ void CaptureDialog::capture()
         m_captured = m_frame;
         accept();
     } else if (m_camera && m_camera->isLive()) {
-        // Pressed before the first frame: it is taken when it comes.
+        // The user clicked before the first frame arrived: that frame is captured.
         m_waitsForFrame = true;
     } else {
-        qWarning() << "Nothing is captured: the camera sends no frames";
+        qWarning() << "No image captured: the camera sends no frames";
         reject();
     }
 }

@@ -17,18 +17,18 @@ class CaptureDialog : public QDialog
 {
     Q_OBJECT
 public:
-    /// What scripts choose with the option: how long after the button the image is captured.
+    /// How long after the click the image is captured; scripts pass these numbers as the option.
     enum Delay { AtOnce = 0, AfterThreeSeconds = 1, AfterTenSeconds = 2 };
 
-    /// The camera runs while the dialog is shown; one that did not run before is stopped again afterwards. delay is the
-    /// preselected entry; the choice is only offered where there is one (not negative).
+    /// Starts the camera if it is not running; the destructor then stops it again. delay is the preselected entry: a
+    /// negative one hides the choice, one beyond the last entry selects that.
     CaptureDialog(ViewerCamera& camera, const QString& title, const QString& message, int delay, QWidget* parent);
     ~CaptureDialog() override;
 
-    /// The captured frame; null unless the dialog was accepted.
+    /// The captured frame, or null if the dialog was not accepted.
     std::shared_ptr<CxImageData> captured() const { return m_captured; }
 
-    /// The chosen delay, -1 where none was offered.
+    /// The chosen delay, or -1 if there was no choice.
     int delay() const;
 
 private:
@@ -46,6 +46,6 @@ private:
     QTimer m_countdown;
     int m_secondsLeft = 0;
     bool m_waitsForFrame = false;
-    std::shared_ptr<CxImageData> m_frame; ///< the latest one
+    std::shared_ptr<CxImageData> m_frame; ///< the latest frame
     std::shared_ptr<CxImageData> m_captured;
 };

@@ -22,7 +22,7 @@ MainWindow::MainWindow()
     : m_area(new QMdiArea)
 {
     setWindowTitle(QStringLiteral("Vantrel"));
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/vantrel.png"))); // of the views as well
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/vantrel.png"))); // for the views as well
     resize(1100, 750);
     m_area->setActivationOrder(QMdiArea::ActivationHistoryOrder);
     setCentralWidget(m_area);
@@ -37,7 +37,7 @@ MainWindow::MainWindow()
 
 MainWindow::~MainWindow()
 {
-    // The views are children and go after this object's own members: they must not report to it any more.
+    // Views use this object's members, but child widgets are deleted after the members. So the views go first.
     m_area->disconnect(this);
     for (const auto& [id, view] : std::map(m_views)) {
         view->disconnect(this);
@@ -82,7 +82,7 @@ bool MainWindow::duplicateView(int id)
     if (const auto& image = original->image()) {
         copy.reset(qobject_cast<CxImageData*>(image->clone(nullptr, nullptr)));
         if (!copy) {
-            qCritical() << "The view cannot be duplicated: out of memory";
+            qCritical() << "Cannot duplicate the view: out of memory";
             return false;
         }
     }
@@ -112,7 +112,7 @@ std::vector<int> MainWindow::viewIds() const
 void MainWindow::activateView(int id)
 {
     if (ImageView* wanted = view(id)) {
-        // The area activates nothing while it is hidden, and a script needs an active view all the same.
+        // A hidden area activates nothing, but scripts need an active view even then.
         noteActivation(wanted);
         m_area->setActiveSubWindow(wanted);
     }
@@ -156,7 +156,7 @@ void MainWindow::changeEvent(QEvent* event)
 
 void MainWindow::noteActivation(QMdiSubWindow* window)
 {
-    // The area reports null whenever the keyboard goes elsewhere; the view that was active stays so.
+    // The area reports null when it loses the keyboard focus; the active view stays active.
     const auto* active = qobject_cast<ImageView*>(window);
     if (!active || !view(active->id()))
         return;

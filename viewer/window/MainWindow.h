@@ -21,50 +21,54 @@ class MainWindow : public QMainWindow
 {
     Q_OBJECT
 public:
-    /// Kinds of menus, as scripts and the delegate number them.
+    /// The kinds of menus, with the numbers that scripts and the delegate use.
     enum MenuKind { FileMenu = 1, ViewMenu = 2, ScriptMenu = 3, HelpMenu = 4 };
 
     MainWindow();
     ~MainWindow() override;
 
-    /// Opens a view for the image (null: a view without one) and makes it the active one if told to.
+    /// Opens a view for the image; null opens an empty view. The view becomes the active one if activate is true or no
+    /// view is active.
     ImageView* addView(std::shared_ptr<CxImageData> image, const QString& title, bool activate = true);
 
-    /// Opens an image file in a new view; false with a log line when it cannot be shown.
+    /// Opens an image file in a new view; activate works as in addView(). Returns false and logs why if the file cannot
+    /// be shown.
     bool openFile(const QString& path, bool activate = true);
 
-    /// Opens a second view with a copy of what a view shows and makes it the active one; false when there is none.
+    /// Copies what a view shows into a new view and makes that the active one. A negative id stands for the active
+    /// view. Returns false if there is no such view and, with a log line, if there is no memory for the copy.
     bool duplicateView(int id);
 
     /// The view with that identifier, or null.
     ImageView* view(int id) const;
 
+    /// The active view, or null.
     ImageView* activeView() const;
 
     /// Identifiers of all views, oldest first.
     std::vector<int> viewIds() const;
 
-    /// Makes a view the active one; an identifier that no view has changes nothing.
+    /// Makes a view the active one. An unknown identifier changes nothing.
     void activateView(int id);
 
     void tileViews();
 
-    /// Also of effect while the window is hidden: it is then shown so.
+    /// A hidden window keeps the setting until it is shown.
     void setFullScreen(bool on);
 
     /// The menu of a kind, or null.
     QMenu* menu(int kind) const;
 
-    /// Shows a text for a few seconds in a corner and in the status line, after those that wait already.
+    /// Shows a text for a few seconds in a corner and in the status line, after the texts that wait already.
     void showNotification(const QString& text);
 
-    /// Allows to stop a script, or to start one.
+    /// Enables Stop Script while a script runs, and Run Script otherwise.
     void setScriptRunning(bool running);
 
-    /// The language that scripts are written in, for the user to read.
+    /// Sets the name of the script language that the About box shows.
     void setScriptLanguage(const QString& language) { m_scriptLanguage = language; }
 
-    /// Readable on any thread.
+    /// May be read on any thread.
     const ViewStore& viewStore() const { return m_store; }
 
 Q_SIGNALS:

@@ -55,7 +55,7 @@ void MainWindow::createViewMenu()
         });
     };
     addZoom(tr("Zoom to &Fit"), QKeySequence(Qt::CTRL | Qt::Key_0), [](ImageWidget& widget) { widget.zoomToFit(); });
-    addZoom(tr("&100 %"), QKeySequence(Qt::CTRL | Qt::Key_1), [](ImageWidget& widget) { widget.setScale(1); });
+    addZoom(tr("&100%"), QKeySequence(Qt::CTRL | Qt::Key_1), [](ImageWidget& widget) { widget.setScale(1); });
     addZoom(tr("Zoom &In"), QKeySequence::ZoomIn,
             [](ImageWidget& widget) { widget.setScale(widget.scale() * zoomStep); });
     addZoom(tr("Zoom &Out"), QKeySequence::ZoomOut,
@@ -93,8 +93,8 @@ void MainWindow::createStatusLine()
     }
     m_notifications = new NotificationArea(this, statusBar()->sizeHint().height());
     connect(m_notifications, &NotificationArea::notificationShown, this, [this](const QString& text) {
-        constexpr qsizetype firstPart = 200; // characters: more than a line holds
-        statusBar()->showMessage(text.left(firstPart).simplified());
+        constexpr qsizetype maxLength = 200; // characters: more than a line holds
+        statusBar()->showMessage(text.left(maxLength).simplified());
     });
 }
 
@@ -112,7 +112,7 @@ void MainWindow::askForFilesToOpen()
             failed += path;
     if (!failed.isEmpty())
         QMessageBox::warning(this, tr("Open Images"),
-                             tr("Cannot be shown as an image:\n%1").arg(failed.join(QLatin1Char('\n'))));
+                             tr("Cannot open as an image:\n%1").arg(failed.join(QLatin1Char('\n'))));
 }
 
 void MainWindow::askForFileToSave()
@@ -120,11 +120,11 @@ void MainWindow::askForFileToSave()
     const ImageView* active = activeView();
     if (!active || !active->image())
         return;
-    // Held here, since the dialog lets the application go on and the view may change or close.
+    // Held here: while the dialog is open, the view may change or close.
     const std::shared_ptr<CxImageData> image = active->image();
     const QString path = QFileDialog::getSaveFileName(this, tr("Save Image"), active->windowTitle(), imageFilter());
     if (!path.isEmpty() && !saveImageFile(*image, path))
-        QMessageBox::warning(this, tr("Save Image"), tr("The image cannot be saved as\n%1").arg(path));
+        QMessageBox::warning(this, tr("Save Image"), tr("Cannot save the image as\n%1").arg(path));
 }
 
 void MainWindow::askForScript()
@@ -156,7 +156,7 @@ void MainWindow::updateStatusLine()
     const ImageView* active = activeView();
     const SxPicBuf* buffer = active && active->image() ? active->image()->picBuf() : nullptr;
     m_format->setText(buffer ? formatText(*buffer) : QString());
-    m_zoom->setText(buffer ? QStringLiteral("%1 %").arg(qRound(active->imageWidget()->scale() * 100)) : QString());
+    m_zoom->setText(buffer ? QStringLiteral("%1%").arg(qRound(active->imageWidget()->scale() * 100)) : QString());
     if (!active)
         m_pixel->clear();
 }

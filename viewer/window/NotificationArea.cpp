@@ -8,13 +8,13 @@
 namespace {
 
 constexpr int distance = 12; // pixels from the edges
-constexpr int largestWidth = 420;
-constexpr qsizetype largestLength = 400; // characters: more could not be read in the time
+constexpr int maxWidth = 420;
+constexpr qsizetype maxLength = 400; // characters: nobody can read more in the time
 
-/// A text that fits the corner, of any length.
+/// The text, cut to a length that fits the corner.
 QString shortened(const QString& text)
 {
-    return text.size() <= largestLength ? text : text.left(largestLength) + QChar(u'\u2026');
+    return text.size() <= maxLength ? text : text.left(maxLength) + QChar(u'\u2026');
 }
 
 } // namespace
@@ -24,7 +24,7 @@ NotificationArea::NotificationArea(QWidget* parent, int bottomMargin)
     , m_bottomMargin(bottomMargin)
 {
     setObjectName(QStringLiteral("notification"));
-    setTextFormat(Qt::PlainText); // texts come from anywhere
+    setTextFormat(Qt::PlainText); // texts come from scripts and may look like markup
     setWordWrap(true);
     setMargin(10);
     setFrameShape(QFrame::StyledPanel);
@@ -79,7 +79,7 @@ void NotificationArea::mousePressEvent(QMouseEvent* /*event*/)
 void NotificationArea::place()
 {
     const QSize room = parentWidget()->size();
-    const int width = std::min(largestWidth, room.width() - 2 * distance);
+    const int width = std::min(maxWidth, room.width() - 2 * distance);
     setFixedWidth(std::max(width, 1));
     const int height = std::min(heightForWidth(width), room.height() - m_bottomMargin - 2 * distance);
     resize(width, std::max(height, 1));

@@ -4,13 +4,13 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QLabel>
 
-/// Shows texts in the lower right corner of its parent, one after another, each for a few seconds. A click sends the
-/// text away.
+/// Shows texts in the lower right corner of its parent, one after another, each for a few seconds. A click dismisses
+/// the text.
 class NotificationArea : public QLabel
 {
     Q_OBJECT
 public:
-    /// bottomMargin is the height at the parent's lower edge that is left free, in pixels.
+    /// bottomMargin is the height in pixels that stays free at the parent's lower edge.
     NotificationArea(QWidget* parent, int bottomMargin);
 
     /// Shows the text when its turn comes.
@@ -19,12 +19,12 @@ public:
     /// Number of texts that wait for their turn.
     qsizetype waiting() const { return m_waiting.size(); }
 
-    /// How long a text is shown, in milliseconds, and how long while others wait.
+    /// How long a text is shown, in milliseconds: usually, and while others wait.
     static constexpr int usualTime = 5000;
     static constexpr int shortTime = 2000;
 
 Q_SIGNALS:
-    /// A text appeared, or none is left (empty).
+    /// A text has appeared; an empty text means that none is left.
     void notificationShown(const QString& text);
 
 protected:

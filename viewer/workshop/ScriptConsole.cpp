@@ -6,7 +6,7 @@
 #include <QtWidgets/QScrollBar>
 
 namespace {
-constexpr int mostLines = 10000;
+constexpr int maxLines = 10000;
 }
 
 ScriptConsole::ScriptConsole(QWidget* parent)
@@ -15,7 +15,7 @@ ScriptConsole::ScriptConsole(QWidget* parent)
 {
     setObjectName(QStringLiteral("scriptConsole"));
     m_text->setReadOnly(true);
-    m_text->setMaximumBlockCount(mostLines);
+    m_text->setMaximumBlockCount(maxLines);
     m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     setWidget(m_text);
     hide();

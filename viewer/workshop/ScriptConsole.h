@@ -4,7 +4,7 @@
 
 class QPlainTextEdit;
 
-/// Shows what scripts print and report as errors. Appears with the first text.
+/// Shows the output and the errors of scripts. Appears when a text is added.
 class ScriptConsole : public QDockWidget
 {
     Q_OBJECT

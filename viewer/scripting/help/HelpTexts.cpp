@@ -42,7 +42,7 @@ QString withoutType(const QString& argument)
     return result;
 }
 
-/// The signature in the form in which the interpreter reads it off the head of a help text.
+/// The signature in the form that the interpreter expects at the start of a help text.
 QString signatureForInterpreter(const QString& owner, const QString& name, const QString& arguments)
 {
     QStringList parts{owner == QStringLiteral("vantrel") ? QStringLiteral("$module") : QStringLiteral("$self")};
@@ -65,7 +65,7 @@ const HelpTexts& HelpTexts::instance()
 
 HelpTexts::HelpTexts(const QString& source)
 {
-    // Chapters end an entry as the next entry does.
+    // A chapter heading ends an entry just as the next entry does.
     QString unified = source;
     unified.replace(QStringLiteral("\n--- "), QStringLiteral("\n=== --- "));
     const QStringList entries = unified.split(QStringLiteral("\n=== "));
@@ -74,7 +74,7 @@ HelpTexts::HelpTexts(const QString& source)
         const qsizetype lineEnd = entry.indexOf(u'\n');
         const qsizetype arrow = entry.indexOf(QStringLiteral(") -> "));
         if (open < 0 || lineEnd < 0 || arrow < 0 || arrow > lineEnd)
-            continue; // a chapter, an attribute or a type: the interpreter has no place for their texts
+            continue; // a chapter, an attribute or a type: the interpreter has no place for its text
         const QString qualified = entry.left(open);
         const qsizetype dot = qualified.indexOf(u'.');
         const QString signature =
