@@ -34,8 +34,11 @@ public:
     explicit RunSession(const RunOptions& options)
         : m_options(options)
         , m_answers(options.answers, dialogsAreVisible())
-        , m_viewer(
-              {options.worker, options.pythonHome, options.workingDirectory, options.show, options.simulatedCameras})
+        , m_viewer({.scriptsOnOwnThread = options.worker,
+                    .pythonHome = options.pythonHome,
+                    .workingDirectory = options.workingDirectory,
+                    .showsOutput = options.show,
+                    .simulatedCameras = options.simulatedCameras})
     {
         connect(&m_viewer.scripts(), &ScriptQueue::runEnded, this, &RunSession::noteRunEnd);
         connect(&m_viewer.scripts(), &ScriptQueue::becameIdle, this, &RunSession::noteIdle);
@@ -58,7 +61,7 @@ public:
         if (const QString problem = m_viewer.loadScripting(); !problem.isEmpty())
             return problem;
         for (const QString& path : m_options.filesToOpen)
-            if (!m_viewer.window().openFile(path))
+            if (!m_viewer.window().views().openFile(path))
                 return QStringLiteral("Cannot open %1 as an image.").arg(path);
         for (const auto& [name, path] : m_options.images) {
             std::shared_ptr<CxImageData> image = loadImageFile(path);

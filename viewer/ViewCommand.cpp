@@ -21,10 +21,10 @@ int openViewer(const ViewOptions& options)
         qWarning() << "There is no display: the windows are invisible";
     QStringList failed;
     for (const QString& path : options.files)
-        if (!viewer.window().openFile(path))
+        if (!viewer.window().views().openFile(path))
             failed += path;
     if (options.files.size() > 1)
-        viewer.window().tileViews();
+        viewer.window().views().tile();
     if (!failed.isEmpty())
         viewer.window().showNotification(
             MainWindow::tr("Cannot open as an image: %1").arg(failed.join(QStringLiteral(", "))));

@@ -62,8 +62,8 @@ Viewer::Viewer(const Settings& settings)
     connect(&m_interrupt, &ScriptInterrupt::interruptedWhileIdle, &m_window, &MainWindow::close);
 
     ProcessExit::prepare([this] {
-        for (const int id : m_window.viewIds())
-            m_window.view(id)->stopVideoRecording();
+        for (const int id : m_window.views().ids())
+            m_window.views().view(id)->stopVideoRecording();
     });
 }
 

@@ -106,7 +106,7 @@ TEST_F(CaptureDialogTest, RunsTheCameraOnlyWhileItIsShown)
         press(dialog, "Cancel");
     });
     EXPECT_FALSE(camera()->isRunning());
-    EXPECT_TRUE(window.viewIds().empty());
+    EXPECT_TRUE(window.views().ids().empty());
 
     delegate.setCameraAcquisition(true, handle());
     ask([](CaptureDialog& dialog) { press(dialog, "Cancel"); });

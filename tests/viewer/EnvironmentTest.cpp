@@ -32,7 +32,7 @@ protected:
     QStringList started;
     ScriptEnvironment environment{QStringLiteral("/tmp/scripts"), [this](const QString& path) { started += path; }};
     MainWindow window;
-    ImageView* view = window.addView(greyPicture(4, 4, 1), QStringLiteral("view"));
+    ImageView* view = window.views().add(greyPicture(4, 4, 1), QStringLiteral("view"));
     QElapsedTimer clock;
 
     void SetUp() override { clock.start(); }
@@ -148,7 +148,7 @@ TEST_F(Environment, AFrameThatCameBeforeDoesNotCount)
 
 TEST_F(Environment, AFrameOfAnotherViewDoesNotCount)
 {
-    ImageView* other = window.addView(nullptr, QStringLiteral("other"));
+    ImageView* other = window.views().add(nullptr, QStringLiteral("other"));
     later(10, [&] { other->setImage(greyPicture(4, 4, 2)); });
     EXPECT_FALSE(environment.waitForNextFrame(view, 0.05));
 }

@@ -18,7 +18,7 @@ protected:
     ImageView* start(int index = 0)
     {
         EXPECT_TRUE(delegate.setCameraAcquisition(true, handle(index)));
-        return window.activeView();
+        return window.views().active();
     }
 
     static int frameNumber(const ImageView& view) { return view.image() ? view.image()->picBuf()->frameNumber : 0; }
@@ -26,7 +26,7 @@ protected:
 
 TEST_F(LiveView, IsNotThereUntilTheCameraAcquires)
 {
-    EXPECT_TRUE(window.viewIds().empty());
+    EXPECT_TRUE(window.views().ids().empty());
     EXPECT_EQ(delegate.activeViewId(), -1);
 }
 
@@ -50,7 +50,7 @@ TEST_F(LiveView, IsActivatedWhenTheCameraIsStartedAgain)
     EXPECT_EQ(start(0)->id(), first);
     EXPECT_TRUE(delegate.setCameraAcquisition(false, handle(1)));
     EXPECT_EQ(start(1)->id(), second);
-    EXPECT_EQ(window.viewIds().size(), 2U);
+    EXPECT_EQ(window.views().ids().size(), 2U);
 }
 
 TEST_F(LiveView, DoesNotOpenForAHandleThatIsNotInUse)
@@ -62,7 +62,7 @@ TEST_F(LiveView, DoesNotOpenForAHandleThatIsNotInUse)
         EXPECT_FALSE(delegate.setCameraAcquisition(false, unknown));
         delegate.restartCameraWithDefaults(unknown);
     }
-    EXPECT_TRUE(window.viewIds().empty());
+    EXPECT_TRUE(window.views().ids().empty());
 }
 
 TEST_F(LiveView, KeepsTheLastFrameWhenTheCameraStops)
@@ -97,7 +97,7 @@ TEST_F(LiveView, ClosingItFromWithinAFrameIsHarmless)
     ASSERT_TRUE(until([this] { return !camera()->isRunning(); }));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     runFor(50);
-    EXPECT_TRUE(window.viewIds().empty());
+    EXPECT_TRUE(window.views().ids().empty());
 }
 
 TEST_F(LiveView, AWaitEndsWithAFrameThatArrivedAfterTheCall)

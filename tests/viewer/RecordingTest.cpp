@@ -32,7 +32,7 @@ protected:
 
     QTemporaryDir folder;
     MainWindow window;
-    ImageView* view = window.addView(greyPicture(64, 48, 10), QStringLiteral("view"));
+    ImageView* view = window.views().add(greyPicture(64, 48, 10), QStringLiteral("view"));
 };
 
 TEST_F(Recording, HasOneFrameForEachImageGiven)
@@ -81,7 +81,7 @@ TEST_F(Recording, ScalesImagesOfAnotherSizeToTheFirst)
 
 TEST_F(Recording, BeginsInAViewThatShowsNothingYet)
 {
-    ImageView* empty = window.addView(nullptr, QStringLiteral("empty"));
+    ImageView* empty = window.views().add(nullptr, QStringLiteral("empty"));
     ASSERT_TRUE(empty->startVideoRecording(path()));
     empty->setImage(nullptr);
     empty->setImage(greyPicture(64, 48, 99));

@@ -157,7 +157,7 @@ TEST_F(ScriptsInViewer, ADialogIsDismissedWhenTheMainWindowCloses)
 
 TEST_F(ScriptsInViewer, AStageAddedByAScriptWorksOnWhatScriptsGet)
 {
-    viewer->window().addView(greyPicture(4, 3, 20), QStringLiteral("view"));
+    viewer->window().views().add(greyPicture(4, 3, 20), QStringLiteral("view"));
     run("import vantrel\n"
         "vantrel.add_chain_object('gain', {'gain': 2, 'offset': 1.5, 'unknown': 'x'})\n"
         "print(vantrel.get_view_image().get_image_data_raw()[0])\n"
@@ -188,7 +188,7 @@ TEST_F(ScriptsInViewer, AMenuItemAddedByAScriptTellsItsFourthTextAndRunsItsScrip
 
 TEST_F(ScriptsInViewer, AViewClosedByHandEndsTheWaitForItsFrame)
 {
-    ImageView* view = viewer->window().addView(nullptr, QStringLiteral("camera"));
+    ImageView* view = viewer->window().views().add(nullptr, QStringLiteral("camera"));
     view->setLive(true);
     run("import vantrel\nprint(vantrel.wait_for_next_frame())\nprint(vantrel.get_active_view_id())\n");
     QTimer::singleShot(300, view, &QWidget::close);
@@ -198,7 +198,7 @@ TEST_F(ScriptsInViewer, AViewClosedByHandEndsTheWaitForItsFrame)
 
 TEST_F(ScriptsInViewer, AScriptMayCloseTheViewItWorksOn)
 {
-    viewer->window().addView(nullptr, QStringLiteral("view"));
+    viewer->window().views().add(nullptr, QStringLiteral("view"));
     run("import vantrel\nvantrel.close_view()\nvantrel.close_view()\nvantrel.wait(0.05)\nvantrel.get_view_image()\n");
     run("print('next')\n");
     runAll();

@@ -57,7 +57,7 @@ protected:
 
     MainWindow window;
     ApplicationDelegate delegate{window};
-    ImageView* view = window.addView(greyPicture(8, 6, 20), QStringLiteral("view"));
+    ImageView* view = window.views().add(greyPicture(8, 6, 20), QStringLiteral("view"));
 };
 
 TEST_F(ViewChains, EveryViewHasAChainObject)
@@ -125,7 +125,7 @@ TEST_F(ViewChains, ACopyOfAViewShowsTheProcessedImageAndHasAChainOfItsOwn)
 {
     add("GainStage", "gain", "2");
     ASSERT_TRUE(delegate.duplicateView(view->id()));
-    ImageView* copy = window.activeView();
+    ImageView* copy = window.views().active();
     EXPECT_EQ(copy->image()->picBuf()->data[0], 40);
     EXPECT_EQ(copy->processingChain().objects().size(), 1);
 }

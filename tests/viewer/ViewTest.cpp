@@ -46,7 +46,7 @@ protected:
 
     int add(std::uint8_t grey = 7)
     {
-        const int id = window.addView(greyPicture(8, 6, grey), QStringLiteral("view"))->id();
+        const int id = window.views().add(greyPicture(8, 6, grey), QStringLiteral("view"))->id();
         settle();
         return id;
     }
@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(Window, Views, testing::Bool(),
 
 TEST_P(Views, ShowTheIconOfTheApplication)
 {
-    const QImage icon = window.view(add())->windowIcon().pixmap(64).toImage();
+    const QImage icon = window.views().view(add())->windowIcon().pixmap(64).toImage();
     ASSERT_EQ(icon.size(), QSize(64, 64));
     EXPECT_EQ(icon.pixelColor(8, 32), QColor(0x2B, 0x3A, 0x4A));
 }
@@ -137,7 +137,7 @@ TEST_P(Views, ClosingByHandIsTheSameAsClosingByScript)
 {
     const int first = add();
     const int second = add();
-    window.view(second)->close();
+    window.views().view(second)->close();
     EXPECT_EQ(delegate.view(second), nullptr);
     EXPECT_EQ(delegate.activeViewId(), first);
     QAction* close = nullptr;
@@ -155,7 +155,7 @@ TEST_P(Views, ANewViewTakesTheImageOver)
     auto* given = new CxImageData;
     ASSERT_TRUE(delegate.newViewWithImage(given, QStringLiteral("mine")));
     EXPECT_EQ(delegate.viewImage(delegate.activeViewId()), given);
-    EXPECT_EQ(window.activeView()->windowTitle(), QStringLiteral("mine"));
+    EXPECT_EQ(window.views().active()->windowTitle(), QStringLiteral("mine"));
     EXPECT_FALSE(delegate.newViewWithImage(nullptr, QStringLiteral("none")));
 }
 
@@ -212,7 +212,7 @@ TEST_P(Views, TilingAndFullScreenKeepThemAll)
     add();
     delegate.tileViews();
     settle();
-    EXPECT_EQ(window.viewIds().size(), 2U);
+    EXPECT_EQ(window.views().ids().size(), 2U);
     delegate.setFullScreen(true);
     EXPECT_TRUE(window.isFullScreen());
     EXPECT_EQ(window.isVisible(), GetParam()) << "full screen must not show a hidden window";
@@ -242,8 +242,8 @@ TEST(MainWindow, CanGoWhileViewsAreOpen)
     {
         MainWindow window;
         window.show();
-        window.addView(greyPicture(8, 6, 1), QStringLiteral("one"));
-        window.addView(greyPicture(8, 6, 1), QStringLiteral("two"))->closeMdiView();
+        window.views().add(greyPicture(8, 6, 1), QStringLiteral("one"));
+        window.views().add(greyPicture(8, 6, 1), QStringLiteral("two"))->closeMdiView();
     }
     EXPECT_EQ(CxImageData::liveCount(), before);
 }
@@ -252,7 +252,7 @@ TEST(MainWindow, StatusLineTellsTheFormatTheScaleAndThePixel)
 {
     MainWindow window;
     window.show();
-    ImageView* view = window.addView(picture<std::uint16_t>(ExImageDataType::UInt16, 12, 2, 1, {1, 2, 3, 4095}),
+    ImageView* view = window.views().add(picture<std::uint16_t>(ExImageDataType::UInt16, 12, 2, 1, {1, 2, 3, 4095}),
                                      QStringLiteral("view"));
     view->resize(300, 300);
     settle();

@@ -44,7 +44,7 @@ bool LiveViews::start(void* handle)
         qWarning().noquote() << QStringLiteral("The camera %1 did not start").arg(titleOf(*camera));
         return false;
     }
-    m_window.activateView(view->id());
+    m_window.views().activate(view->id());
     return true;
 }
 
@@ -61,7 +61,7 @@ ImageView* LiveViews::viewOf(ViewerCamera& camera)
 {
     if (const auto found = m_views.find(&camera); found != m_views.end())
         return found->second;
-    ImageView* view = m_window.addView(nullptr, titleOf(camera));
+    ImageView* view = m_window.views().add(nullptr, titleOf(camera));
     m_views[&camera] = view;
     view->setFrameRate(camera.frameRate());
     view->setLive(camera.isLive());

@@ -53,17 +53,17 @@ void ApplicationDelegate::showNotification(const QString& text)
 
 int ApplicationDelegate::activeViewId()
 {
-    return m_window.viewStore().activeId();
+    return m_window.views().store().activeId();
 }
 
 void ApplicationDelegate::activateView(int id)
 {
-    m_window.activateView(id);
+    m_window.views().activate(id);
 }
 
 void ApplicationDelegate::tileViews()
 {
-    m_window.tileViews();
+    m_window.views().tile();
 }
 
 void ApplicationDelegate::setFullScreen(bool on)
@@ -73,12 +73,12 @@ void ApplicationDelegate::setFullScreen(bool on)
 
 CxMdiView* ApplicationDelegate::view(int id)
 {
-    return m_window.view(id);
+    return m_window.views().view(id);
 }
 
 bool ApplicationDelegate::duplicateView(int id)
 {
-    return m_window.duplicateView(id);
+    return m_window.views().duplicate(id);
 }
 
 bool ApplicationDelegate::setCameraAcquisition(bool start, void* camera)
@@ -115,7 +115,7 @@ SxPicBuf* ApplicationDelegate::askUserCaptureImage(QWidget* parent, void* camera
 
 bool ApplicationDelegate::openFile(const QString& path, bool activate)
 {
-    return m_window.openFile(path, activate);
+    return m_window.views().openFile(path, activate);
 }
 
 bool ApplicationDelegate::newViewWithImage(CxImageData* image, const QString& title)
@@ -124,19 +124,19 @@ bool ApplicationDelegate::newViewWithImage(CxImageData* image, const QString& ti
         return false;
     // A captured image comes here on the script's thread, too.
     image->moveToThread(m_window.thread());
-    return m_gui.run([&] { m_window.addView(std::shared_ptr<CxImageData>(image), title); });
+    return m_gui.run([&] { m_window.views().add(std::shared_ptr<CxImageData>(image), title); });
 }
 
 void ApplicationDelegate::setViewImage(int id, CxImageData* image)
 {
     std::shared_ptr<CxImageData> owned(image);
-    if (ImageView* view = m_window.view(id))
+    if (ImageView* view = m_window.views().view(id))
         view->setImage(std::move(owned));
 }
 
 CxImageData* ApplicationDelegate::viewImage(int id)
 {
-    std::shared_ptr<CxImageData> image = m_window.viewStore().image(id);
+    std::shared_ptr<CxImageData> image = m_window.views().store().image(id);
     if (m_window.thread() == QThread::currentThread())
         return image.get();
     // The GUI thread may replace the image or close the view at any moment, while the script still copies it.

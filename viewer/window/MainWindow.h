@@ -1,20 +1,15 @@
 #pragma once
 
-#include "views/ViewStore.h"
+#include "ViewList.h"
 
 #include <QtWidgets/QMainWindow>
 
 #include <map>
-#include <memory>
-#include <vector>
 
-class CxImageData;
 class ImageView;
 class ImageWidget;
 class NotificationArea;
 class QLabel;
-class QMdiArea;
-class QMdiSubWindow;
 
 /// The main window: menus, the views and a status line.
 class MainWindow : public QMainWindow
@@ -25,33 +20,10 @@ public:
     enum MenuKind { FileMenu = 1, ViewMenu = 2, ScriptMenu = 3, HelpMenu = 4 };
 
     MainWindow();
-    ~MainWindow() override;
 
-    /// Opens a view for the image; null opens an empty view. The view becomes the active one if activate is true or no
-    /// view is active.
-    ImageView* addView(std::shared_ptr<CxImageData> image, const QString& title, bool activate = true);
-
-    /// Opens an image file in a new view; activate works as in addView(). Returns false and logs why if the file cannot
-    /// be shown.
-    bool openFile(const QString& path, bool activate = true);
-
-    /// Copies what a view shows into a new view and makes that the active one. A negative id stands for the active
-    /// view. Returns false if there is no such view and, with a log line, if there is no memory for the copy.
-    bool duplicateView(int id);
-
-    /// The view with that identifier, or null.
-    ImageView* view(int id) const;
-
-    /// The active view, or null.
-    ImageView* activeView() const;
-
-    /// Identifiers of all views, oldest first.
-    std::vector<int> viewIds() const;
-
-    /// Makes a view the active one. An unknown identifier changes nothing.
-    void activateView(int id);
-
-    void tileViews();
+    /// The open views.
+    ViewList& views() { return m_views; }
+    const ViewList& views() const { return m_views; }
 
     /// A hidden window keeps the setting until it is shown.
     void setFullScreen(bool on);
@@ -67,9 +39,6 @@ public:
 
     /// Sets the name of the script language that the About box shows.
     void setScriptLanguage(const QString& language) { m_scriptLanguage = language; }
-
-    /// May be read on any thread.
-    const ViewStore& viewStore() const { return m_store; }
 
 Q_SIGNALS:
     /// The user has chosen a script file to run.
@@ -97,17 +66,11 @@ private:
     void askForScript();
     void showAbout();
 
-    void noteActivation(QMdiSubWindow* window);
-    void noteClosing(int id);
     void showPixel(const ImageView& view, const QPoint& pixel);
     void updateStatusLine();
     ImageWidget* activeImageWidget() const;
 
-    ViewStore m_store;
-    QMdiArea* m_area;
-    std::map<int, ImageView*> m_views;
-    std::vector<int> m_activations; ///< identifiers of the open views, the active one last
-    int m_lastId = 0;
+    ViewList m_views; // goes before the widgets that the base class deletes
     std::map<int, QMenu*> m_menus;
     NotificationArea* m_notifications = nullptr;
     QAction* m_fullScreen = nullptr;

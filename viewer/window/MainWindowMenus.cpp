@@ -38,7 +38,7 @@ void MainWindow::createFileMenu()
     menu->addAction(tr("&Open..."), QKeySequence::Open, this, &MainWindow::askForFilesToOpen);
     menu->addAction(tr("Save &As..."), QKeySequence::SaveAs, this, &MainWindow::askForFileToSave);
     menu->addAction(tr("&Close"), QKeySequence::Close, this, [this] {
-        if (ImageView* active = activeView())
+        if (ImageView* active = m_views.active())
             active->closeMdiView();
     });
     menu->addSeparator();
@@ -61,8 +61,8 @@ void MainWindow::createViewMenu()
     addZoom(tr("Zoom &Out"), QKeySequence::ZoomOut,
             [](ImageWidget& widget) { widget.setScale(widget.scale() / zoomStep); });
     menu->addSeparator();
-    menu->addAction(tr("&Duplicate"), QKeySequence(Qt::CTRL | Qt::Key_D), this, [this] { duplicateView(-1); });
-    menu->addAction(tr("&Tile"), QKeySequence(Qt::CTRL | Qt::Key_T), this, &MainWindow::tileViews);
+    menu->addAction(tr("&Duplicate"), QKeySequence(Qt::CTRL | Qt::Key_D), this, [this] { m_views.duplicate(-1); });
+    menu->addAction(tr("&Tile"), QKeySequence(Qt::CTRL | Qt::Key_T), &m_views, &ViewList::tile);
     m_fullScreen =
         menu->addAction(tr("F&ull Screen"), QKeySequence(Qt::Key_F11), this, [this](bool on) { setFullScreen(on); });
     m_fullScreen->setCheckable(true);
@@ -108,7 +108,7 @@ void MainWindow::askForFilesToOpen()
 {
     QStringList failed;
     for (const QString& path : QFileDialog::getOpenFileNames(this, tr("Open Images"), {}, imageFilter()))
-        if (!openFile(path))
+        if (!m_views.openFile(path))
             failed += path;
     if (!failed.isEmpty())
         QMessageBox::warning(this, tr("Open Images"),
@@ -117,7 +117,7 @@ void MainWindow::askForFilesToOpen()
 
 void MainWindow::askForFileToSave()
 {
-    const ImageView* active = activeView();
+    const ImageView* active = m_views.active();
     if (!active || !active->image())
         return;
     // Held here: while the dialog is open, the view may change or close.
@@ -153,7 +153,7 @@ void MainWindow::showPixel(const ImageView& view, const QPoint& pixel)
 
 void MainWindow::updateStatusLine()
 {
-    const ImageView* active = activeView();
+    const ImageView* active = m_views.active();
     const SxPicBuf* buffer = active && active->image() ? active->image()->picBuf() : nullptr;
     m_format->setText(buffer ? formatText(*buffer) : QString());
     m_zoom->setText(buffer ? QStringLiteral("%1%").arg(qRound(active->imageWidget()->scale() * 100)) : QString());

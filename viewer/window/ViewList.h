@@ -1,0 +1,76 @@
+#pragma once
+
+#include "views/ViewStore.h"
+
+#include <QtCore/QObject>
+
+#include <map>
+#include <memory>
+#include <vector>
+
+class CxImageData;
+class ImageView;
+class QMdiArea;
+class QMdiSubWindow;
+class QPoint;
+
+/// The open views: their identifiers, their order of activation, and the area that shows them. GUI thread only, apart
+/// from store().
+///
+/// Identifiers are never used twice.
+class ViewList : public QObject
+{
+    Q_OBJECT
+public:
+    ViewList();
+    ~ViewList() override;
+
+    /// The widget that shows the views. The window that puts it into its layout owns it and must outlive this object.
+    QMdiArea* area() const { return m_area; }
+
+    /// Opens a view for the image; null opens an empty view. The view becomes the active one if activate is true or no
+    /// view is active.
+    ImageView* add(std::shared_ptr<CxImageData> image, const QString& title, bool activate = true);
+
+    /// Opens an image file in a new view; activate works as in add(). Returns false and logs why if the file cannot be
+    /// shown.
+    bool openFile(const QString& path, bool activate = true);
+
+    /// Copies what a view shows into a new view and makes that the active one. A negative id stands for the active
+    /// view. Returns false if there is no such view and, with a log line, if there is no memory for the copy.
+    bool duplicate(int id);
+
+    /// The view with that identifier, or null.
+    ImageView* view(int id) const;
+
+    /// The active view, or null.
+    ImageView* active() const;
+
+    /// Identifiers of all views, oldest first.
+    std::vector<int> ids() const;
+
+    /// Makes a view the active one. An unknown identifier changes nothing.
+    void activate(int id);
+
+    void tile();
+
+    /// What other threads may ask. May be read on any thread.
+    const ViewStore& store() const { return m_store; }
+
+Q_SIGNALS:
+    /// Another view is active, or the active view shows something else: another image, another zoom.
+    void activeViewChanged();
+
+    /// The mouse moved over a pixel of a view.
+    void pixelHovered(const ImageView& view, const QPoint& pixel);
+
+private:
+    void noteActivation(QMdiSubWindow* window);
+    void noteClosing(int id);
+
+    ViewStore m_store;
+    QMdiArea* m_area;
+    std::map<int, ImageView*> m_views;
+    std::vector<int> m_activations; ///< identifiers of the open views, the active one last
+    int m_lastId = 0;
+};
