@@ -20,7 +20,7 @@ BenchHost::BenchHost(const QString& pluginFile, const QString& pythonHome)
     , m_plugin(qobject_cast<CxScriptLangInterface*>(m_loader.instance()))
 {
     if (!m_plugin)
-        qFatal("the plugin does not load: %s", qPrintable(m_loader.errorString()));
+        qFatal("cannot load the plugin: %s", qPrintable(m_loader.errorString()));
     m_plugin->init();
     onlyHost = this;
 }

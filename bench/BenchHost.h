@@ -6,12 +6,12 @@
 #include <QtCore/QPluginLoader>
 #include <QtCore/QString>
 
-/// The plugin with a host without windows, for the whole of a benchmark program.
+/// The plugin in a host without windows. A benchmark program creates one and keeps it to the end.
 class BenchHost
 {
 public:
-    /// pluginFile  the plugin library; the program ends with a message when it does not load.
-    /// pythonHome  the home of its Python.
+    /// pluginFile  the plugin library. If it cannot be loaded, the program ends with a message.
+    /// pythonHome  the home directory of the plugin's Python.
     BenchHost(const QString& pluginFile, const QString& pythonHome);
 
     /// Ends the interpreter.
@@ -20,19 +20,19 @@ public:
     BenchHost(const BenchHost&) = delete;
     BenchHost& operator=(const BenchHost&) = delete;
 
-    /// Runs a script and drops what it prints. The program ends with a message when the script fails.
+    /// Runs a script and discards its output. If the script fails, the program ends with a message.
     void run(const QString& script);
 
-    /// Runs a script and returns what it prints.
+    /// Runs a script and returns its output. If the script fails, the program ends with a message.
     QString printedBy(const QString& script);
 
-    /// Runs a script, drops what it prints, and returns what it writes to its error stream.
+    /// Runs a script, discards its output, and returns what it writes to its error stream.
     QString errorTextOf(const QString& script);
 
     CxScriptLangInterface& plugin() { return *m_plugin; }
     FakeDelegate& delegate() { return m_delegate; }
 
-    /// The only one of the program.
+    /// The program's host. Must exist.
     static BenchHost& instance();
 
 private:

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int repetitions = 100000;
 
-/// Bytes of this process that are in memory.
+/// Resident memory of this process in bytes; 0 if it cannot be read.
 qint64 residentBytes()
 {
     QFile file(QStringLiteral("/proc/self/statm"));
@@ -21,7 +21,7 @@ qint64 residentBytes()
     return file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
 }
 
-/// Growth in bytes over what `work` does, once everything that is made only once is there.
+/// How many bytes `repetitions` of work add to the memory, after a warm-up for everything that is created only once.
 template<typename Work>
 qint64 growthOver(Work work)
 {
@@ -41,7 +41,7 @@ QString perItem(qint64 bytes)
 void measureMemory()
 {
     BenchHost& host = BenchHost::instance();
-    RatioTable::begin(QStringLiteral("memory that stays after 100,000 of them"));
+    RatioTable::begin(QStringLiteral("memory left after 100,000 repetitions"));
 
     const QString script = QStringLiteral("import math\nx = [math.pi]\nprint(x)\n");
     const qint64 runs = growthOver([&host, &script](int count) {
@@ -63,9 +63,9 @@ void measureMemory()
     const qint64 filled = growthOver([&makeImages](int count) { makeImages("img.alloc(64, 48, 3, 8)", count); });
     const qint64 empty = growthOver([&makeImages](int count) { makeImages("pass", count); });
     const QString header = host.printedBy(QStringLiteral("import sys\nprint(sys.getsizeof(vantrel.Image()), end='')"));
-    const QString goal = header + QStringLiteral(" B, the object's own record");
-    RatioTable::row(QStringLiteral("images of 64 x 48 x 3 made and dropped"), perItem(filled), goal);
-    RatioTable::row(QStringLiteral("empty images made and dropped"), perItem(empty), goal);
-    RatioTable::row(QStringLiteral("host images left over"), QString::number(CxImageData::liveCount() - imagesBefore),
+    const QString goal = header + QStringLiteral(" B, the size of the object");
+    RatioTable::row(QStringLiteral("images of 64 x 48 x 3, created and freed"), perItem(filled), goal);
+    RatioTable::row(QStringLiteral("empty images, created and freed"), perItem(empty), goal);
+    RatioTable::row(QStringLiteral("host images left"), QString::number(CxImageData::liveCount() - imagesBefore),
                     QStringLiteral("0"));
 }

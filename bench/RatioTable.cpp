@@ -4,10 +4,10 @@
 
 namespace {
 
-void print(const QString& name, const QString& seen, const QString& peer, const QString& ratio, const QString& goal)
+void print(const QString& name, const QString& measured, const QString& peer, const QString& ratio, const QString& goal)
 {
     const QString line =
-        QStringLiteral("%1 %2 %3 %4   %5\n").arg(name, -58).arg(seen, 12).arg(peer, 12).arg(ratio, 8).arg(goal);
+        QStringLiteral("%1 %2 %3 %4   %5\n").arg(name, -58).arg(measured, 12).arg(peer, 12).arg(ratio, 8).arg(goal);
     std::fputs(line.toUtf8().constData(), stdout);
     std::fflush(stdout);
 }
@@ -17,7 +17,7 @@ void print(const QString& name, const QString& seen, const QString& peer, const 
 void RatioTable::begin(const QString& title)
 {
     std::fputs("\n", stdout);
-    print(title, QStringLiteral("seen"), QStringLiteral("peer"), QStringLiteral("ratio"), QStringLiteral("goal"));
+    print(title, QStringLiteral("measured"), QStringLiteral("peer"), QStringLiteral("ratio"), QStringLiteral("goal"));
 }
 
 void RatioTable::timeRow(const QString& name, double ours, double peers, const QString& goal)
@@ -25,9 +25,9 @@ void RatioTable::timeRow(const QString& name, double ours, double peers, const Q
     print(name, readable(ours), readable(peers), QString::number(ours / peers, 'f', 2), goal);
 }
 
-void RatioTable::row(const QString& name, const QString& seen, const QString& goal)
+void RatioTable::row(const QString& name, const QString& measured, const QString& goal)
 {
-    print(name, seen, QString(), QString(), goal);
+    print(name, measured, QString(), QString(), goal);
 }
 
 QString RatioTable::readable(double seconds)

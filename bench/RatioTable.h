@@ -2,19 +2,19 @@
 
 #include <QtCore/QString>
 
-/// Prints figures side by side: what was seen, what its peer takes, the ratio and its goal.
+/// Prints a table of figures: the measured one, that of its peer (what it is compared with), the ratio and the goal.
 class RatioTable
 {
 public:
-    /// Prints the headings.
+    /// Prints the headings of a table.
     static void begin(const QString& title);
 
-    /// A time beside its peer's, both in seconds.
+    /// Prints a time and that of its peer, both in seconds.
     static void timeRow(const QString& name, double ours, double peers, const QString& goal);
 
-    /// A figure that has no peer.
-    static void row(const QString& name, const QString& seen, const QString& goal);
+    /// Prints a figure without a peer.
+    static void row(const QString& name, const QString& measured, const QString& goal);
 
-    /// A time as a person reads it.
+    /// A time as text, in s, ms, us or ns.
     static QString readable(double seconds);
 };

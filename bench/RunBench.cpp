@@ -1,4 +1,4 @@
-// What a run and its output cost beside the interpreter's own means.
+// The cost of a run and of its output, beside the interpreter's own ways to do the same.
 
 #include "BenchHost.h"
 
@@ -6,18 +6,18 @@
 
 namespace {
 
-/// The time that a script measured and wrote to its error stream, in seconds.
+/// Runs a script that measures a time and writes it to its error stream. Returns the time in seconds.
 double measuredBy(const QString& script)
 {
     bool ok = false;
     const QString written = BenchHost::instance().errorTextOf(script);
     const double seconds = written.toDouble(&ok);
     if (!ok)
-        qFatal("the script measured no time: %s", qPrintable(written));
+        qFatal("the script did not write a time: %s", qPrintable(written));
     return seconds;
 }
 
-/// `body` in a loop of `count` times, timed by the interpreter itself, in seconds of the processor.
+/// A script that runs `body` `count` times and writes the processor time of the loop, in seconds.
 QString timedLoop(const QString& setUp, const QString& body, int count)
 {
     return QStringLiteral("import io, sys, time\n"
@@ -61,7 +61,7 @@ void prints(benchmark::State& state, const char* setUp)
 
 } // namespace
 
-// Scripts that time themselves run a fixed number of times: the library cannot see how long they really take.
+// Scripts that time themselves run a fixed number of times, because the library cannot tell how long they really take.
 BENCHMARK_CAPTURE(runOf, empty, "")->MinTime(0.2)->Repetitions(5);
 BENCHMARK_CAPTURE(execOf, empty, "")->UseManualTime()->Iterations(30)->Repetitions(5);
 BENCHMARK_CAPTURE(runOf, pass, "pass")->MinTime(0.2)->Repetitions(5);

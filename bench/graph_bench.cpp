@@ -1,5 +1,5 @@
-// Drawing graphs into images, beside the same plot painted by the bare plotting library, and the exchange of red and
-// blue, beside OpenCV's.
+// Drawing graphs into images, beside the same plot by the plotting library alone. Swapping red and blue, beside
+// OpenCV.
 
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
@@ -94,11 +94,11 @@ BENCHMARK(swapRedAndBlue)->Arg(3)->Arg(4)->ArgName("channels")->Unit(benchmark::
 
 void cvtColor(benchmark::State& state)
 {
-    // On one thread, as the exchange itself.
+    // On one thread, like SwapRedAndBlue().
     cv::setNumThreads(1);
     SxPicBuf buffer = makeBuffer(unsigned(state.range(0)));
     cv::Mat pixels(height, width, CV_8UC(int(buffer.channels)), buffer.data, buffer.lineStride);
-    cv::Mat swapped = pixels; // a header of its own: given one for both, OpenCV copies first
+    cv::Mat swapped = pixels; // a second header: with one header for both, OpenCV makes a copy first
     const int code = buffer.channels == 4 ? cv::COLOR_BGRA2RGBA : cv::COLOR_BGR2RGB;
     for ([[maybe_unused]] auto _ : state)
         cv::cvtColor(pixels, swapped, code);

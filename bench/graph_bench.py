@@ -1,6 +1,6 @@
-"""Drawing graphs as a script does it, beside Matplotlib's Agg canvas, and adding points, beside a list.
+"""Times graphs in scripts: drawing, beside Matplotlib's Agg canvas, and adding points, beside a list.
 
-Run with `vantrel run`. Each line: what, the best time of several rounds, and how it compares.
+Run it with `vantrel run`. Each line has the action, the best time of several rounds and a comparison.
 """
 import math
 import time

@@ -1,5 +1,5 @@
-// Copying arrays and drawing lines without an interpreter: the quick ways beside the plain walk, and beside the C
-// library and OpenCV.
+// Copying arrays and drawing lines without an interpreter: the fast code beside the simple loops, the C library and
+// OpenCV.
 
 #include "CxPicBufAPI.h"
 #include "image/ArrayCopy.h"
@@ -28,7 +28,7 @@ struct Picture {
     Picture(const Picture&) = delete;
     Picture& operator=(const Picture&) = delete;
 
-    /// The array lies in memory with rowGap bytes after each row.
+    /// The layout of an array in `memory`, with rowGap bytes after each row.
     ArrayLayout layout(std::int64_t rowGap) const
     {
         const auto pixelBytes = std::int64_t(buffer.bytesPerPixel());
@@ -52,12 +52,12 @@ bool copyAsOne(const ArrayLayout& source, SxPicBuf& buffer)
     return copyArray(source, buffer);
 }
 
-void copyWith(benchmark::State& state, Copy copy, unsigned channels, ExImageDataType type, bool exchanged,
+void copyWith(benchmark::State& state, Copy copy, unsigned channels, ExImageDataType type, bool transposed,
               std::int64_t rowGap)
 {
     Picture picture(channels, type);
     ArrayLayout layout = picture.layout(rowGap);
-    if (exchanged) {
+    if (transposed) {
         layout.xStride = layout.channelStride * channels * height;
         layout.yStride = layout.channelStride * channels;
     }
@@ -102,8 +102,8 @@ BENCHMARK_CAPTURE(copyWith, rows_8bit, copyAsOne, 1, u8, false, 64);
 BENCHMARK_CAPTURE(copyWith, by_values_8bit, copyArrayByValues, 1, u8, false, 0);
 BENCHMARK_CAPTURE(copyWith, block_16bit, copyAsOne, 1, u16, false, 0);
 BENCHMARK_CAPTURE(copyWith, block_3x8bit, copyAsOne, 3, u8, false, 0);
-BENCHMARK_CAPTURE(copyWith, exchanged_axes_8bit, copyAsOne, 1, u8, true, 0);
-BENCHMARK_CAPTURE(copyWith, exchanged_axes_16bit, copyAsOne, 1, u16, true, 0);
+BENCHMARK_CAPTURE(copyWith, transposed_8bit, copyAsOne, 1, u8, true, 0);
+BENCHMARK_CAPTURE(copyWith, transposed_16bit, copyAsOne, 1, u16, true, 0);
 BENCHMARK(line);
 BENCHMARK(lineByOpenCv);
 

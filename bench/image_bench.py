@@ -2,8 +2,8 @@
 
     build/bin/vantrel run bench/image_bench.py
 
-The contenders of a row take turns, and each one's best turn counts: what else the machine does meanwhile touches all of
-them alike. A ratio below 1 means that vantrel is the faster one.
+The functions of a row take turns, and the best turn of each counts, so that other work of the machine affects all of
+them alike. A ratio below 1 means that vantrel is faster.
 """
 
 import gc
@@ -20,12 +20,12 @@ WIDTH, HEIGHT = 1920, 1200
 TURNS = 25
 TURN_SECONDS = 0.01
 
-# Scripts run on one thread, and so do the peers here.
+# Scripts run on one thread, so the peers do too.
 cv2.setNumThreads(1)
 
 
 def best_times(functions):
-    """Seconds per call of each function."""
+    """The seconds per call of each function."""
     counts = []
     for function in functions:
         function()
@@ -45,7 +45,7 @@ def best_times(functions):
 
 
 def compare(what, ours, *peers):
-    """Prints a line for each peer, given as name, function and the goal for the ratio (or None)."""
+    """Print a line for each peer. A peer is a name, a function and the goal for the ratio, which may be None."""
     times = best_times([ours] + [function for _, function, _ in peers])
     for (name, _, goal), peer in zip(peers, times[1:]):
         ratio = times[0] / peer
@@ -143,11 +143,11 @@ def memory():
                     ("12 bit in 16, 100 megapixels", numpy.full((10000, 10000), 4000, "u2")),
                     ("3 x 8 bit, 33 megapixels", numpy.full((5773, 5773, 3), 200, "u1"))):
         with open("/proc/self/clear_refs", "w") as file:
-            file.write("5")  # the peak starts anew
+            file.write("5")  # resets the peak
         before = kilobytes("VmHWM:")
         img = image_of(a)
         images = (kilobytes("VmHWM:") - before) * 1024 / a.nbytes
-        print("%-34s %10.2f further images   goal 1.00 %s" % (name, images, "met" if images < 1.02 else "MISSED"),
+        print("%-34s %10.2f times the array   goal 1.00 %s" % (name, images, "met" if images < 1.02 else "MISSED"),
               flush=True)
         del img
 

@@ -1,4 +1,4 @@
-// Runs the benchmarks: the C++ side, the Python side in the plugin's interpreter, memory.
+// Runs the benchmarks: in C++, in Python in the plugin's interpreter, and of memory.
 //
 //   vantrel_bench --plugin=FILE --python-home=DIR --script=FILE [options of the benchmark library]
 
@@ -18,7 +18,7 @@
 
 namespace {
 
-/// Prints and keeps the fastest repetition of each benchmark: the others were disturbed by the rest of the machine.
+/// Prints and keeps the fastest repetition of each benchmark, since other work of the machine slows the others down.
 class FastestReporter : public benchmark::ConsoleReporter
 {
 public:
@@ -32,11 +32,12 @@ public:
         seconds[fastest->run_name.function_name] = secondsOf(*fastest);
     }
 
-    // Of the processor, so that other programs on the machine do not count; what a benchmark timed by itself is "real".
+    // Processor time, which leaves other programs out. The library reports a time that a benchmark measured itself as
+    // "real" time.
     static double secondsOf(const Run& run)
     {
-        const bool byItself = run.benchmark_name().find("manual_time") != std::string::npos;
-        const double time = byItself ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
+        const bool timedItself = run.benchmark_name().find("manual_time") != std::string::npos;
+        const double time = timedItself ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
         return time / benchmark::GetTimeUnitMultiplier(run.time_unit);
     }
 
@@ -63,7 +64,7 @@ void printRunRatios(const std::map<std::string, double>& seconds)
         QStringLiteral("below 2"));
 }
 
-/// Runs the Python side. Its lines "ROW<tab>name<tab>seconds<tab>peer's seconds or None<tab>goal" become rows.
+/// Runs a script and turns its lines "ROW<tab>name<tab>seconds<tab>peer's seconds or None<tab>goal" into rows.
 void runScriptBench(const QString& fileName)
 {
     QFile file(fileName);

@@ -1,4 +1,4 @@
-# The Python side: run by vantrel_bench in the plugin's own interpreter, beside the libraries that scripts use instead.
+# Benchmarks in Python. vantrel_bench runs them in the plugin's interpreter, beside libraries for the same purpose.
 # Prints a line "ROW<tab>name<tab>seconds<tab>peer's seconds or None<tab>goal" for each comparison.
 
 import time
@@ -6,7 +6,7 @@ import timeit
 
 
 def seconds(statement, unrolled=1, **names):
-    """Best processor time of a statement, repeated `unrolled` times in the loop so that the loop itself does not count."""
+    """Best processor time of a statement. `unrolled` repetitions in the loop make the cost of the loop negligible."""
     timer = timeit.Timer("\n".join([statement] * unrolled), timer=time.process_time, globals=names)
     number, _ = timer.autorange()
     number = max(1, number // 4)
@@ -49,7 +49,7 @@ def library(name):
     try:
         return __import__(name, fromlist=["*"])
     except ImportError:
-        print(f"{name} is missing in this interpreter: its rows are left out")
+        print(f"{name} is not installed for this interpreter, so its rows are left out")
         return None
 
 

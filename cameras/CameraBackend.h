@@ -9,35 +9,37 @@
 class CxCameraParameters;
 class CxImageData;
 
-/// What brings a kind of camera into the viewer: one object for each camera.
+/// A camera as the viewer drives it; each kind of camera implements this class.
 ///
-/// Parameters and the region of interest arrive through the operations of IxCameraDevice, on the thread that writes
-/// them; everything below is called on the GUI thread.
+/// The parameter store writes parameters and the region of interest through IxCameraDevice, on the thread that uses the
+/// store. Everything below is called on the GUI thread.
 class CameraBackend : public IxCameraDevice
 {
 public:
     ~CameraBackend() override;
 
-    /// Opens the camera with its default settings. False when it cannot be reached.
+    /// Opens the camera with its default settings. False if the camera cannot be reached.
     virtual bool open() = 0;
 
-    /// Ends the acquisition and closes the camera. The parameter store outlives this until the camera is closed again,
-    /// for scripts on other threads that are just using it.
+    /// Ends the acquisition and closes the camera. The parameter store stays alive until the camera has been opened and
+    /// closed again, since a script on another thread may still be using it.
     virtual void close() = 0;
 
-    /// The parameter store of the opened camera, a new one with each opening; null while closed. Owned by the back end.
+    /// The parameter store of the open camera, owned by this object; null while the camera is closed. Each opening
+    /// makes a new store.
     virtual CxCameraParameters* parameters() = 0;
 
-    /// Starts the acquisition; true when it runs, also when it ran already.
+    /// Starts the acquisition. True if it is running afterwards, also if it was running before.
     virtual bool start() = 0;
 
     virtual void stop() = 0;
 
     virtual bool isRunning() const = 0;
 
-    /// Time until the next frame is due, zero when it is; nothing when no frame can come as things stand.
+    /// Time until the next frame is due; zero if a frame is due now. Nothing if no frame can come with the current
+    /// settings.
     virtual std::optional<std::chrono::microseconds> timeToNextFrame() const = 0;
 
-    /// The frame that is due, with its metadata, or null when none is.
+    /// The frame that is due, with its metadata. Null if no frame is due or there is not enough memory.
     virtual std::unique_ptr<CxImageData> nextFrame() = 0;
 };

@@ -1,4 +1,4 @@
-// Classes known by name at run time.
+// The registry of classes that are known by name at run time.
 
 #include "CxRTTI.h"
 #include "chain/ChainStages.h"

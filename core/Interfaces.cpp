@@ -1,4 +1,5 @@
-// Destructors of the abstract host classes: one home for their type information, so that casts work across libraries.
+// The destructors of the abstract host classes. Defining them here keeps the type information of each class in one
+// library, so that casts work across libraries.
 
 #include "CxImageFileLoader.h"
 #include "CxImageFileSaver.h"

@@ -28,7 +28,7 @@ double numberInText(const QString& text)
 
 QString shortestText(float value)
 {
-    // Exponents only where a plain number would be a row of zeros.
+    // An exponent only where a plain number would be mostly zeros.
     const float magnitude = std::fabs(value);
     const bool plain = magnitude == 0.0F || (magnitude >= 1e-4F && magnitude < 1e9F);
     std::array<char, 64> digits;
@@ -98,7 +98,7 @@ float CxValue::toFloat() const
     case Boolean:
         return m_bool ? 1.0F : 0.0F;
     case String: {
-        // A double beyond the range of float must not be narrowed as it stands: the result would be undefined.
+        // Converting a double beyond the range of float is undefined behaviour.
         const double value = numberInText(m_string);
         constexpr double limit = double(std::numeric_limits<float>::max());
         if (std::fabs(value) > limit)

@@ -2,8 +2,8 @@
 
     ./vantrel run examples/annotate.py
 
-reads data/scene12.tif and writes annotate/marked.png, both below the working directory, which is this script's own
-folder unless --workdir names another.
+It reads data/scene12.tif and writes annotate/marked.png. Both paths start at the working directory: this script's
+folder, unless --workdir sets another.
 """
 import vantrel
 
@@ -12,7 +12,7 @@ RED, GREEN, YELLOW = (0, 0, 255), (0, 255, 0), (0, 255, 255)  # colours are stor
 
 
 def draw_line(img: vantrel.Image, color: tuple, x1: int, y1: int, x2: int, y2: int) -> None:
-    """A line goes into one channel; a colour takes one line for each."""
+    """Draw a line into each channel, since draw_pixel_line() draws into one channel only."""
     for channel, value in enumerate(color):
         img.draw_pixel_line(value, x1, y1, x2, y2, channel)
 
@@ -34,7 +34,7 @@ x = brightest(source.measure_column_profiles_in_rect())
 y = brightest(source.measure_row_profiles_in_rect())
 print("brightest column %d, brightest row %d, value %d there" % (x, y, source.get_pixel_value(x, y)))
 
-# The file keeps 12-bit values in 16 bits. Told so, the full scale of 12 bits becomes the full scale of the colours.
+# The file stores 12-bit values in 16 bits. With bpc set to 12, the full scale of 12 bits becomes that of the colours.
 marked = source.convert_bpc(12, False).to_rgb()
 last_x, last_y = marked.width - 1, marked.height - 1
 left, top = max(0, x - MARK_SIZE), max(0, y - MARK_SIZE)

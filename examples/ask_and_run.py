@@ -1,31 +1,31 @@
 """Ask and run: asks for a level, shows a message box, and runs another script with the answer.
 
-Run it in the viewer, or unattended with its answers:
+Run it in the viewer, or unattended with the answers on the command line:
 
     ./vantrel run --answer 40 --answer "Show it" examples/ask_and_run.py
 
-Without answers it is as if the user closed the question.
+Without answers the script runs as if the user closed the question.
 """
 import vantrel
 
 if vantrel.get_active_view_id() < 0:
     vantrel.open_file("data/scene12.tif")
 
-answer = vantrel.ask_user_for_string("Threshold", "Brightness to look for, in percent of full scale:")
+answer = vantrel.ask_user_for_string("Threshold", "Brightness level in percent of full scale:")
 try:
     percent = int(answer)
 except ValueError:
-    percent = -1  # closed, left empty, or no number
+    percent = -1  # closed, left empty, or not a number
 
 if not 0 <= percent <= 100:
-    print("no level from 0 to 100 was given: %r" % answer)
+    print("not a level from 0 to 100: %r" % answer)
 else:
-    pressed = vantrel.message_box("Threshold", "Show in the view what reaches %d %% of full scale?" % percent,
+    pressed = vantrel.message_box("Threshold", "Show the pixels that reach %d %% of full scale?" % percent,
                                   "Show it", "Not now")
     if pressed == 1:
-        # The other script finds the answer in the store. It would also see this script's own variables.
+        # The other script reads the answer from the store. It could also see this script's variables.
         vantrel.set_global_variable_int("threshold.percent", percent)
         vantrel.run_script("tools/threshold.py")
-        vantrel.show_notification("Shown: what reaches %d %% of full scale" % percent)
+        vantrel.show_notification("Showing the pixels that reach %d %% of full scale" % percent)
     else:
         print("nothing was changed")

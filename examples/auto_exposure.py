@@ -2,8 +2,8 @@
 
     ./vantrel run examples/auto_exposure.py
 
-It takes the first camera. A sensor is linear until it saturates: the exposure that is wanted follows from one picture
-that is neither dark nor saturated, and each further picture makes it more exact.
+It uses the first camera. A sensor is linear until it saturates, so one picture that is neither dark nor saturated is
+enough to calculate the exposure. Each further picture makes the exposure more exact.
 """
 import vantrel
 
@@ -27,7 +27,7 @@ step = int(cam.get_exposure_increment() or 1)
 
 view = cam.start_acquisition()
 if view < 0:
-    raise RuntimeError("the camera does not start")
+    raise RuntimeError("the camera did not start")
 found = False
 try:
     for number in range(1, MOST_FRAMES + 1):
@@ -41,7 +41,7 @@ try:
         if abs(level - GOAL) <= TOLERANCE:
             found = True
             break
-        # Close to the ends the picture tells little: then the exposure goes by a fixed factor.
+        # A very dark or bright picture tells little, so change the exposure by a fixed factor.
         if level < 0.01:
             factor = 16.0
         elif level > 0.95:

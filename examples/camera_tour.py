@@ -1,4 +1,4 @@
-"""Lists every open camera: what it says about itself, and its parameters with their ranges.
+"""Lists every open camera with its description and its parameters with their ranges.
 
     ./vantrel run --sim-cameras 4 examples/camera_tour.py
 """
@@ -12,7 +12,7 @@ PARAMETERS = ("exposure", "gain", "black_level", "framerate", "auto_exposure", "
 
 
 def shown(cam: vantrel.Camera, name: str) -> Optional[str]:
-    """The value as a text; empty when there is none, nothing when the camera does not support the parameter."""
+    """The value as text: "" if there is no value, None if the camera does not support the parameter."""
     try:
         value = cam.get_param(name)
     except Exception:

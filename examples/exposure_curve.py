@@ -2,7 +2,7 @@
 
     ./vantrel run --show examples/exposure_curve.py
 
-uses the first open camera, a simulated one unless another is opened.
+It uses the first open camera, which is a simulated one unless you open another.
 """
 from typing import List, Tuple
 
@@ -13,8 +13,8 @@ SECONDS_FOR_A_FRAME = 3.0
 
 
 def mean_level(view: int) -> float:
-    """The mean of all channels of the next frame that was exposed as it is set now."""
-    for _ in range(2):  # the frame under way was begun with the old setting
+    """The mean of all channels of the first frame with the current exposure."""
+    for _ in range(2):  # the next frame may still have the old exposure
         if not vantrel.wait_for_next_frame(SECONDS_FOR_A_FRAME, view):
             raise RuntimeError("no frame came within %.0f seconds" % SECONDS_FOR_A_FRAME)
     stats = vantrel.get_view_image(view).measure_rect()

@@ -4,8 +4,8 @@ Run it with
 
     ./vantrel run examples/first_light.py
 
-It reads data/scene12.tif and writes to the folder first_light, both below the working directory, which is this script's
-own folder unless --workdir names another.
+It reads data/scene12.tif and writes to the folder first_light. Both paths start at the working directory: this script's
+folder, unless --workdir sets another.
 """
 import sys
 
@@ -14,11 +14,11 @@ import vantrel
 try:
     import numpy
 except ImportError:
-    # Not sys.exit(), which would end the whole application.
+    # Do not call sys.exit(): it would end the whole application.
     raise RuntimeError("first_light needs NumPy, which is not installed for this Python "
                        + sys.version.split()[0]) from None
 
-# A view on the file, and a copy of what it shows.
+# Open the file in a view and get a copy of the image that the view shows.
 view = vantrel.open_file("data/scene12.tif")
 print("opened data/scene12.tif in view", view)
 
@@ -27,13 +27,13 @@ print(img)
 for name in ("width", "height", "channels", "bpc", "rgb", "padding_x", "data_saturation"):
     print("  %-16s %s" % (name, getattr(img, name)))
 
-# NumPy sees the image's own memory, first axis x and second axis y: nothing is copied.
+# NumPy uses the image's own memory without a copy. The first axis is x, the second is y.
 pixels = numpy.asarray(img)
 shared = pixels.__array_interface__["data"][0] == img.bp
 print("array", pixels.shape, pixels.dtype, "shares the image's memory:", shared)
 print("values from %d to %d, mean %.1f" % (pixels.min(), pixels.max(), pixels.mean()))
 
-# Take the uneven light out: fit a plane plus a bowl to the dark half of the picture, and subtract it.
+# Remove the uneven light: fit a plane plus a bowl to the darker half of the picture and subtract it.
 width, height = pixels.shape
 x, y = numpy.meshgrid(numpy.linspace(-1, 1, width), numpy.linspace(-1, 1, height), indexing="ij")
 terms = numpy.stack([numpy.ones_like(x), x, y, x * x, x * y, y * y], axis=-1)
@@ -41,14 +41,14 @@ dark = pixels < numpy.median(pixels)
 factors = numpy.linalg.lstsq(terms[dark], pixels[dark].astype(float), rcond=None)[0]
 flat = pixels - terms @ factors
 
-# Writing through the array changes the image itself: stretched to the full 12 bits, with a white frame.
+# Writing to the array changes the image itself. Stretch the values to the full 12 bits and draw a white frame.
 full = 2 ** img.bpc - 1
 pixels[:] = numpy.clip(flat * (full / flat.max()), 0, full)
 pixels[:2, :] = pixels[-2:, :] = full
 pixels[:, :2] = pixels[:, -2:] = full
 print("changed through the array: values from %d to %d, mean %.1f" % (pixels.min(), pixels.max(), pixels.mean()))
 
-# The view gets a copy of the image; saving takes what the active view shows, and makes the folders that are missing.
+# The view gets a copy of the image. save_to_file() saves what the active view shows and creates missing folders.
 result = vantrel.new_view_with_image(img, "First light")
 for name in ("first_light/scene.png", "first_light/scene.tif"):
     vantrel.activate_view(result)

@@ -1,9 +1,9 @@
-"""Shows the histogram of a picture file's channels as a graph in a view of its own.
+"""Shows the histogram of a picture's channels as a graph in a new view.
 
     ./vantrel run --show examples/histogram.py
 
-reads data/scene12.tif below the working directory, which is this script's own folder unless --workdir names another.
-For a file of your own, hand it over as the variable `picture`:
+It reads data/scene12.tif below the working directory: this script's folder, unless --workdir sets another. To use your
+own file, pass it as the variable `picture`:
 
     ./vantrel run --show --image picture=FILE examples/histogram.py
 """
@@ -12,13 +12,13 @@ from typing import List
 import vantrel
 
 SIZE = (800, 500)
-# Colours are stored blue first, and so are the lines: one for each channel, or a grey one.
+# One line for each channel. Colours are stored blue first, so the lines have the same order.
 NAMES_AND_COLORS = {1: [("grey", (110, 110, 110))],
                     3: [("blue", (30, 60, 230)), ("green", (0, 150, 40)), ("red", (220, 30, 30))]}
 
 
 def channel_bytes(img: vantrel.Image, channel: int) -> bytes:
-    """The values of one channel of an 8-bit image; rows may be padded, so each is cut to its pixels."""
+    """The values of one channel of an 8-bit image, without the padding that rows may have."""
     data = img.get_image_data_raw()
     stride, used = len(data) // img.height, img.width * img.channels
     return b"".join(data[y * stride + channel:y * stride + used:img.channels] for y in range(img.height))

@@ -1,9 +1,9 @@
-"""Draws the mean brightness of a picture's rows and columns as a graph on dark ground and saves it as PNG.
+"""Draws the mean brightness of a picture's rows and columns as a graph with dark background and saves it as PNG.
 
     ./vantrel run examples/line_profile.py
 
-reads data/scene12.tif and writes line_profile/profile.png, both below the working directory, which is this script's own
-folder unless --workdir names another. For a file of your own, hand it over as the variable `picture`:
+It reads data/scene12.tif and writes line_profile/profile.png. Both paths start at the working directory: this script's
+folder, unless --workdir sets another. To use your own file, pass it as the variable `picture`:
 
     ./vantrel run --image picture=FILE examples/line_profile.py
 """

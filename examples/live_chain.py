@@ -1,11 +1,11 @@
-"""Live chain: a live camera with a gain and a blur stage, and a picture of before and after.
+"""Live chain: adds a gain and a blur stage to a live camera, and shows a frame before and a frame after that.
 
 Run it with
 
     ./vantrel run examples/live_chain.py
 
-It takes the first camera and writes live_chain.png into the working directory, which is this script's own folder unless
---workdir names another.
+It uses the first camera and writes live_chain.png to the working directory: this script's folder, unless --workdir sets
+another.
 """
 import vantrel
 
@@ -17,14 +17,14 @@ cam.open_device(0)
 print("camera:", cam.get_device_info_string("device_name"))
 view = cam.start_acquisition()
 if view < 0:
-    raise RuntimeError("the camera does not start")
+    raise RuntimeError("the camera did not start")
 
 try:
     if not vantrel.wait_for_next_frame(5.0, view):
         raise RuntimeError("no frame came")
     before = vantrel.get_view_image(view)
 
-    # From here on every frame of the active view passes the two stages before it is shown.
+    # From now on the two stages process every frame of the active view before it is shown.
     vantrel.add_chain_object("Gain", {"gain": 2.0, "offset": 0})
     vantrel.add_chain_object("Gaussian Blur", {"sigma": 4.0})
     if not vantrel.wait_for_next_frame(5.0, view):
@@ -37,7 +37,7 @@ for name, img in (("before", before), ("after", after)):
     stats = img.measure_rect()[0]
     print("%-6s  mean %6.1f  standard deviation %6.1f" % (name, stats["mean"], stats["stdev"]))
 
-# The two side by side.
+# Put the two frames side by side.
 both = vantrel.Image()
 both.alloc(2 * before.width, before.height, before.channels, before.bpc)
 before.copy_rect_to(0, 0, before.width, before.height, both, 0, 0)

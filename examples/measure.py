@@ -1,9 +1,9 @@
-"""Measures a picture file: statistics as a whole, and profiles along its rows and columns, as tables.
+"""Measures a picture and prints tables: statistics of the whole picture, and profiles of its rows and columns.
 
     ./vantrel run examples/measure.py
 
-reads data/scene12.tif below the working directory, which is this script's own folder unless --workdir names another.
-To measure a file of your own, hand it over as the variable `picture`:
+It reads data/scene12.tif below the working directory: this script's folder, unless --workdir sets another. To measure
+your own file, pass it as the variable `picture`:
 
     ./vantrel run --image picture=FILE examples/measure.py
 """
@@ -24,7 +24,7 @@ def print_line(name: str, stats: Dict[str, Any]) -> None:
 
 
 def print_profiles(title: str, profiles: List[List[Dict[str, Any]]]) -> None:
-    """Prints every so many of the profiles, so that the table stays short."""
+    """Print evenly spaced profiles only, to keep the table short."""
     print()
     print_head(title)
     step = max(1, len(profiles) // LINES_SHOWN)
@@ -55,6 +55,6 @@ for name, x, y in (("top left", 0, 0), ("top right", half_width, 0), ("bottom le
 print_profiles("row", picture.measure_row_profiles_in_rect())
 print_profiles("column", picture.measure_column_profiles_in_rect())
 
-# Where does most happen? Rows that vary little show no detail.
-liveliest = max(enumerate(picture.measure_row_profiles_in_rect()), key=lambda entry: entry[1][0]["stdev"])[0]
-print("\nthe row that varies most is", liveliest)
+# Rows that vary little show no detail.
+most_varied = max(enumerate(picture.measure_row_profiles_in_rect()), key=lambda entry: entry[1][0]["stdev"])[0]
+print("\nthe row that varies most is", most_varied)

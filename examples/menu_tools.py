@@ -4,8 +4,8 @@ Choose it in the viewer (Script, Run Script...), or run it with
 
     ./vantrel run examples/menu_tools.py
 
-The tools are the scripts in the folder tools beside this one. Each item runs its script on the active view; its tool tip
-says what it does. An item that is chosen while a script runs waits until that has ended.
+The tools are the scripts in the folder tools next to this script. Each item runs its script on the active view, and its
+tooltip says what the script does. An item that is chosen while a script runs waits until that script has ended.
 """
 import vantrel
 
@@ -16,9 +16,9 @@ TOOLS = (
     ("Half Size", "tools/half_size.py", "Open the active view's image again, half as large"),
 )
 
-# Values left in the store outlive this run: the items are added once, however often the script is chosen.
+# The store keeps its values after this run, so the items are added only once, however often the script runs.
 if vantrel.get_global_variable_int("menu_tools.added") == 1:
-    print("the tools are in the menu already")
+    print("the tools are already in the menu")
 else:
     for name, script, tip in TOOLS:
         vantrel.add_menu_item(name, script, SUBMENU, tip)
@@ -26,7 +26,7 @@ else:
     vantrel.set_global_variable_int("menu_tools.added", 1)
     vantrel.show_notification("%d tools are in the menu Script > %s." % (len(TOOLS), SUBMENU))
 
-# Without a view there is nothing to try them on.
+# If there is no view, open a picture and try the tools on it.
 if vantrel.get_active_view_id() < 0:
     vantrel.open_file("data/scene12.tif")
     for name, script, tip in TOOLS:

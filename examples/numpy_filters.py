@@ -2,13 +2,13 @@
 
     ./vantrel run examples/numpy_filters.py
 
-A lens lets less light through to the corners, and a sensor adds an offset of its own. Two calibration pictures take
-both out: a dark one (no light) and a flat one (an evenly lit surface):
+A lens passes less light to the corners, and a sensor adds an offset to each pixel. Two calibration pictures remove both
+errors: a dark one (no light) and a flat one (an evenly lit surface):
 
     corrected = (raw - dark) * mean(flat - dark) / (flat - dark)
 
-The pictures are made up here, so that the result can be compared with the truth; with a camera they come from
-cam.capture_image().
+This script calculates its pictures, so that it can compare the result with the truth. With a camera, get the pictures
+from cam.capture_image().
 """
 import sys
 
@@ -17,7 +17,7 @@ import vantrel
 try:
     import numpy
 except ImportError:
-    # Not sys.exit(), which would end the whole application.
+    # Do not call sys.exit(): it would end the whole application.
     raise RuntimeError("numpy_filters needs NumPy, which is not installed for this Python "
                        + sys.version.split()[0]) from None
 
@@ -29,24 +29,24 @@ def to_image(values: "numpy.ndarray") -> vantrel.Image:
     rounded = numpy.ascontiguousarray(numpy.clip(numpy.rint(values), 0, FULL_SCALE).astype(numpy.uint16))
     img = vantrel.Image()
     img.from_array(rounded)
-    # The bits in use were counted; whatever they are, the picture is one of 12 bits.
+    # from_array() sets bpc to the bits that the values use, which may be fewer than 12.
     return img.convert_bpc(12, False)
 
 
 def to_array(img: vantrel.Image) -> "numpy.ndarray":
-    """The values as rows of numbers: an image's array has the axes x, y. Calculating makes copies anyway."""
+    """A copy of the values as rows of numbers. (The axes of an image's own array are x, y.)"""
     return numpy.asarray(img).T.astype(float)
 
 
 def unevenness(img: vantrel.Image) -> float:
-    """How far the corners and the middle of a picture of an even surface are apart, in per cent."""
+    """The difference between the brightest and darkest of nine regions, in percent of the brightest."""
     size = 40
     means = [img.measure_rect(x, y, size, size)[0]["mean"]
              for x in (0, (WIDTH - size) // 2, WIDTH - size) for y in (0, (HEIGHT - size) // 2, HEIGHT - size)]
     return 100.0 * (max(means) - min(means)) / max(means)
 
 
-# What a camera with such a lens sees of an even surface, and of a scene of stripes.
+# The lens, the sensor's offset, and a scene of stripes.
 noise = numpy.random.default_rng(12)
 x, y = numpy.meshgrid(numpy.linspace(-1, 1, WIDTH), numpy.linspace(-1, 1, HEIGHT))
 vignetting = 1.0 - 0.35 * (x * x + y * y) / 2
@@ -74,12 +74,12 @@ def correct(img: vantrel.Image) -> vantrel.Image:
 corrected = correct(raw)
 print("corrected", corrected)
 
-# The measure of success: an even surface looks even.
+# The correction works if an even surface looks even.
 surface = exposure(numpy.full((HEIGHT, WIDTH), 2000.0))
 before, after = unevenness(surface), unevenness(correct(surface))
 print("an even surface varies by %.1f %% before and %.1f %% after the correction" % (before, after))
 if after > 1.0:
-    raise RuntimeError("the correction did not even out the picture")
+    raise RuntimeError("the corrected picture is still uneven")
 
 vantrel.new_view_with_image(raw, "Raw")
 vantrel.new_view_with_image(corrected, "Corrected")

@@ -1,19 +1,20 @@
-"""Photon transfer: the gain of a sensor from its noise.
+"""Photon transfer: measures the gain of a sensor from its noise.
 
     ./vantrel run examples/photon_transfer.py
 
-Light comes in quanta, so that a pixel that collects N electrons varies by the square root of N. The variance of the
-values therefore grows in proportion to their mean, and the slope is the sensor's gain: values per electron.
+Light comes in quanta, so the noise of a pixel that collects N electrons is the square root of N. The variance of the
+pixel values is therefore proportional to their mean, and the slope is the sensor's gain in values per electron.
 
-It takes the last camera that is open. From two frames of each exposure the mean comes from their sum, and the variance
-from their difference, in which everything that stands still cancels. A part of the picture that does not move is used.
+The script uses the last open camera and takes two frames at each exposure. The sum of the frames gives the mean, and
+their difference the variance, since everything that stands still cancels out. It uses a part of the picture that does
+not move.
 """
 from typing import List, Tuple
 
 import vantrel
 
 EXPOSURES = (500, 1000, 2000, 4000, 6000, 8000, 10000)
-ROUNDING = 1.0 / 12  # variance that comes from storing whole numbers
+ROUNDING = 1.0 / 12  # variance from rounding to whole numbers
 
 
 def next_frame(view: int) -> vantrel.Image:
@@ -23,14 +24,14 @@ def next_frame(view: int) -> vantrel.Image:
 
 
 def slope(points: List[Tuple[float, float]]) -> float:
-    """Of the line through the points that has the least squares of distances."""
+    """The slope of the least-squares line through the points."""
     mean_x = sum(x for x, _ in points) / len(points)
     mean_y = sum(y for _, y in points) / len(points)
     return (sum((x - mean_x) * (y - mean_y) for x, y in points) / sum((x - mean_x) ** 2 for x, _ in points))
 
 
 def values(img: vantrel.Image) -> List[float]:
-    """The values of the still part, row by row."""
+    """The values of the first channel in the still part, row by row."""
     width, height = img.width // 8, img.height // 8
     left, top = img.width - width - 8, img.height * 3 // 16
     pixels = memoryview(img.get_image_data_raw())
@@ -55,7 +56,7 @@ cam.set_black_level(0)
 cam.set_framerate(cam.get_framerate_maximum() or 30.0)
 view = cam.start_acquisition()
 if view < 0:
-    raise RuntimeError("the camera does not start")
+    raise RuntimeError("the camera did not start")
 
 points: List[Tuple[float, float]] = []
 try:

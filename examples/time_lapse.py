@@ -1,9 +1,9 @@
-"""Time lapse: saves a number of frames at an interval into a folder.
+"""Time lapse: saves frames to a folder at a fixed interval.
 
     ./vantrel run examples/time_lapse.py
 
-It takes the first camera and writes time_lapse/frame_000.png and so on below the working directory, which is this
-script's own folder unless --workdir names another.
+It uses the first camera and writes time_lapse/frame_000.png and so on. The paths start at the working directory: this
+script's folder, unless --workdir sets another.
 """
 import time
 
@@ -20,11 +20,11 @@ cam = vantrel.Camera()
 cam.open_device(0)
 view = cam.start_acquisition()
 if view < 0:
-    raise RuntimeError("the camera does not start")
+    raise RuntimeError("the camera did not start")
 try:
     begin = time.monotonic()
     for number in range(FRAMES):
-        # Counted from the beginning, so that the time that saving takes does not add up.
+        # Count each interval from the beginning, so that the time for saving does not add up.
         vantrel.wait(max(0.0, begin + number * INTERVAL - time.monotonic()))
         if not vantrel.wait_for_next_frame(5.0, view):
             raise RuntimeError("no frame came")

@@ -7,44 +7,44 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// One parameter of a camera: its current value, its limits and what may be done with it.
+/// One parameter of a camera: its current value, its limits and how it may be used.
 ///
-/// Owned by the CxCameraParameters that lists it. The public fields are set once, before the store is used, and then
-/// only read, so any thread may read them; the current value is guarded by the record itself.
+/// Owned by the CxCameraParameters that lists it. The public fields are set before the store is used and do not change
+/// after that, so any thread may read them. The current value may be read and written on any thread.
 class VANTREL_HOST_EXPORT CxCameraParam
 {
 public:
-    /// Whom a parameter is meant for. An operation that is given a class concerns the parameters of this class and of
-    /// the ones below.
+    /// Who a parameter is meant for. An operation that takes a class applies to the parameters of that class and of the
+    /// lower ones.
     enum ExVisibility {
-        Basic = 1,    ///< everybody
-        Advanced = 2, ///< people who know the camera
-        All = 3,      ///< everything, also what only the maker needs
+        Basic = 1,    ///< for every user
+        Advanced = 2, ///< for users who know the camera
+        All = 3,      ///< for the camera's maker; as an argument, every parameter
     };
 
-    /// A parameter whose type is the type of its first value.
+    /// A parameter with its first value, which also sets its type.
     CxCameraParam(const QString& name, const CxValue& value);
 
     const QString& name() const { return m_name; }
 
-    /// The type of all its values.
+    /// The type of the value, which never changes.
     CxValue::ExType type() const { return m_type; }
 
-    /// The current value, with the parameter's own type. Any thread.
+    /// The current value, in the parameter's type. Any thread.
     CxValue paramValue() const;
 
-    /// Stores a value, converted to the parameter's type, and nothing else: neither limits nor the camera are asked.
-    /// For the store and for the camera's own reports; others write with CxCameraParameters::setParamDirect().
+    /// Converts a value to the parameter's type and stores it. Checks no limits and does not write to the camera. Meant
+    /// for the parameter store only; other callers use CxCameraParameters::setParamDirect(). Any thread.
     void setParamValue(const CxValue& value);
 
-    CxValue minimum;   ///< smallest value, of the parameter's type; empty when there is no limit
-    CxValue maximum;   ///< largest value, likewise
-    CxValue increment; ///< step that user interfaces offer; values between the steps are allowed. Perhaps empty
+    CxValue minimum;   ///< smallest value, in the parameter's type; empty if there is no limit
+    CxValue maximum;   ///< largest value, in the parameter's type; empty if there is no limit
+    CxValue increment; ///< step that user interfaces offer, or empty; values between the steps are allowed
 
-    QStringList choices;             ///< the texts that a string parameter takes; any when empty
-    bool notSupported = false;       ///< known by name, but this camera does not have it
+    QStringList choices;             ///< the texts that a string parameter accepts; if empty, any text
+    bool notSupported = false;       ///< the name is known, but this camera does not have it
     bool readOnly = false;           ///< only the camera changes it
-    ExVisibility visibility = Basic; ///< whom it is meant for
+    ExVisibility visibility = Basic; ///< who it is meant for
 
 private:
     Q_DISABLE_COPY_MOVE(CxCameraParam)

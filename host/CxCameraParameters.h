@@ -15,33 +15,33 @@
 
 class IxCameraDevice;
 
-/// How far a written parameter goes at once.
+/// What happens when a parameter is written.
 enum class ExCommitRefreshGuiMode : int {
-    Commit = 0,           ///< to the camera
-    CommitAndRefresh = 1, ///< to the camera, and user interfaces are told
+    Commit = 0,           ///< the camera gets the value
+    CommitAndRefresh = 1, ///< the camera gets the value, and user interfaces are notified
 };
 
-/// The parameter store of one opened camera: its parameters, region of interest, description and shading presets.
+/// The parameter store of one open camera: its parameters, region of interest, description and shading presets.
 ///
-/// Parameters may be read and written on any thread, one after another; signals are emitted on the thread that made the
-/// change. The shading presets are not guarded: one thread at a time.
+/// Any thread may read and write parameters and the region; calls to the camera are made one at a time. Signals are
+/// emitted on the thread that makes the change. The shading presets are not locked: use them on one thread at a time.
 class VANTREL_HOST_EXPORT CxCameraParameters : public QObject
 {
     Q_OBJECT
 public:
-    /// Results of a write, as they reach scripts.
+    /// Result of a write, as scripts get it.
     enum ExWriteStatus : int {
         Written = 0,
-        Clipped = 1,  ///< written after clipping to the limits
+        Clipped = 1,  ///< written, but clipped to the limits
         Unknown = -1, ///< no such parameter
         Refused = -2, ///< the value is not acceptable, or the camera does not support the parameter
-        ReadOnly = -3 ///< cannot be written: read-only, only readable directly, or a limit such as "exposure:min"
+        ReadOnly = -3 ///< can only be read: a read-only or unlisted parameter, "device_name", "exposure:min" and so on
     };
 
-    /// An empty store for a camera.
+    /// A store without parameters.
     ///
-    /// sensor  size in pixels; the region of interest is the whole of it at first.
-    /// device  the camera behind the store, which outlives it; null for one without hardware, which takes every value.
+    /// sensor  size in pixels; at first the region of interest is the whole sensor.
+    /// device  the camera behind the store; must outlive the store. Null if there is no camera to write to.
     CxCameraParameters(const SxCameraInfo& info, const QSize& sensor, IxCameraDevice* device);
     ~CxCameraParameters() override;
 
@@ -51,55 +51,56 @@ public:
     /// Size of the sensor in pixels.
     QSize sensorSize() const;
 
-    /// Lists a new parameter with that first value and returns it, for its limits and flags to be set. Null when the
-    /// name is taken. Only before the store is used by others.
+    /// Adds a parameter with its first value. Returns it so that the caller can set its limits and flags; null if the
+    /// name is taken. Owned by the store. Call this only before the store is in use.
     CxCameraParam* addParam(const QString& name, const CxValue& value);
 
-    /// All listed parameters in the order of their adding. Owned by the store.
+    /// All listed parameters in the order in which they were added. Owned by the store.
     QList<CxCameraParam*> params() const;
 
-    /// The listed parameter of that exact name, or null; with ignoreCase a name that differs in letter case is taken
-    /// when none is exactly equal. Owned by the store.
+    /// The listed parameter with this exact name, or null. With ignoreCase, a name that differs only in letter case
+    /// will do if there is no exact match. Owned by the store.
     CxCameraParam* findParam(const QString& name, bool ignoreCase) const;
 
-    /// Writes a parameter: converts the value to the parameter's type, clips it to the limits, gives it to the camera
-    /// and stores it. status may be null and receives an ExWriteStatus. True when something was written.
+    /// Writes a listed parameter: converts the value to the parameter's type, clips it to the limits, gives it to the
+    /// camera and stores it. True if a value was written. status receives an ExWriteStatus; it may be null.
     bool setParamDirect(const QString& name, const CxValue& value, int* status, ExCommitRefreshGuiMode mode);
 
-    /// Reads a parameter that the store does not list from the camera (a listed one from the store). status may be null
-    /// and receives an ExWriteStatus. False (value unchanged) when the camera does not have it.
+    /// Reads a parameter: a listed one from the store, any other from the camera. False if the camera does not have the
+    /// parameter; value is then unchanged. status receives Written or Unknown; it may be null.
     bool getParamDirect(const QString& name, CxValue& value, int* status);
 
-    /// Stores a value that the camera itself reports, read-only parameters included, and tells user interfaces.
-    /// Unknown names are ignored.
+    /// Stores a value that the camera itself reports, and notifies user interfaces. Works for read-only parameters too.
+    /// Ignores unknown names.
     void reportParam(const QString& name, const CxValue& value);
 
-    /// Sets the region of interest in sensor pixels: offset, then size. A region that reaches beyond the sensor is
-    /// clipped to it; one that lies outside or is empty, and one that the camera refuses, leaves the old one (false).
+    /// Sets the region of interest in sensor pixels: offset, then size. Clips the region to the sensor. False, and the
+    /// old region stays, if nothing is left or the camera refuses the region.
     ///
-    /// commit   give it to the camera, else it is only stored.
-    /// refresh  tell user interfaces.
+    /// commit   whether the camera gets the region; otherwise it is only stored.
+    /// refresh  whether user interfaces are notified.
     bool setROIRectParams(int x, int y, int width, int height, bool commit, bool refresh);
 
-    /// The regions of interest in use; never empty, the first one is what scripts see.
+    /// The regions of interest in use, in sensor pixels. Never empty; scripts see the first one.
     QList<QRect> currentROIRectParams() const;
 
-    /// Writes the values of the writable parameters up to a visibility class, and the region of interest, to a JSON
-    /// file. The file is complete or, on failure (false, and a log line), what it was before.
+    /// Saves the region of interest and the values of all writable parameters up to a visibility class to a JSON file.
+    /// On failure returns false, logs one line and leaves an existing file unchanged.
     bool saveParamValuesToFile(const QString& path, CxCameraParam::ExVisibility visibility) const;
 
-    /// Reads such a file and writes its values to the camera. A file that cannot be read or is not a settings file
-    /// changes nothing (false, and a log line).
+    /// Loads a file that saveParamValuesToFile() wrote, and notifies user interfaces. If the file cannot be read or is
+    /// not a settings file, returns false, logs one line and changes nothing.
     ///
-    /// failed  may be null; receives the names of values that were not taken over. The others are.
-    /// commit  give the values to the camera, else they are only stored.
+    /// visibility  the highest class of parameters to set.
+    /// failed      receives the names of the values that were not set; may be null. Does not report the region.
+    /// commit      whether the camera gets the values; otherwise they are only stored.
     bool loadParamValuesFromFile(const QString& path, CxCameraParam::ExVisibility visibility, QStringList* failed,
                                  bool commit);
 
-    /// To be called after shadingPresets was changed.
+    /// Emits shadingChanged(). Call this after a change to shadingPresets.
     void notifyShadingChanged();
 
-    /// The camera's flat-field presets. Read and changed directly.
+    /// The camera's flat-field presets. Callers read and change the list directly.
     QList<CxShadingPreset> shadingPresets;
 
 Q_SIGNALS:

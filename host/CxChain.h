@@ -8,9 +8,9 @@
 class CxChainable;
 class CxImageData;
 
-/// The processing chain of a view: objects through which every image passes, one after another, before it is shown.
+/// The processing chain of a view. Before an image is shown, each object of the chain processes it in turn.
 ///
-/// Owns its objects, which enter through CxChainManager::insertBefore(). Used on the GUI thread only.
+/// Owns its objects; CxChainManager::insertBefore() adds them. Used on the GUI thread only.
 class VANTREL_HOST_EXPORT CxChain : public QObject
 {
     Q_OBJECT
@@ -18,27 +18,27 @@ public:
     /// A running chain without objects.
     explicit CxChain(QObject* parent = nullptr);
 
-    /// Deletes the objects.
+    /// Deletes the chain's objects.
     ~CxChain() override;
 
     /// True between stop() and start().
     bool stopped() const;
 
-    /// Stops the chain: images pass unchanged until start(). Whoever changes several things stops it for so long, so
-    /// that nothing is shown half changed.
+    /// Stops the chain: images pass unchanged until start(). Stop the chain to make several changes at once, so that no
+    /// image is shown half changed.
     void stop();
 
     void start();
 
-    /// The objects in the order in which images pass them. They stay owned by the chain.
+    /// The objects in processing order. Owned by the chain.
     QList<CxChainable*> objects() const;
 
-    /// Lets every object that is switched on change the image, in order. Does nothing while the chain is stopped.
+    /// Processes the image in place with every enabled object, in order. Does nothing while the chain is stopped.
     void process(CxImageData& image);
 
 Q_SIGNALS:
-    /// Images would come out differently from now on: an object was added, left, changed its settings or was switched,
-    /// or the chain was stopped or started.
+    /// The result of process() may differ from now on: the list of objects or an object's settings have changed, an
+    /// object was switched on or off, or the chain was stopped or started.
     void changed();
 
 private:

@@ -8,37 +8,37 @@
 class CxChain;
 class CxImageData;
 
-/// An object of a processing chain: a stage that changes images, or the place where a chain ends.
+/// An object of a processing chain: a stage that changes images, or the end of the chain.
 ///
-/// Belongs to the chain it is inserted into, which deletes it. Deleting it earlier takes it out of its chain. Used on
-/// the GUI thread only.
+/// The chain that an object is inserted into owns and deletes it. An object that is deleted earlier leaves its chain
+/// first. Used on the GUI thread only.
 class VANTREL_HOST_EXPORT CxChainable : public QObject
 {
     Q_OBJECT
 public:
-    /// Enabled, and in no chain.
+    /// An enabled object that belongs to no chain.
     CxChainable();
 
     /// Leaves its chain.
     ~CxChainable() override;
 
-    /// Reads the settings from the attributes of the element. Attributes that the stage does not know are ignored; a
-    /// value that makes no sense is logged, and its setting takes the default, as does one without an attribute.
+    /// Reads the settings from the attributes of an element. A setting without an attribute takes its default, and so
+    /// does one with an invalid value, which is logged. Unknown attributes are ignored.
     virtual void readConfig(QDomElement conf) = 0;
 
-    /// Changes the pixels of an image in place. Not asked of an object that is switched off. An image that the stage
-    /// cannot work on stays as it is, and a log line says why, once for each stage.
+    /// Changes the pixels of an image in place. The chain skips this for disabled objects. An image that the stage
+    /// cannot process stays unchanged; the stage logs the reason once, not for every image.
     virtual void process(CxImageData& image) = 0;
 
     /// The chain that the object belongs to, or null.
     CxChain* chain() const;
 
-    /// Switches the object on or off. One that is off lets images pass unchanged.
+    /// Switches the object on or off. While it is off, images pass it unchanged.
     void setEnabled(bool enabled);
     bool isEnabled() const;
 
 Q_SIGNALS:
-    /// Images would come out differently from now on.
+    /// The result of process() may differ from now on.
     void changed();
 
 private:

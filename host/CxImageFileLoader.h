@@ -10,10 +10,10 @@ class VANTREL_HOST_EXPORT CxImageFileLoader
 public:
     virtual ~CxImageFileLoader();
 
-    /// Reads the file; true when an image is available. A damaged file gives a log line and false.
+    /// Reads the file. True if an image is available. On failure returns false and logs one line.
     virtual bool readFile() = 0;
 
-    /// The image with that index (a CxImageData), or null. Owned by the loader.
+    /// The image with the given index, counted from 0 (a CxImageData), or null. Owned by the loader.
     virtual QObject* frameAt(int index) = 0;
 
 protected:

@@ -12,8 +12,8 @@ class VANTREL_HOST_EXPORT CxImageFileSaver
 public:
     virtual ~CxImageFileSaver();
 
-    /// Writes the image to the file that the saver was made for. options may be null: the format's defaults. True on
-    /// success; otherwise a log line says why, and a file that was there before is unchanged.
+    /// Writes the image to the saver's file. options may be null for the format's defaults. On failure returns false,
+    /// logs the reason in one line and leaves an existing file unchanged.
     virtual bool saveImage(CxImageData* image, const QVariantMap* options) = 0;
 
 protected:

@@ -13,14 +13,14 @@ class VANTREL_HOST_EXPORT CxImageFormatManager
 public:
     static CxImageFormatManager* instance();
 
-    /// A new loader for the file, owned by the caller, or null when no format has its extension. The file need not
-    /// exist: that shows when it is read.
+    /// A new loader for the file, owned by the caller, or null if no format has the file's extension. The file need not
+    /// exist; a missing file fails in CxImageFileLoader::readFile().
     CxImageFileLoader* loaderForFile(const QString& path);
 
-    /// A new saver for the file, owned by the caller, or null when no format has its extension.
+    /// A new saver for the file, owned by the caller, or null if no format has the file's extension.
     CxImageFileSaver* saverForFile(const QString& path);
 
-    /// The extensions that can be read and written, in lower case and without the point.
+    /// The extensions that can be read and written, in lower case, without the dot.
     QStringList extensions() const;
 
 private:

@@ -10,18 +10,18 @@ class CxChainable;
 class VANTREL_HOST_EXPORT CxMdiView
 {
 public:
-    /// Starts recording what the view shows to a video file. False when the file cannot be written, or when a recording
-    /// is under way.
+    /// Starts recording what the view shows to a video file. False if the file cannot be written or the view is already
+    /// recording.
     virtual bool startVideoRecording(const QString& path) = 0;
 
-    /// Ends the recording and completes the file. Does nothing when nothing is recorded.
+    /// Ends the recording and completes the file. Does nothing if the view is not recording.
     virtual void stopVideoRecording() = 0;
 
     /// The stage of the view's processing chain that stands for the view itself; new stages are inserted before it.
-    /// Null when the view has no chain.
+    /// Owned by the chain. Null if the view has no chain.
     virtual CxChainable* chainObject() = 0;
 
-    /// Closes the view, as its user would. The view is gone for IxAppDelegate::view() when this returns.
+    /// Closes the view as the user would. Once this returns, IxAppDelegate::view() no longer finds the view.
     void closeMdiView();
 
 protected:
@@ -29,6 +29,6 @@ protected:
     virtual ~CxMdiView();
     Q_DISABLE_COPY_MOVE(CxMdiView)
 
-    /// Does the host's work of closing; the object may be deleted by it.
+    /// Closes the view in the host. May delete this object.
     virtual void doClose() = 0;
 };

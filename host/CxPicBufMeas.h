@@ -7,17 +7,17 @@
 
 class CxImageData;
 
-/// Measurements on images. Rectangles are clipped to the image; one that lies wholly outside fails.
+/// Measurements on images. Rectangles are in pixels and are clipped to the image.
 class VANTREL_HOST_EXPORT CxPicBufMeas
 {
 public:
     CxPicBufMeas() = delete;
 
-    /// Measures a rectangle. True on success; false for an image without pixels or a rectangle outside it.
+    /// Measures a rectangle. False, with an empty result, if the image has no pixels or the rectangle lies outside it.
     static bool measureHistogram(CxHistoData& result, const CxImageData* image, const QRect& rect,
                                  CxHistoData::ExHistoDataFlags flags);
 
-    /// Measures every row (rows) or every column of a rectangle. True on success, as above.
+    /// Measures every row (rows) or every column of a rectangle. Fails as measureHistogram() does.
     static bool measureRowsColumnsProfileStats(bool rows, CxProfileData& result, const CxImageData* image,
                                                const QRect& rect);
 };

@@ -10,6 +10,6 @@ class VANTREL_HOST_EXPORT CxProfileData
 {
 public:
     QList<QString> channelNames;                   ///< as in CxHistoData
-    QList<QList<CxHistoData::CxPixelStats>> stats; ///< for each channel one set for each profile
-    int profileCount = 0;                          ///< rows or columns measured
+    QList<QList<CxHistoData::CxPixelStats>> stats; ///< for each channel, one set for each profile
+    int profileCount = 0;                          ///< number of rows or columns measured
 };

@@ -9,30 +9,30 @@
 
 #include <functional>
 
-/// The registry of classes that are known by name at run time: processing-chain stages and whatever else a host
-/// registers. Any thread may ask; classes are registered before the first script runs.
+/// The registry of classes that are known by name at run time: processing-chain stages and other classes of the host.
+/// Register classes before the first script runs; after that any thread may use the registry.
 class VANTREL_HOST_EXPORT CxRTTI
 {
 public:
     static CxRTTI* instance();
 
-    /// Names of the registered classes that are derived from the class named interfaceName, in the order of their
-    /// registration. With creatableOnly the ones are left out of which createInstanceOfClass() makes no instance.
+    /// Names of the registered classes that are the class named interfaceName or derive from it, in the order of
+    /// registration. With creatableOnly, leaves out classes without a factory.
     QStringList classesForInterface(const QString& interfaceName, bool creatableOnly) const;
 
-    /// The name under which a user knows a class; the class name itself when it was registered without one, and empty
-    /// for a class that is not registered.
+    /// The display name of a class; the class name itself if the class was registered without one. Empty for a class
+    /// that is not registered.
     QString customNameForClass(const QString& className) const;
 
-    /// A new object of a class, owned by the caller. Null for a class that is not registered or is registered without a
-    /// factory, and when the factory gives null.
+    /// A new object of a class, owned by the caller. Null if the class is not registered, has no factory, or its
+    /// factory returns null.
     QObject* createInstanceOfClass(const QString& className) const;
 
-    /// Makes a class known under the name in its meta object. A class that is registered again replaces the former
-    /// entry. create may be empty: no instances are made then.
+    /// Registers a class under the name in its meta object, in place of an earlier entry of that name. create is the
+    /// factory; it may be empty for a class without instances.
     void registerClass(const QMetaObject& metaObject, const QString& customName, std::function<QObject*()> create);
 
-    /// Takes a class back; does nothing when it is not registered.
+    /// Removes a class. Does nothing if it is not registered.
     void unregisterClass(const QMetaObject& metaObject);
 
 private:

@@ -6,15 +6,14 @@
 
 #include <cstdint>
 
-/// A value that remembers its type: what camera parameters hold and what is exchanged with them.
+/// The value of a camera parameter, with its type.
 ///
-/// A copyable value that owns everything it holds. It holds exactly one of its types; the others are reached by the
-/// conversions, which never fail.
+/// Copyable, and owns everything it holds. It holds one type at a time; the conversions to the others never fail.
 class VANTREL_HOST_EXPORT CxValue
 {
 public:
     enum ExType : std::int32_t {
-        Empty = 0, ///< holds nothing; converts to 0, false and the empty text
+        Empty = 0, ///< no value; converts to 0, false and the empty text
         Integer = 1,
         Floating = 2,
         Boolean = 3,
@@ -32,24 +31,26 @@ public:
     ExType type() const { return m_type; }
     bool isEmpty() const { return m_type == Empty; }
 
-    /// The nearest integer; halves go away from zero, values beyond 32 bits become the nearest limit. A text is read as
-    /// a number, with blanks around it allowed; one that is no number, and not-a-number itself, give 0.
+    /// The nearest integer, with halves rounded away from zero and values beyond 32 bits clipped. A text is read as a
+    /// number, and blanks around the number are ignored. NaN and a text without a number give 0.
     std::int32_t toInt() const;
 
-    /// The value in single precision; texts as for toInt(), but for the rounding.
+    /// The value in single precision. Reads a text as toInt() does, but does not round it; beyond the range of float
+    /// it gives infinity.
     float toFloat() const;
 
-    /// True for numbers other than 0 (not-a-number counts as 0), and for the texts "true", "yes" and "on" in any letter
-    /// case.
+    /// True for numbers other than 0 and NaN, for texts of such numbers, and for the texts "true", "yes" and "on" in
+    /// any letter case.
     bool toBool() const;
 
-    /// Numbers with the fewest digits that read back the same, truth values as "true" and "false".
+    /// The value as text: numbers with the fewest digits that read back the same, and truth values as "true" and
+    /// "false".
     QString toString() const;
 
-    /// The same value as another type; the empty type gives an empty value.
+    /// The value converted to another type. Empty gives an empty value.
     CxValue converted(ExType type) const;
 
-    /// Equal type and equal value. Not-a-number equals nothing.
+    /// True if type and value are equal. NaN equals nothing.
     friend VANTREL_HOST_EXPORT bool operator==(const CxValue& a, const CxValue& b);
 
 private:

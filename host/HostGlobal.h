@@ -2,7 +2,7 @@
 
 #include <QtCore/qglobal.h>
 
-// Marks what the host core library defines and everybody else links against.
+// Marks the classes and functions that the host core library exports.
 #if defined(VANTREL_CORE_BUILD)
 #define VANTREL_HOST_EXPORT Q_DECL_EXPORT
 #else

@@ -6,22 +6,24 @@
 #include <QtCore/QRect>
 #include <QtCore/QString>
 
-/// What a parameter store (CxCameraParameters) asks of the camera behind it. Implemented by whoever brings a camera.
+/// The camera behind a parameter store (CxCameraParameters). Each kind of camera implements it.
 ///
-/// Called on the thread that uses the store, by one thread at a time.
+/// The store calls it on the thread that uses the store, one call at a time; writeParam() and writeRegion() may report
+/// values back to the store.
 class VANTREL_HOST_EXPORT IxCameraDevice
 {
 public:
     virtual ~IxCameraDevice();
 
-    /// Gives a value to the camera: of the parameter's type and within its limits. False when the camera refuses it;
-    /// the store then keeps the old one.
+    /// Writes a value to the camera. The value has the parameter's type and is within its limits. False if the camera
+    /// refuses it; the store then keeps the old value.
     virtual bool writeParam(const QString& name, const CxValue& value) = 0;
 
-    /// Reads a value that the store does not list. False (value unchanged) when the camera has none of that name.
+    /// Reads a parameter that the store does not list. False, with value unchanged, if the camera does not have it.
     virtual bool readParam(const QString& name, CxValue& value) = 0;
 
-    /// Gives a region of interest to the camera: never empty and within the sensor. False when the camera refuses it.
+    /// Writes a region of interest to the camera, in sensor pixels. The region is not empty and lies within the sensor.
+    /// False if the camera refuses it; the store then keeps the old region.
     virtual bool writeRegion(const QRect& region) = 0;
 
 protected:

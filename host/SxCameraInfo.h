@@ -4,12 +4,12 @@
 
 #include <cstdint>
 
-/// What a camera says about itself.
+/// The description of a camera.
 struct SxCameraInfo {
     QString deviceName;
     QString deviceType;
     std::int32_t modelId = 0;
     QString serialNumber;
-    QString userId;       ///< given by the camera's owner; several cameras may have the same
+    QString userId;       ///< chosen by the camera's owner; several cameras may share it
     QString instancePath; ///< where the camera is attached
 };

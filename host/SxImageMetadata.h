@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-/// How a camera frame was taken. Attached to camera frames and to their copies; images made by scripts have none.
+/// How a camera frame was taken. Camera frames and their copies have it; images made by scripts do not.
 struct SxImageMetadata {
     std::int32_t transportFormat = 0; ///< the camera's code for the data format on the wire
     std::int32_t exposureTimeUs = 0;  ///< microseconds

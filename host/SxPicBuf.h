@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// How one channel value is stored.
+/// The type of a channel value.
 enum class ExImageDataType : std::uint32_t {
     None = 0,
     Int8 = 1,
@@ -18,10 +18,10 @@ enum class ExImageDataType : std::uint32_t {
     UInt64 = 8,
     Float = 9,
     Double = 10,
-    Packed565 = 11, ///< a whole colour pixel (5 bits red, 6 green, 5 blue) in 16 bits; such a buffer has one channel
+    Packed565 = 11, ///< a colour pixel (5 bits red, 6 green, 5 blue) in 16 bits; such a buffer has one channel
 };
 
-/// How the values of a pixel lie in memory.
+/// How the channels of a pixel are arranged in memory.
 enum class ExDataStorageFormat : std::uint32_t {
     None = 0,
     Interleaved = 1, ///< all channels of a pixel side by side; the format of every image made by scripts
@@ -37,34 +37,34 @@ struct VANTREL_HOST_EXPORT SxPicBufInfo {
     std::uint32_t height = 0;     ///< rows
     std::uint32_t lineStride = 0; ///< bytes from the start of one row to the next, padding included
     std::uint32_t channels = 0;   ///< values per pixel: 1 mono, 3 colour, 4 colour with alpha
-    std::uint32_t bpc = 0;        ///< significant bits per value, as 12 for 12-bit data in 16 bits
-    std::uint32_t blackLevel = 0; ///< value of a pixel that saw no light
+    std::uint32_t bpc = 0;        ///< significant bits per value, for example 12 for 12-bit data in 16 bits
+    std::uint32_t blackLevel = 0; ///< value of a pixel that received no light
     ExImageDataType dataType = ExImageDataType::None;
     ExDataStorageFormat storageFormat = ExDataStorageFormat::None;
     ExColorFilterArray colorFilterArray = ExColorFilterArray::None;
-    bool isColor = false;            ///< values are colours, blue first: B, G, R and perhaps A
+    bool isColor = false;            ///< channels are colours: blue, green, red and optionally alpha
     std::int32_t acqFrameNumber = 0; ///< the camera's own frame counter
     std::int32_t frameNumber = 0;    ///< frames since the acquisition started
     std::uint64_t timeStamp = 0;     ///< microseconds
     float saturation = 0.0F;         ///< full-scale value of floating-point data
 
-    /// Bytes that one value of a type takes; 1 for None and for unknown types.
+    /// Size of one value of a type in bytes; 1 for None and for unknown types.
     static std::uint32_t bytesPerValue(ExImageDataType type);
 
-    /// Bytes of one pixel with all its channels.
+    /// Size of one pixel with all its channels, in bytes.
     std::uint32_t bytesPerPixel() const;
 };
 
 /// A picture buffer: geometry and pixel memory.
 ///
-/// A plain record that owns nothing by itself. The memory comes from CxPicBufAPI::AllocPicBufFromHeap() and goes with
+/// A plain record without ownership. CxPicBufAPI::AllocPicBufFromHeap() allocates the memory. The caller frees it with
 /// CxPicBufAPI::FreePicBuf(), unless an image takes it over (CxImageData::setPicBuf, CxImageData::attachPicBuf).
 struct VANTREL_HOST_EXPORT SxPicBuf : SxPicBufInfo {
-    /// First byte of the pixel memory, or null. The value of channel c of pixel (x, y) lies at
+    /// First byte of the pixel memory, or null. In an interleaved buffer, channel c of pixel (x, y) is at
     /// data + y * lineStride + (x * channels + c) * bytesPerValue(dataType).
     std::uint8_t* data = nullptr;
 
-    /// Bytes of pixel memory, row padding included: height * lineStride.
+    /// Size of the pixel memory in bytes, row padding included: height * lineStride.
     std::size_t dataSize() const;
 
     std::uint8_t* row(std::uint32_t y) { return data + std::size_t(y) * lineStride; }

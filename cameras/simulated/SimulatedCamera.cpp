@@ -25,8 +25,8 @@ constexpr int shortestExposure = 10;
 constexpr int longestExposure = 1000000;
 constexpr int exposureStep = 10;
 
-/// Frames that wait for a host that is late.
-constexpr int bufferedFrames = 8;
+/// The number of late frames that the camera catches up with.
+constexpr int maxLateFrames = 8;
 
 void addNumber(CxCameraParameters& store, const QString& name, const std::array<CxValue, 4>& defaultMinMaxStep)
 {
@@ -109,7 +109,7 @@ void SimulatedCamera::stop()
 
 std::optional<microseconds> SimulatedCamera::timeToNextFrame() const
 {
-    // Nothing ever triggers a simulated camera.
+    // In the trigger modes no frame comes, since nothing triggers a simulated camera.
     if (!m_running || valueOf(*m_parameters, triggerModeName).toString() != u"off")
         return std::nullopt;
     return std::max(m_lastDue + period() - m_clock(), microseconds(0));
@@ -125,8 +125,8 @@ std::unique_ptr<CxImageData> SimulatedCamera::nextFrame()
     if (!CxPicBufAPI::AllocPicBufFromHeap(buffer, frameInfo(now), true, 0))
         return nullptr;
 
-    // Short delays are caught up with; after a long one the rate starts anew, or a long burst of frames would follow.
-    m_lastDue = std::max(m_lastDue + period(), m_clock() - bufferedFrames * period());
+    // Catch up with a short delay. After a long one, restart the clock: a long burst of frames would follow otherwise.
+    m_lastDue = std::max(m_lastDue + period(), m_clock() - maxLateFrames * period());
     m_cameraTime += period();
     buffer.acqFrameNumber = ++m_framesSinceOpening;
     buffer.frameNumber = ++m_framesSinceStart;
@@ -148,7 +148,7 @@ std::unique_ptr<CxImageData> SimulatedCamera::nextFrame()
 
 bool SimulatedCamera::writeParam(const QString& /*name*/, const CxValue& /*value*/)
 {
-    return true; // each frame reads the store
+    return true; // rendering a frame reads the values from the store
 }
 
 bool SimulatedCamera::readParam(const QString& name, CxValue& value)
@@ -164,7 +164,7 @@ bool SimulatedCamera::readParam(const QString& name, CxValue& value)
 
 bool SimulatedCamera::writeRegion(const QRect& /*region*/)
 {
-    return true; // each frame reads the store
+    return true; // rendering a frame reads the values from the store
 }
 
 microseconds SimulatedCamera::steadyClock()

@@ -6,14 +6,14 @@
 
 #include <functional>
 
-/// A camera without hardware: a moving scene seen by a sensor, at the set frame rate.
+/// A camera without hardware, which sees a moving scene at the set frame rate.
 ///
-/// Frames are not lost when nobody asks for them in time: a few are kept and come one right after the other, further
-/// ones come late, and the numbers go on without a gap.
+/// No frame is lost if the caller fetches frames too late. A few late frames are due at once, later ones are delayed,
+/// and the frame numbers have no gap.
 class SimulatedCamera : public CameraBackend
 {
 public:
-    /// Time since any fixed moment.
+    /// Returns the time since some fixed moment.
     using Clock = std::function<std::chrono::microseconds()>;
 
     explicit SimulatedCamera(const SimulatedSensor& sensor, Clock clock = steadyClock);
@@ -43,11 +43,11 @@ private:
     SimulatedSensor m_sensor;
     Clock m_clock;
     std::unique_ptr<CxCameraParameters> m_parameters;
-    std::unique_ptr<CxCameraParameters> m_lastParameters; ///< of the opening before
-    std::unique_ptr<SimulatedScene> m_scene;              ///< made for the first frame
+    std::unique_ptr<CxCameraParameters> m_lastParameters; ///< the store that close() keeps alive
+    std::unique_ptr<SimulatedScene> m_scene;              ///< created for the first frame
     bool m_running = false;
     std::int32_t m_framesSinceOpening = 0;
     std::int32_t m_framesSinceStart = 0;
-    std::chrono::microseconds m_cameraTime{0}; ///< of the latest frame, counted from the start
-    std::chrono::microseconds m_lastDue{0};    ///< when the latest frame should have come
+    std::chrono::microseconds m_cameraTime{0}; ///< time of the latest frame since the start
+    std::chrono::microseconds m_lastDue{0};    ///< when the latest frame was due
 };

@@ -11,10 +11,10 @@ namespace {
 
 constexpr float fullLight = 65535.0F;
 
-/// Microseconds at which full light fills the well.
+/// The exposure in microseconds at which full light fills the well.
 constexpr double exposureOfFullWell = 12500.0;
 
-/// Light of a colour in the order of memory: blue, green, red.
+/// The light of a colour in memory order: blue, green, red.
 using Colour = std::array<float, 3>;
 
 constexpr std::array<Colour, 8> colourPatches = {{{0.05F, 0.05F, 0.05F},
@@ -28,7 +28,7 @@ constexpr std::array<Colour, 8> colourPatches = {{{0.05F, 0.05F, 0.05F},
 constexpr Colour backdrop = {0.42F, 0.34F, 0.28F};
 constexpr Colour discColour = {0.20F, 0.55F, 1.00F};
 
-/// A grey sensor sees the eight patches as even steps.
+/// The light of a patch. A grey sensor sees the eight patches as even steps.
 Colour patch(std::size_t index, bool isColor)
 {
     const float grey = 0.05F + 0.85F * float(index) / float(colourPatches.size() - 1);
@@ -43,8 +43,8 @@ std::uint64_t mixed(std::uint64_t value)
     return value ^ (value >> 31);
 }
 
-/// Normally distributed numbers in steps of noiseStep, made once: drawing them anew for every pixel would take most of
-/// a processor. Every row of every frame reads a stretch of its own.
+/// Normally distributed numbers in steps of noiseStep, drawn once: drawing one for every pixel would take most of a
+/// processor's time. Each row of each frame reads the table from its own random place.
 constexpr float noiseStep = 1.0F / 32.0F;
 constexpr std::size_t noiseStarts = std::size_t(1) << 17;
 constexpr std::size_t longestRow = 4096;
@@ -69,7 +69,7 @@ const std::vector<std::int8_t>& noiseTable()
     return table;
 }
 
-/// How light becomes a value.
+/// How the sensor turns light into a pixel value.
 struct Response {
     float electronsPerLight;
     float valuePerElectron;
@@ -87,7 +87,7 @@ void exposeRow(T* values, const std::uint16_t* light, const std::int8_t* noise, 
         float value = seen * response.valuePerElectron + response.offset;
         value = value < 0.0F ? 0.0F : value;
         value = value > response.fullScale ? response.fullScale : value;
-        // By way of int, for which there are vector instructions.
+        // Through int, since there are vector instructions for that conversion.
         if constexpr (std::is_integral_v<T>)
             values[i] = T(std::int32_t(value));
         else
@@ -97,13 +97,13 @@ void exposeRow(T* values, const std::uint16_t* light, const std::int8_t* noise, 
 
 } // namespace
 
-/// The moving part, in sensor pixels.
+/// The part of the scene that moves, in sensor pixels.
 struct SimulatedScene::Disc {
     double x;
     double y;
     double radius;
 
-    /// First and last column of the disc in a row; the last before the first when it does not reach the row.
+    /// First and last column of the disc in a row; the last is below the first if the disc does not reach the row.
     std::pair<int, int> span(int row) const
     {
         const double height = row - y;
@@ -174,7 +174,7 @@ void SimulatedScene::render(SxPicBuf& buffer, std::int32_t frameNumber, const Se
                         std::uint16_t(fullLight * (channels > 1 ? discColour[c] : discColour.back()));
             light = rowWithDisc.data();
         }
-        // Counted from the sensor's edge, so that a region shows the same as the whole frame does there.
+        // Counted from the sensor's edge, so that a region shows the same pixels as the whole frame.
         const std::int8_t* noise = noiseTable().data() + mixed(frameSeed + std::uint64_t(y)) % noiseStarts +
                                    std::size_t(region.left()) * channels;
         std::uint8_t* row = buffer.row(std::uint32_t(y - region.top()));

@@ -9,13 +9,13 @@
 
 class CxImageData;
 
-/// What a simulated camera looks at, and how its sensor turns that into pixel values.
+/// The scene that a simulated camera sees, and the sensor that turns it into pixel values.
 ///
-/// The upper half holds a row of even patches that stand still, from dark to bright, in colours for a colour sensor; a
-/// bright disc moves through the lower half. The light falls off towards the corners as behind a lens. A pixel's value
+/// The upper half has a row of uniform, still patches from dark to bright, in colours for a colour sensor. A bright
+/// disc moves through the lower half. The light falls off towards the corners as it does behind a lens. A pixel's value
 /// is (electrons, with shot noise) x gain + black level, clipped to full scale.
 ///
-/// A frame is a function of the sensor, the frame number and the settings: the same again in every run.
+/// A frame depends only on the sensor, the frame number and the settings, so it is the same in every run.
 class SimulatedScene
 {
 public:
@@ -28,10 +28,10 @@ public:
 
     explicit SimulatedScene(const SimulatedSensor& sensor);
 
-    /// Fills a buffer of the region's size and the sensor's type.
+    /// Renders a frame into a buffer, which must have the region's size and the sensor's type and channels.
     void render(SxPicBuf& buffer, std::int32_t frameNumber, const Settings& settings) const;
 
-    /// Exposure in microseconds that brings the mean of the scene to half of full scale.
+    /// The exposure in microseconds that brings the mean of the scene to half of full scale.
     double exposureForHalfScale(float gainDb) const;
 
 private:
@@ -40,6 +40,6 @@ private:
     Disc discAt(std::int32_t frameNumber) const;
 
     SimulatedSensor m_sensor;
-    std::vector<std::uint16_t> m_light; ///< without the disc, in parts of 65535
-    double m_meanLight = 0;             ///< the same unit
+    std::vector<std::uint16_t> m_light; ///< of the scene without the disc; 65535 is full light
+    double m_meanLight = 0;             ///< in the same unit
 };

@@ -5,7 +5,7 @@
 
 #include <QtCore/QSize>
 
-/// What one model of simulated camera is.
+/// The sensor of one model of simulated camera.
 struct SimulatedSensor {
     SxCameraInfo info;
     QSize size;
@@ -13,8 +13,8 @@ struct SimulatedSensor {
     ExImageDataType dataType = ExImageDataType::UInt8;
     std::uint32_t bpc = 8;
     float fullScale = 255.0F; ///< largest value
-    float fullWell = 2550.0F; ///< electrons that give the largest value at a gain of 0 dB
-    std::uint64_t seed = 0;   ///< of the scene's noise
+    float fullWell = 2550.0F; ///< electrons for the largest value at a gain of 0 dB
+    std::uint64_t seed = 0;   ///< seed of the noise
 };
 
 /// Number of models.

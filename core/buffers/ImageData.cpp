@@ -51,7 +51,7 @@ QObject* CxImageData::copy(bool infoOnly)
         return image.release();
     }
     SxPicBuf buffer;
-    // Row padding is not copied: cleared, it shows nothing of what was in the memory before.
+    // Clear the memory if rows have padding: padding is not copied and must not show what was in the memory before.
     const bool isDense = std::size_t(m_buffer.bytesPerPixel()) * m_buffer.width == m_buffer.lineStride;
     if (!CxPicBufAPI::AllocPicBufFromHeap(buffer, m_buffer, isDense, 0))
         return nullptr;

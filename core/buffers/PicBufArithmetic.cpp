@@ -13,7 +13,8 @@
 
 namespace {
 
-/// The formulas below stay within the type, so that loops over them run in vectors of full width.
+// The formulas below stay within the type, so that vectorised loops process as many values at a time as possible.
+
 template<typename T>
 T saturatedSum(T a, T b, T highest)
 {
@@ -98,7 +99,7 @@ template<typename Operation>
 bool combine(const char* name, SxPicBuf& dst, const SxPicBuf& src)
 {
     if (!hasPixels(dst) || !hasPixels(src) || !sameKind(dst, src))
-        return refuse(name, "the buffers differ in channels or type");
+        return refuse(name, "a buffer has no pixels, or the buffers differ in channels or type");
     const std::uint32_t height = std::min(dst.height, src.height);
     const std::size_t count = std::min(valuesPerRow(dst), valuesPerRow(src));
     if (dst.dataType == ExImageDataType::Packed565) {
@@ -113,8 +114,8 @@ bool combine(const char* name, SxPicBuf& dst, const SxPicBuf& src)
     return known || refuse(name, "the type is unknown");
 }
 
-/// Divides integers, halves away from zero. Up to 32 bits quotients of double are exact enough to round correctly:
-/// a quotient that is no half differs from one by more than the error.
+/// The quotient; integers are rounded to the nearest, halves away from zero. For up to 32 bits a double is exact enough
+/// to round correctly: a quotient that is not a half differs from one by more than the error.
 template<typename T>
 T quotient(T value, int divisor)
 {
@@ -126,9 +127,10 @@ T quotient(T value, int divisor)
         result = std::max(result, static_cast<double>(std::numeric_limits<T>::min()));
         result = std::min(result, static_cast<double>(std::numeric_limits<T>::max()));
         using Fitting = std::conditional_t<std::is_same_v<T, std::uint32_t>, std::int64_t, std::int32_t>;
-        return static_cast<T>(static_cast<Fitting>(result)); // not wider than needed: int has vectors
+        return static_cast<T>(
+            static_cast<Fitting>(result)); // the narrowest type that fits: there are vector conversions to int
     } else {
-        // Magnitudes, so that neither the smallest integer nor a negative divisor overflows.
+        // Divide magnitudes, so that neither the smallest integer nor a negative divisor overflows.
         const bool negative = (value < 0) != (divisor < 0);
         const auto bits = static_cast<std::uint64_t>(value);
         const std::uint64_t magnitude = value < 0 ? 0 - bits : bits;

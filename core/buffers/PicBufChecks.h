@@ -4,33 +4,33 @@
 
 #include <cstddef>
 
-// What the operations ask of picture buffer records before they touch pixels.
+// Checks of picture buffer records, made before an operation touches pixels.
 
-/// Whether there are pixels: memory, no side of 0, rows that do not overlap.
+/// Whether there are pixels: memory, no dimension of 0, and a line stride that is long enough.
 bool hasPixels(const SxPicBuf& buffer);
 
 /// Whether the buffers have the same width and height.
 bool sameSize(const SxPicBufInfo& a, const SxPicBufInfo& b);
 
-/// Whether the pixels of the buffers are of one kind: type and number of channels.
+/// Whether the buffers have the same type and number of channels.
 bool sameKind(const SxPicBufInfo& a, const SxPicBufInfo& b);
 
-/// Values in a row.
+/// Number of values in a row.
 std::size_t valuesPerRow(const SxPicBufInfo& info);
 
-/// Bytes of a row's pixels, without padding.
+/// Size of a row's pixels in bytes, without padding.
 std::size_t rowBytes(const SxPicBufInfo& info);
 
-/// Whether two buffers share memory.
+/// Whether two buffers share memory. Both must have pixels.
 bool overlap(const SxPicBuf& a, const SxPicBuf& b);
 
-/// A record of the rectangle (x, y, w, h) inside a buffer, clipped to it, on the buffer's own memory; without pixels
-/// when nothing is left.
+/// A record of the rectangle (x, y, w, h) of a buffer, clipped to the buffer. Shares the buffer's memory; has no pixels
+/// if nothing is left.
 SxPicBuf rectangleOf(const SxPicBuf& buffer, unsigned x, unsigned y, unsigned w, unsigned h);
 
-/// The value that stands for full scale: for integers the largest one of bpc bits (the largest of the type where bpc is
-/// 0 or says more), for floating types the saturation, or 1 where none is given.
+/// The full scale of the values. For integers: the largest value of bpc bits, or of the type if bpc is 0 or too large.
+/// For floating types: the saturation, or 1 if it is 0. For other types: 1.
 long double fullScale(const SxPicBufInfo& info);
 
-/// Writes a log line and returns false, for operations that refuse.
+/// Logs why an operation refuses to work. Returns false, for the operation to return.
 bool refuse(const char* operation, const char* reason);

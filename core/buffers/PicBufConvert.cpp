@@ -1,4 +1,4 @@
-// Other types and bit depths.
+// Conversion to other types and bit depths.
 
 #include "CxPicBufAPI.h"
 
@@ -15,13 +15,13 @@
 
 namespace {
 
-/// Enough for the values of both types and the products between them.
+/// A type wide enough for the values of both types and for the products in between.
 template<typename S, typename D>
 using Wide = std::conditional_t<(std::is_integral_v<S> && sizeof(S) == 8) || (std::is_integral_v<D> && sizeof(D) == 8),
                                 long double, double>;
 
-/// Rounds to the nearest integer, a half to the even one. The sum has no room for a fraction, so that adding rounds;
-/// unlike std::rint this runs in vectors on every processor. For values below 2 to the power 51.
+/// Rounds to the nearest integer, halves to the even one. The sum has no bits left for a fraction, so the addition
+/// rounds. Unlike std::rint, this vectorises on every processor. For magnitudes below 2 to the power 51.
 double rounded(double value)
 {
     constexpr double shift = 6755399441055744.0; // 1.5 times 2 to the power 52
@@ -43,7 +43,7 @@ D toInteger(W value, W highest)
     return static_cast<D>(rounded(value));
 }
 
-/// How many bits a full scale has.
+/// The number of bits of a full scale that fits into 32 bits.
 unsigned bitsOf(long double full)
 {
     return unsigned(std::bit_width(static_cast<std::uint32_t>(full)));
@@ -93,8 +93,8 @@ void scaleByFactor(const std::uint8_t* in, std::uint8_t* out, std::size_t count,
     });
 }
 
-/// From more bits to as many or fewer, both of unsigned types of up to 16 bits: the quotient of value * highest by full
-/// (which is 2 to the power bits, less 1), to the nearest integer. full is odd, so there are no halves.
+/// Scales unsigned values of up to 16 bits to the same number of bits or fewer: value * highest / full, rounded to the
+/// nearest integer. full is 2 to the power bits, minus 1. It is odd, so there are no halves.
 template<typename D, typename S>
 void scaleDown(const std::uint8_t* in, std::uint8_t* out, std::size_t count, unsigned bits, std::uint32_t highest)
 {
@@ -103,7 +103,7 @@ void scaleDown(const std::uint8_t* in, std::uint8_t* out, std::size_t count, uns
         for (std::size_t i = 0; i < count; ++i) {
             const std::uint32_t value = std::min<std::uint32_t>(loadValue<S>(in, i), full);
             const std::uint32_t dividend = value * highest + full / 2;
-            storeValue(out, i, static_cast<D>((dividend + (dividend >> bits) + 1) >> bits)); // dividend / full
+            storeValue(out, i, static_cast<D>((dividend + (dividend >> bits) + 1) >> bits)); // = dividend / full
         }
     });
 }
@@ -131,7 +131,7 @@ void scaleValues(const SxPicBuf& src, SxPicBuf& dst)
 bool CxPicBufAPI::ConvertPicToDifBpc(const SxPicBuf& src, SxPicBuf& dst, bool scale)
 {
     if (!hasPixels(src) || !hasPixels(dst) || !sameSize(src, dst) || src.channels != dst.channels)
-        return refuse("ConvertPicToDifBpc", "the buffers differ in size or channels");
+        return refuse("ConvertPicToDifBpc", "a buffer has no pixels, or the buffers differ in size or channels");
     if (overlap(src, dst))
         return refuse("ConvertPicToDifBpc", "source and destination share memory");
     if (src.dataType == ExImageDataType::Packed565 && dst.dataType == src.dataType)
@@ -145,5 +145,5 @@ bool CxPicBufAPI::ConvertPicToDifBpc(const SxPicBuf& src, SxPicBuf& dst, bool sc
                 keepValues<D, S>(src, dst);
         });
     });
-    return known || refuse("ConvertPicToDifBpc", "packed and unknown types have no bit depth");
+    return known || refuse("ConvertPicToDifBpc", "values cannot be converted between these types");
 }

@@ -1,4 +1,4 @@
-// Rectangles: copied and scaled.
+// Copying and scaling of rectangles.
 
 #include "CxPicBufAPI.h"
 
@@ -19,19 +19,19 @@
 
 namespace {
 
-/// Copies rows of equal length, from the end that a shared memory allows.
+/// Copies rows of equal length. The order of the rows allows the buffers to overlap.
 void moveRows(const SxPicBuf& src, SxPicBuf& dst)
 {
     const std::size_t bytes = rowBytes(src);
-    const bool upwards = reinterpret_cast<std::uintptr_t>(dst.data) > reinterpret_cast<std::uintptr_t>(src.data);
+    const bool lastFirst = reinterpret_cast<std::uintptr_t>(dst.data) > reinterpret_cast<std::uintptr_t>(src.data);
     for (std::uint32_t i = 0; i < src.height; ++i) {
-        const std::uint32_t y = upwards ? src.height - 1 - i : i;
+        const std::uint32_t y = lastFirst ? src.height - 1 - i : i;
         std::memmove(dst.row(y), src.row(y), bytes);
     }
 }
 
-/// Scales into a matrix of the wanted size. An axis that shrinks is averaged and one that grows is interpolated; where
-/// both happen the shrinking goes first, since OpenCV would interpolate both.
+/// Scales in to the size of out. Averages along an axis that shrinks and interpolates along one that grows. If one
+/// axis shrinks and the other grows, shrinks first, since OpenCV would interpolate both.
 void scaleMat(const cv::Mat& in, cv::Mat& out)
 {
     const bool narrower = out.cols < in.cols;
@@ -48,7 +48,7 @@ void scaleMat(const cv::Mat& in, cv::Mat& out)
     }
 }
 
-/// The type in which OpenCV scales values of a type.
+/// The type in which to let OpenCV scale values of a type.
 ExImageDataType scalingType(ExImageDataType type)
 {
     switch (type) {
@@ -100,7 +100,7 @@ SxPicBuf copied(const SxPicBuf& src, ScopedPicBuf& copy)
     return copy.buffer;
 }
 
-/// Scales by way of another type.
+/// Converts to another type, scales, and converts back.
 void scaleConverted(const SxPicBuf& src, SxPicBuf& dst)
 {
     ScopedPicBuf in;
@@ -121,7 +121,7 @@ void scaleConverted(const SxPicBuf& src, SxPicBuf& dst)
         CxPicBufAPI::ConvertPicToDifBpc(out.buffer, dst, false);
 }
 
-/// Scales in the pixels' own type.
+/// Scales in the pixels' own type, without a conversion.
 void scaleDirectly(const SxPicBuf& src, SxPicBuf& dst)
 {
     const int depth = matDepth(src.dataType);
@@ -141,7 +141,7 @@ bool CxPicBufAPI::CopyRect(SxPicBuf& dst, unsigned dx, unsigned dy, const SxPicB
                            unsigned w, unsigned h)
 {
     if (!hasPixels(src) || !hasPixels(dst) || !sameKind(src, dst))
-        return refuse("CopyRect", "the buffers differ in channels or type");
+        return refuse("CopyRect", "a buffer has no pixels, or the buffers differ in channels or type");
     SxPicBuf to = rectangleOf(dst, dx, dy, w, h);
     const SxPicBuf from = rectangleOf(src, x, y, to.width, to.height);
     if (!from.data)
@@ -155,7 +155,7 @@ bool CxPicBufAPI::ResizeRect(const SxPicBuf& src, unsigned x, unsigned y, unsign
                              unsigned dx, unsigned dy, unsigned dw, unsigned dh)
 {
     if (!hasPixels(src) || !hasPixels(dst) || !sameKind(src, dst))
-        return refuse("ResizeRect", "the buffers differ in channels or type");
+        return refuse("ResizeRect", "a buffer has no pixels, or the buffers differ in channels or type");
     constexpr unsigned toTheEdge = std::numeric_limits<unsigned>::max();
     const SxPicBuf from = rectangleOf(src, x, y, w ? w : toTheEdge, h ? h : toTheEdge);
     SxPicBuf to = rectangleOf(dst, dx, dy, dw ? dw : toTheEdge, dh ? dh : toTheEdge);

@@ -1,4 +1,4 @@
-// Pixel memory: allocation, release, plain copies.
+// Pixel memory: allocating, freeing and copying.
 
 #include "CxPicBufAPI.h"
 
@@ -19,8 +19,8 @@ constexpr std::uint64_t rowAlignment = 16;
 constexpr unsigned long defaultAlignment = 64;
 constexpr std::uint64_t largeSize = std::uint64_t(256) << 20;
 
-/// Whether the machine can back that many bytes. The kernel promises more memory than there is and ends the process
-/// when the promise is called in, so large sizes are compared with what is really available.
+/// Whether that many bytes are available. The kernel grants more memory than there is and kills the process that then
+/// uses it, so large sizes are checked here.
 bool memoryIsAvailable(std::uint64_t bytes)
 {
     if (bytes < largeSize)
@@ -35,10 +35,11 @@ bool memoryIsAvailable(std::uint64_t bytes)
     return true;
 }
 
-// From this size on memory comes fresh from the system.
+// From this size on, the allocator gets fresh memory from the system.
 constexpr std::uint64_t freshSize = 4U << 20;
 
-// A large block comes fresh from the system, page by page on the first touch. Small pages cost more than the pixels.
+// The system supplies fresh memory page by page as it is first written. With small pages this takes longer than writing
+// the pixels.
 void preferLargePages(std::uint8_t* memory, std::uint64_t bytes)
 {
     const auto page = std::uintptr_t(sysconf(_SC_PAGESIZE));
@@ -70,13 +71,13 @@ void CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, unsigned width, unsigned
 bool CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, const SxPicBufInfo& info, bool uninitialized,
                                       unsigned long alignment)
 {
-    const SxPicBufInfo wanted = info; // may be the record that is about to be filled
+    const SxPicBufInfo wanted = info; // a copy: info may be part of buffer
     static_cast<SxPicBufInfo&>(buffer) = wanted;
     buffer.data = nullptr;
     if (wanted.width == 0 || wanted.height == 0 || wanted.channels == 0)
         return false;
 
-    // Each factor fits 32 bits but for the bytes of a pixel, which are checked first.
+    // The other factors fit into 32 bits. With pixelBytes checked, no product below overflows 64 bits.
     const std::uint64_t pixelBytes = std::uint64_t(wanted.channels) * SxPicBufInfo::bytesPerValue(wanted.dataType);
     if (pixelBytes > std::numeric_limits<std::uint32_t>::max())
         return false;
@@ -93,7 +94,7 @@ bool CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, const SxPicBufInfo& info
         !std::has_single_bit(alignment) || !memoryIsAvailable(bytes))
         return false;
 
-    // aligned_alloc wants a size that is a multiple of the alignment.
+    // aligned_alloc needs a size that is a multiple of the alignment.
     const std::uint64_t rounded = (bytes + alignment - 1) / alignment * alignment;
     auto* memory = static_cast<std::uint8_t*>(std::aligned_alloc(alignment, rounded));
     if (!memory)
@@ -118,12 +119,12 @@ void CxPicBufAPI::FreePicBuf(SxPicBuf& buffer, bool reset)
 bool CxPicBufAPI::CopyPicBuf(SxPicBuf& dst, const SxPicBuf& src, bool withInfo)
 {
     if (!hasPixels(dst) || !hasPixels(src) || !sameSize(dst, src) || !sameKind(dst, src))
-        return refuse("CopyPicBuf", "the buffers differ in size or format");
+        return refuse("CopyPicBuf", "a buffer has no pixels, or the buffers differ in size, channels or type");
     const std::size_t bytes = rowBytes(src);
     if (dst.data != src.data) {
         if (dst.lineStride == bytes && src.lineStride == bytes)
             std::memcpy(dst.data, src.data, src.dataSize());
-        else // padding stays as it is: it may belong to a larger image around this one
+        else // leaves the padding alone: it may be part of a larger image
             for (std::uint32_t y = 0; y < src.height; ++y)
                 std::memcpy(dst.row(y), src.row(y), bytes);
     }

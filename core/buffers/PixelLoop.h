@@ -1,6 +1,6 @@
 #pragma once
 
-// Loops over pixels run in wider vectors where the processor has them, which shows only when the program runs.
+// Runs loops over pixels with the widest vectors that the processor has, which is only known at run time.
 
 #if defined(__x86_64__)
 inline const bool processorHasAvx2 = __builtin_cpu_supports("avx2") != 0;
@@ -12,12 +12,12 @@ __attribute__((target("avx2"), noinline)) void inAvx2Vectors(Loop loop)
 }
 #endif
 
-/// To stand behind the parameters of a lambda for inWidestVectors().
+/// Goes after the parameter list of a lambda for inWidestVectors().
 #define VANTREL_PIXEL_LOOP __attribute__((always_inline))
 
-/// Runs a loop that was compiled for the widest vectors of this processor. It has to be a lambda that takes no
-/// arguments, is marked with VANTREL_PIXEL_LOOP, and captures by value: through references every store could change
-/// every variable.
+/// Runs a loop in the version that is compiled for this processor's widest vectors. The loop must be a lambda without
+/// arguments, be marked with VANTREL_PIXEL_LOOP, and capture by value: with references the compiler must assume that
+/// each store may change every variable.
 template<typename Loop>
 void inWidestVectors(Loop loop)
 {

@@ -7,8 +7,8 @@
 #include <cstring>
 #include <type_traits>
 
-/// Calls visit with the std::type_identity of the number type in which values are stored. False, without a call, for
-/// packed colours and unknown types, whose values are no numbers.
+/// Calls visit with the std::type_identity of the number type that stores the values. For packed colours and unknown
+/// types, whose values are not numbers, does not call visit and returns false.
 template<typename Visitor>
 bool visitNumberType(ExImageDataType type, Visitor&& visit)
 {
@@ -48,8 +48,8 @@ bool visitNumberType(ExImageDataType type, Visitor&& visit)
     }
 }
 
-/// Reads value number index of a row. Rows may start at any address, hence no plain dereferencing; compilers make a
-/// simple load of it.
+/// Reads the value with the given index in a row. A row may start at any address, so the pointer cannot be cast and
+/// dereferenced. Compilers turn the copy into a plain load.
 template<typename T>
 T loadValue(const std::uint8_t* row, std::size_t index)
 {
@@ -58,7 +58,7 @@ T loadValue(const std::uint8_t* row, std::size_t index)
     return value;
 }
 
-/// Writes value number index of a row.
+/// Writes the value with the given index in a row, which may start at any address.
 template<typename T>
 void storeValue(std::uint8_t* row, std::size_t index, T value)
 {

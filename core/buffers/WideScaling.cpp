@@ -10,7 +10,7 @@
 
 namespace {
 
-/// The source values along one axis that make up one value of the destination.
+/// The source values along one axis that contribute to one destination value, with their weights.
 struct Taps {
     std::uint32_t first = 0;
     std::vector<double> weights; ///< their sum is 1
@@ -51,7 +51,8 @@ std::vector<Taps> tapsOf(std::uint32_t from, std::uint32_t to)
 template<typename T>
 using Sum = std::conditional_t<std::is_integral_v<T> && sizeof(T) == 8, long double, double>;
 
-/// Weighs differences from the first value, not the values: equal ones then give exactly themselves.
+/// The weighted mean of the source values. It weighs differences from the first value, so that equal values give
+/// exactly the same value again.
 template<typename T>
 T weighted(const SxPicBuf& src, const Taps& columns, const Taps& rows, std::size_t channel)
 {
@@ -92,10 +93,10 @@ void scale(const SxPicBuf& src, SxPicBuf& dst)
 
 bool scaleWidePixels(const SxPicBuf& src, SxPicBuf& dst)
 {
-    constexpr std::uint32_t mostChannelsOfOpenCv = 4;
+    constexpr std::uint32_t maxOpenCvChannels = 4;
     bool wide = false;
     visitNumberType(src.dataType, [&]<typename T>(std::type_identity<T>) {
-        wide = (sizeof(T) >= 4 && !std::is_same_v<T, float>) || src.channels > mostChannelsOfOpenCv;
+        wide = (sizeof(T) >= 4 && !std::is_same_v<T, float>) || src.channels > maxOpenCvChannels;
         if (wide)
             scale<T>(src, dst);
     });

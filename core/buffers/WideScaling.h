@@ -2,8 +2,8 @@
 
 #include "SxPicBuf.h"
 
-/// Scales the whole of src to the whole of dst where OpenCV does not: types whose values are wider than its
-/// single-precision weights are exact (32- and 64-bit integers and double), and more than four channels of any number
-/// type. An axis that shrinks is averaged, one that grows is interpolated linearly; a constant area keeps its value to
-/// the last bit. Buffers of equal type and channels without common memory. False, and nothing done, for others.
+/// Scales all of src to all of dst where OpenCV cannot: values too wide for its single-precision weights (32- and
+/// 64-bit integers and double), and any number type with more than four channels. Averages along an axis that shrinks
+/// and interpolates linearly along one that grows. A constant area keeps its exact value. The buffers must have equal
+/// types and channels and must not share memory. For all other pixels does nothing and returns false.
 bool scaleWidePixels(const SxPicBuf& src, SxPicBuf& dst);

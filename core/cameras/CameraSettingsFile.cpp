@@ -17,14 +17,13 @@ const QString formatName = QStringLiteral("vantrel camera settings");
 constexpr int formatVersion = 1;
 constexpr qint64 largestFile = 1 << 20;
 
-/// Why a path cannot name a settings file; empty when it can. Devices and pipes cannot: reading one could last for
-/// ever.
-QString whyNoFile(const QString& path)
+/// Why a path cannot be a settings file, or empty if it can. Devices and pipes cannot: reading one may never end.
+QString pathProblem(const QString& path)
 {
     if (path.isEmpty())
-        return QStringLiteral("no file name");
+        return QStringLiteral("the file name is empty");
     const QFileInfo file(path);
-    return file.exists() && !file.isFile() ? QStringLiteral("it is not a file") : QString();
+    return file.exists() && !file.isFile() ? QStringLiteral("it is not a regular file") : QString();
 }
 
 QJsonValue toJson(const CxValue& value)
@@ -33,7 +32,7 @@ QJsonValue toJson(const CxValue& value)
     case CxValue::Integer:
         return value.toInt();
     case CxValue::Floating:
-        // By way of the text, so that 0.1 is written as such and not with the digits of its single precision.
+        // Through text, so that 0.1 is saved as 0.1 and not with all the digits of its single-precision value.
         return value.toString().toDouble();
     case CxValue::Boolean:
         return value.toBool();
@@ -45,7 +44,7 @@ QJsonValue toJson(const CxValue& value)
     return QJsonValue::Null;
 }
 
-/// An empty value for what no parameter can hold.
+/// The value, or an empty one for JSON that no parameter can hold.
 CxValue fromJson(const QJsonValue& json)
 {
     if (json.isBool())
@@ -60,7 +59,7 @@ CxValue fromJson(const QJsonValue& json)
     return CxValue::fromString(QString::number(number, 'g', 17)).converted(CxValue::Floating);
 }
 
-/// The region, nothing when the file has none; ok tells whether what is there is a region.
+/// The region, or nothing if the file has none. ok becomes false if the entry is not a region.
 std::optional<std::array<int, 4>> regionFromJson(const QJsonValue& json, bool& ok)
 {
     ok = json.isUndefined();
@@ -84,9 +83,9 @@ std::optional<CameraSettings> settingsFromJson(const QJsonObject& root)
         root[QStringLiteral("version")].toInt() != formatVersion || !root[QStringLiteral("parameters")].isObject())
         return std::nullopt;
     CameraSettings settings;
-    bool regionIsGood = false;
-    settings.region = regionFromJson(root[QStringLiteral("region")], regionIsGood);
-    if (!regionIsGood)
+    bool regionIsValid = false;
+    settings.region = regionFromJson(root[QStringLiteral("region")], regionIsValid);
+    if (!regionIsValid)
         return std::nullopt;
     const QJsonObject parameters = root[QStringLiteral("parameters")].toObject();
     for (auto entry = parameters.begin(); entry != parameters.end(); ++entry)
@@ -94,7 +93,7 @@ std::optional<CameraSettings> settingsFromJson(const QJsonObject& root)
     return settings;
 }
 
-/// Nothing, and the reason in problem, for a text that is not a settings file's.
+/// The settings in the text of a settings file, or nothing with the reason in problem.
 std::optional<CameraSettings> settingsFromText(const QByteArray& text, QString& problem)
 {
     QJsonParseError error;
@@ -125,7 +124,7 @@ bool writeCameraSettings(const QString& path, const SxCameraInfo& camera, const 
     if (const auto& region = settings.region)
         root[QStringLiteral("region")] = QJsonArray{(*region)[0], (*region)[1], (*region)[2], (*region)[3]};
 
-    QString problem = whyNoFile(path);
+    QString problem = pathProblem(path);
     if (problem.isEmpty()) {
         QSaveFile file(path);
         const QByteArray text = QJsonDocument(root).toJson();
@@ -133,13 +132,13 @@ bool writeCameraSettings(const QString& path, const SxCameraInfo& camera, const 
             return true;
         problem = file.errorString();
     }
-    qWarning("Camera settings were not written to %ls: %ls", qUtf16Printable(path), qUtf16Printable(problem));
+    qWarning("Cannot write camera settings to %ls: %ls", qUtf16Printable(path), qUtf16Printable(problem));
     return false;
 }
 
 std::optional<CameraSettings> readCameraSettings(const QString& path)
 {
-    QString problem = whyNoFile(path);
+    QString problem = pathProblem(path);
     if (problem.isEmpty()) {
         QFile file(path);
         if (!file.open(QIODevice::ReadOnly))
@@ -149,7 +148,7 @@ std::optional<CameraSettings> readCameraSettings(const QString& path)
         else if (auto settings = settingsFromText(file.readAll(), problem))
             return settings;
     }
-    qWarning("Camera settings were not read from %ls: %ls", qUtf16Printable(path), qUtf16Printable(problem));
+    qWarning("Cannot read camera settings from %ls: %ls", qUtf16Printable(path), qUtf16Printable(problem));
     return std::nullopt;
 }
 

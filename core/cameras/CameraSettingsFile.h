@@ -10,20 +10,21 @@
 #include <array>
 #include <optional>
 
-/// What a camera settings file holds.
+/// The contents of a camera settings file.
 struct CameraSettings {
-    QList<QPair<QString, CxValue>> values; ///< in the order of the file
-    /// Offset and size as they stand in the file: any four integers, which QRect could not hold.
+    QList<QPair<QString, CxValue>> values; ///< parameter names and values, in the order of the file
+    /// Offset and size as in the file, unchecked: QRect cannot hold every four integers.
     std::optional<std::array<int, 4>> region;
 };
 
-/// Writes a settings file; the description is for people who read it. The file is complete or, on failure (false, and
-/// a log line), what it was before.
+/// Writes a settings file, with the camera's name for people who read the file. On failure returns false, logs one line
+/// and leaves an existing file unchanged.
 bool writeCameraSettings(const QString& path, const SxCameraInfo& camera, const CameraSettings& settings);
 
-/// Reads a settings file. Nothing, and a log line that says why, for one that cannot be read or is not such a file.
-/// Integral numbers come as integers where they fit, others as floating values.
+/// Reads a settings file. If the file cannot be read or is not a settings file, returns nothing and logs the reason.
+/// Whole numbers become integers if they fit, other numbers floating values.
 std::optional<CameraSettings> readCameraSettings(const QString& path);
 
-/// True when a value read from a file can stand for a parameter of that type.
+/// True if a parameter of the given type can take a value from a file: any number for a numeric type, otherwise a value
+/// of that type.
 bool fitsType(const CxValue& fromFile, CxValue::ExType type);

@@ -5,9 +5,9 @@
 #include <array>
 
 namespace {
-// What a reference image depends on.
-const std::array<QString, 3> keptParams = {QStringLiteral("exposure"), QStringLiteral("gain"),
-                                           QStringLiteral("black_level")};
+// The parameters that a reference image depends on.
+const std::array<QString, 3> savedParams = {QStringLiteral("exposure"), QStringLiteral("gain"),
+                                            QStringLiteral("black_level")};
 } // namespace
 
 CxShadingPreset::CxShadingPreset() = default;
@@ -17,7 +17,7 @@ void CxShadingPreset::saveCurrentValuesFrom(CxCameraParameters* parameters)
     if (!parameters)
         return;
     values.clear();
-    for (const QString& param : keptParams)
+    for (const QString& param : savedParams)
         if (const CxCameraParam* found = parameters->findParam(param, false); found && !found->notSupported)
             values.append({param, found->paramValue()});
     rects = parameters->currentROIRectParams();

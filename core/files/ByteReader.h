@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-/// Reads numbers of a given byte order out of a file's bytes. The caller asks has() first.
+/// Reads numbers in a given byte order from the bytes of a file. Check has() before reading.
 class ByteReader
 {
 public:
@@ -16,7 +16,7 @@ public:
     {
     }
 
-    /// Whether count bytes stand at a place.
+    /// True if the file has count bytes from the given offset on.
     bool has(qsizetype at, qsizetype count) const { return at >= 0 && at <= m_bytes.size() - count; }
 
     std::uint8_t u8(qsizetype at) const { return std::uint8_t(m_bytes[at]); }

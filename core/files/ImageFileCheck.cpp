@@ -7,20 +7,20 @@
 
 namespace {
 
-// The decoders' own limits, checked beforehand so that the message is ours.
+// The decoders have the same limits. Checking first gives our own error message.
 constexpr std::uint64_t maxSide = 1U << 20;
 constexpr std::uint64_t maxPixels = 1U << 30;
 
-// No compression of these formats packs a real image more densely; small images may.
+// No real image in these formats is compressed more than this. Smaller images are not checked.
 constexpr std::uint64_t maxCompression = 4096;
-constexpr std::uint64_t unsuspiciousBytes = 256U << 20;
+constexpr std::uint64_t largeImageBytes = 256U << 20;
 
-/// What a header promises.
-struct Promise {
+/// What a header claims.
+struct HeaderClaim {
     std::uint64_t width = 0;
     std::uint64_t height = 0;
-    std::uint64_t bytesPerPixel = 1; ///< once decoded
-    std::uint64_t fileBytes = 0;     ///< least length of the whole file; 0 when the format does not tell
+    std::uint64_t bytesPerPixel = 1; ///< after decoding
+    std::uint64_t fileBytes = 0;     ///< minimum length of the file; 0 if the format does not say
 };
 
 QString truncated()
@@ -33,19 +33,19 @@ QString damagedHeader()
     return QStringLiteral("has a damaged header");
 }
 
-QString problemOf(const Promise& promise, qsizetype fileSize)
+QString problemOf(const HeaderClaim& claim, qsizetype fileSize)
 {
-    if (promise.width == 0 || promise.height == 0)
+    if (claim.width == 0 || claim.height == 0)
         return damagedHeader();
-    const QString size = QStringLiteral("%1 x %2 pixels").arg(promise.width).arg(promise.height);
-    if (promise.width > maxSide || promise.height > maxSide || promise.width * promise.height > maxPixels)
+    const QString size = QStringLiteral("%1 x %2 pixels").arg(claim.width).arg(claim.height);
+    if (claim.width > maxSide || claim.height > maxSide || claim.width * claim.height > maxPixels)
         return QStringLiteral("is too large: its header says %1").arg(size);
-    const std::uint64_t decoded = promise.width * promise.height * promise.bytesPerPixel;
+    const std::uint64_t decoded = claim.width * claim.height * claim.bytesPerPixel;
     const auto length = std::uint64_t(fileSize);
-    if (length < promise.fileBytes)
+    if (length < claim.fileBytes)
         return truncated();
-    if (decoded > unsuspiciousBytes && decoded / maxCompression > length)
-        return QStringLiteral("is damaged: its header says %1, which %2 bytes cannot hold").arg(size).arg(length);
+    if (decoded > largeImageBytes && decoded / maxCompression > length)
+        return QStringLiteral("is damaged: its header says %1, but the file has only %2 bytes").arg(size).arg(length);
     return QString();
 }
 
@@ -56,11 +56,11 @@ QString pngProblem(const QByteArray& file)
         return truncated();
     if (file.mid(12, 4) != "IHDR")
         return damagedHeader();
-    Promise promise;
-    promise.width = reader.u32(16);
-    promise.height = reader.u32(20);
-    promise.bytesPerPixel = reader.u8(24) == 16 ? 8 : 4;
-    return problemOf(promise, file.size());
+    HeaderClaim claim;
+    claim.width = reader.u32(16);
+    claim.height = reader.u32(20);
+    claim.bytesPerPixel = reader.u8(24) == 16 ? 8 : 4;
+    return problemOf(claim, file.size());
 }
 
 QString bmpProblem(const QByteArray& file)
@@ -72,21 +72,21 @@ QString bmpProblem(const QByteArray& file)
     const bool old = reader.u32(14) == 12;
     if (!old && !reader.has(0, 54))
         return truncated();
-    Promise promise;
-    promise.width = old ? reader.u16(18) : reader.u32(18);
-    promise.height = old ? reader.u16(20) : reader.u32(22);
+    HeaderClaim claim;
+    claim.width = old ? reader.u16(18) : reader.u32(18);
+    claim.height = old ? reader.u16(20) : reader.u32(22);
     if (!old && std::int32_t(reader.u32(22)) < 0) // rows from top to bottom
-        promise.height = 0 - reader.u32(22);
-    promise.bytesPerPixel = 4;
+        claim.height = 0 - reader.u32(22);
+    claim.bytesPerPixel = 4;
     const std::uint64_t bits = old ? reader.u16(24) : reader.u16(28);
     const std::uint32_t compression = old ? 0 : reader.u32(30);
     const bool runLengths = compression == 1 || compression == 2;
-    if (!runLengths && promise.width <= maxSide && promise.height <= maxSide)
-        promise.fileBytes = pixels + (promise.width * bits + 31) / 32 * 4 * promise.height;
-    return problemOf(promise, file.size());
+    if (!runLengths && claim.width <= maxSide && claim.height <= maxSide)
+        claim.fileBytes = pixels + (claim.width * bits + 31) / 32 * 4 * claim.height;
+    return problemOf(claim, file.size());
 }
 
-/// Reads the header of a portable anymap: numbers in text with comments among them.
+/// Reads the header of a portable anymap: numbers in text, with comments between them.
 class AnymapHeader
 {
 public:
@@ -95,7 +95,7 @@ public:
     {
     }
 
-    /// The next number, or 0 when there is none.
+    /// The next number, or 0 if there is none.
     std::uint64_t number()
     {
         while (m_at < m_file.size() && !isDigit()) {
@@ -112,7 +112,7 @@ public:
         return value;
     }
 
-    /// Where the last number ended.
+    /// The offset just after the last number read.
     std::uint64_t position() const { return std::uint64_t(m_at); }
 
 private:
@@ -134,29 +134,29 @@ QString anymapProblem(const QByteArray& file)
     const bool bitmap = kind == '1' || kind == '4';
     const std::uint64_t channels = kind == '3' || kind == '6' ? 3 : 1;
     AnymapHeader header(file);
-    Promise promise;
-    promise.width = header.number();
-    promise.height = header.number();
+    HeaderClaim claim;
+    claim.width = header.number();
+    claim.height = header.number();
     const std::uint64_t maximum = bitmap ? 1 : header.number();
     if (maximum == 0 || maximum > 65535)
         return damagedHeader();
-    promise.bytesPerPixel = channels * (maximum > 255 ? 2 : 1);
-    if (promise.width <= maxSide && promise.height <= maxSide) {
-        const std::uint64_t values = promise.width * promise.height * channels;
+    claim.bytesPerPixel = channels * (maximum > 255 ? 2 : 1);
+    if (claim.width <= maxSide && claim.height <= maxSide) {
+        const std::uint64_t values = claim.width * claim.height * channels;
         const std::uint64_t begin = header.position() + 1;
         if (kind == '1')
-            promise.fileBytes = header.position() + values;
-        else if (kind == '2' || kind == '3') // at least a digit and a space for each
-            promise.fileBytes = header.position() + values * 2;
+            claim.fileBytes = header.position() + values;
+        else if (kind == '2' || kind == '3') // at least a digit and a space per value
+            claim.fileBytes = header.position() + values * 2;
         else if (kind == '4')
-            promise.fileBytes = begin + (promise.width + 7) / 8 * promise.height;
+            claim.fileBytes = begin + (claim.width + 7) / 8 * claim.height;
         else
-            promise.fileBytes = begin + values * (maximum > 255 ? 2 : 1);
+            claim.fileBytes = begin + values * (maximum > 255 ? 2 : 1);
     }
-    return problemOf(promise, file.size());
+    return problemOf(claim, file.size());
 }
 
-/// The end of the entropy-coded data that starts at a place: where the next true marker begins.
+/// The end of the entropy-coded data that starts at an offset: the start of the next marker.
 qsizetype endOfScan(const QByteArray& file, qsizetype at)
 {
     for (;;) {
@@ -175,7 +175,7 @@ QString jpegProblem(const QByteArray& file)
     constexpr std::uint8_t endOfImage = 0xD9;
     constexpr std::uint8_t startOfScan = 0xDA;
     const ByteReader reader(file, ByteReader::BigEndian);
-    Promise promise;
+    HeaderClaim claim;
     qsizetype at = 2;
     for (;;) {
         if (!reader.has(at, 2))
@@ -193,15 +193,15 @@ QString jpegProblem(const QByteArray& file)
             return truncated();
         const bool frame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
         if (frame && reader.u16(at + 2) >= 8) {
-            promise.height = reader.u16(at + 5);
-            promise.width = reader.u16(at + 7);
-            promise.bytesPerPixel = 3;
+            claim.height = reader.u16(at + 5);
+            claim.width = reader.u16(at + 7);
+            claim.bytesPerPixel = 3;
         }
         at += 2 + std::max<qsizetype>(reader.u16(at + 2), 2);
         if (marker == startOfScan)
             at = endOfScan(file, at);
     }
-    return problemOf(promise, file.size());
+    return problemOf(claim, file.size());
 }
 
 QString tiffProblem(const QByteArray& file)
@@ -219,8 +219,8 @@ QString tiffProblem(const QByteArray& file)
     constexpr unsigned tileWidth = 322;
     constexpr unsigned tileLength = 323;
     constexpr unsigned shortType = 3;
-    Promise promise;
-    Promise tile;
+    HeaderClaim claim;
+    HeaderClaim tile;
     std::uint64_t bits = 1;
     std::uint64_t samples = 1;
     for (int i = 0; i < reader.u16(directory); ++i) {
@@ -228,12 +228,12 @@ QString tiffProblem(const QByteArray& file)
         const std::uint64_t value = reader.u16(entry + 2) == shortType ? reader.u16(entry + 8) : reader.u32(entry + 8);
         switch (reader.u16(entry)) {
         case imageWidth:
-            promise.width = value;
+            claim.width = value;
             break;
         case imageLength:
-            promise.height = value;
+            claim.height = value;
             break;
-        case bitsPerSample: // one for each sample; more than two lie elsewhere in the file
+        case bitsPerSample: // one value for each sample; more than two are stored elsewhere in the file
             bits = value;
             if (reader.u32(entry + 4) > 2 && reader.has(qsizetype(reader.u32(entry + 8)), 2))
                 bits = reader.u16(qsizetype(reader.u32(entry + 8)));
@@ -251,14 +251,14 @@ QString tiffProblem(const QByteArray& file)
             break;
         }
     }
-    promise.bytesPerPixel = std::clamp<std::uint64_t>(bits / 8, 1, 8) * std::clamp<std::uint64_t>(samples, 1, 65535);
+    claim.bytesPerPixel = std::clamp<std::uint64_t>(bits / 8, 1, 8) * std::clamp<std::uint64_t>(samples, 1, 65535);
     if (tile.width != 0 && tile.height != 0) {
-        tile.bytesPerPixel = promise.bytesPerPixel;
+        tile.bytesPerPixel = claim.bytesPerPixel;
         const QString problem = problemOf(tile, file.size());
         if (!problem.isEmpty())
             return problem;
     }
-    return problemOf(promise, file.size());
+    return problemOf(claim, file.size());
 }
 
 } // namespace
@@ -277,5 +277,5 @@ QString imageFileProblem(const QByteArray& file)
         return bmpProblem(file);
     if (file.size() > 2 && file[0] == 'P' && file[1] >= '1' && file[1] <= '6')
         return anymapProblem(file);
-    return QStringLiteral("is not an image, or damaged");
+    return QStringLiteral("is not an image or is damaged");
 }

@@ -3,9 +3,9 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
-/// Looks at an image file before it is decoded: whether the format is one of those that the viewer reads, whether the
-/// size in its header is sane, and whether the file is as long as the header says, as far as the format tells.
+/// Checks an image file before decoding: whether the viewer reads its format, whether the size in the header is sane,
+/// and whether the file is as long as the header says, if the format allows this check.
 ///
-/// Decoders reserve memory for whatever a header promises, and some fill in the missing rest of a truncated file, so
-/// both are found out here. Returns what is wrong in words that follow the file's name, or nothing.
+/// Decoders allocate whatever memory a header claims, and some fill in the missing part of a truncated file; this check
+/// prevents both. Returns the problem as a predicate for the file, such as "is truncated", or an empty text.
 QString imageFileProblem(const QByteArray& file);

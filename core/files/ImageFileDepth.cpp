@@ -39,7 +39,7 @@ ByteReader tiffReader(const QByteArray& file)
     return ByteReader(file, file[0] == 'I' ? ByteReader::LittleEndian : ByteReader::BigEndian);
 }
 
-/// The check value that ends a PNG chunk.
+/// The checksum that ends a PNG chunk.
 quint32 chunkCheck(const QByteArray& data)
 {
     quint32 check = 0xFFFFFFFFU;
@@ -66,7 +66,7 @@ unsigned pngDepth(const QByteArray& file)
         const QByteArray kind = file.mid(at + 4, 4);
         const QByteArray data = file.mid(at + 8, qsizetype(reader.u32(at)));
         if (kind == "IDAT")
-            return 0; // ours stands before the pixels
+            return 0; // our chunk comes before the pixels
         if (kind == "tEXt" && data.startsWith(pngKeyword + '\0'))
             return data.mid(pngKeyword.size() + 1).toUInt();
         at += 12 + data.size();
@@ -82,7 +82,7 @@ QByteArray pngWithDepth(const QByteArray& file, unsigned bits)
     return file.left(pngHeaderEnd) + chunk + file.mid(pngHeaderEnd);
 }
 
-/// Where the entries of the first directory start, and how many there are; none when it is not inside the file.
+/// The offset of the first directory's entries and their number; 0 entries if the directory is not inside the file.
 struct TiffDirectory {
     qsizetype begin = 0;
     qsizetype count = 0;
@@ -111,8 +111,8 @@ unsigned tiffDepth(const QByteArray& file)
     return 0;
 }
 
-/// Appends a copy of the first directory with the further tag and lets the header point to it: what stands in the file
-/// keeps its place.
+/// Appends a copy of the first directory with the additional tag, and points the header to it. All other data stays at
+/// its offset.
 QByteArray tiffWithDepth(const QByteArray& file, unsigned bits)
 {
     const ByteReader reader = tiffReader(file);
@@ -144,8 +144,8 @@ QByteArray tiffWithDepth(const QByteArray& file, unsigned bits)
     if (result.size() % 2)
         result += '\0';
     const quint16 maximum = quint16((1U << bits) - 1);
-    QByteArray
-        place; // one value for each sample: in the entry itself or, when there are too many, before the directory
+    // One value for each sample: in the entry itself or, if there are more than two, before the directory.
+    QByteArray place;
     for (quint16 i = 0; i < samples; ++i)
         place += u16(maximum);
     if (samples > 2) {
@@ -165,7 +165,7 @@ QByteArray tiffWithDepth(const QByteArray& file, unsigned bits)
     return result;
 }
 
-/// Where the maximum stands in the header: its third number. Comments go to the end of their line.
+/// Where the header has its third number, the maximum. A comment ends with its line.
 struct AnymapMaximum {
     qsizetype begin = 0;
     qsizetype end = 0;
@@ -192,7 +192,7 @@ AnymapMaximum anymapMaximum(const QByteArray& file)
 
 } // namespace
 
-unsigned notedDepth(const QByteArray& file)
+unsigned recordedDepth(const QByteArray& file)
 {
     if (isPng(file))
         return pngDepth(file);
@@ -205,7 +205,7 @@ unsigned notedDepth(const QByteArray& file)
     return 0;
 }
 
-QByteArray withNotedDepth(const QByteArray& file, unsigned bits)
+QByteArray withRecordedDepth(const QByteArray& file, unsigned bits)
 {
     if (isPng(file))
         return pngWithDepth(file, bits);

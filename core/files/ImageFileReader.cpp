@@ -40,7 +40,7 @@ bool ImageFileReader::readFile()
     } catch (const cv::Exception&) {
         problem = QStringLiteral("is damaged");
     } catch (const std::bad_alloc&) {
-        problem = QStringLiteral("is too large for the memory");
+        problem = QStringLiteral("is too large for the available memory");
     }
     if (!problem.isEmpty())
         qCritical().noquote() << QStringLiteral("Cannot read image file %1: it %2").arg(m_path, problem);
@@ -57,7 +57,7 @@ QString ImageFileReader::read()
     QFile file(m_path);
     if (!file.exists())
         return QStringLiteral("does not exist");
-    if (!QFileInfo(m_path).isFile()) // a pipe or a device might never end
+    if (!QFileInfo(m_path).isFile()) // a pipe or a device may never end
         return QStringLiteral("is not a regular file");
     if (!file.open(QIODevice::ReadOnly))
         return QStringLiteral("cannot be opened (%1)").arg(file.errorString());
@@ -71,14 +71,14 @@ QString ImageFileReader::read()
     if (pixels.empty())
         return QStringLiteral("is damaged");
     if (dataTypeOfDepth(pixels.depth()) == ExImageDataType::None)
-        return QStringLiteral("has values of a kind that is not supported");
+        return QStringLiteral("has pixel values of an unsupported type");
     SxPicBuf buffer = picBufFromMat(pixels);
     if (!buffer.data)
-        return QStringLiteral("is too large for the memory");
-    const unsigned noted = notedDepth(bytes);
-    if (buffer.dataType == ExImageDataType::UInt16 && noted > 0 && noted < buffer.bpc) {
-        buffer.bpc = noted;
-        if (!CxPicBufAPI::CheckPicValidData(buffer)) // the note is about other pixels
+        return QStringLiteral("is too large for the available memory");
+    const unsigned recorded = recordedDepth(bytes);
+    if (buffer.dataType == ExImageDataType::UInt16 && recorded > 0 && recorded < buffer.bpc) {
+        buffer.bpc = recorded;
+        if (!CxPicBufAPI::CheckPicValidData(buffer)) // the file records too few bits
             buffer.bpc = 16;
     }
     m_image = std::make_unique<CxImageData>();

@@ -8,23 +8,24 @@
 
 class CxImageData;
 
-/// Reads one still image: PNG, TIFF (its first page), JPEG, BMP, PGM, PPM. The content decides, not the extension.
+/// Reads one still image: PNG, TIFF (first page), JPEG, BMP, PGM or PPM. The content decides the format, not the
+/// extension.
 ///
-/// Pixels come as the file stores them, colours blue first. bpc is what the file says (see ImageFileDepth.h), else the
-/// width of the type.
+/// Pixels have the type that the file stores, with colours blue first. bpc is what the file records (see
+/// ImageFileDepth.h), otherwise the width of the type.
 class ImageFileReader final : public CxImageFileLoader
 {
 public:
     explicit ImageFileReader(const QString& path);
     ~ImageFileReader() override;
 
-    /// False with one log line for a file that is missing, empty, truncated, damaged or too large. Never throws.
+    /// Returns false and logs one line if the file is missing, empty, truncated, damaged or too large. Never throws.
     bool readFile() override;
 
     QObject* frameAt(int index) override;
 
 private:
-    /// Reads the file or returns what is wrong.
+    /// Reads the file. Returns the problem as a predicate for the file ("is damaged"), or an empty text on success.
     QString read();
 
     QString m_path;

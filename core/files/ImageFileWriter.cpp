@@ -43,7 +43,7 @@ StorableTypes storableTypes(Format format, std::uint32_t channels)
     case Format::Bmp:
     case Format::Jpeg:
         return {{Type::UInt8}, true};
-    case Format::Tiff: // the encoder takes the further ones with one channel only
+    case Format::Tiff: // the encoder accepts the other types only with one channel
         if (channels == 1)
             return {{Type::UInt8, Type::UInt16, Type::Int8, Type::Int16, Type::Int32, Type::Float, Type::Double}};
         return {{Type::UInt8, Type::UInt16, Type::Float}};
@@ -74,14 +74,14 @@ std::vector<int> encoderParameters(Format format, const QVariantMap& options)
         const int quality = options.value(QStringLiteral("quality"), 95).toInt();
         return {cv::IMWRITE_JPEG_QUALITY, std::clamp(quality, 0, 100)};
     }
-    constexpr int lzw = 5; // said outright: by default colour floats would go through a lossy one
+    constexpr int lzw = 5; // explicit, because the default for floating colours is lossy
     if (format == Format::Tiff)
         return {cv::IMWRITE_TIFF_COMPRESSION, lzw};
     return {};
 }
 
-/// Whether there is something to note about the depth of the values, and it is true.
-bool hasDepthToNote(const SxPicBuf& pixels)
+/// True if the values have fewer than 16 bits, and bpc says so correctly.
+bool hasDepthToRecord(const SxPicBuf& pixels)
 {
     return pixels.dataType == ExImageDataType::UInt16 && pixels.bpc > 0 && pixels.bpc < 16 &&
            CxPicBufAPI::CheckPicValidData(pixels);
@@ -91,7 +91,7 @@ QString writeFile(const QString& path, const QByteArray& bytes)
 {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-        return QStringLiteral("cannot be written (%1)").arg(file.errorString());
+        return QStringLiteral("the file cannot be written (%1)").arg(file.errorString());
     return QString();
 }
 
@@ -109,12 +109,12 @@ bool ImageFileWriter::saveImage(CxImageData* image, const QVariantMap* options)
     try {
         problem = save(image, options ? *options : QVariantMap());
     } catch (const cv::Exception& error) {
-        problem = QStringLiteral("cannot be encoded (%1)").arg(QString::fromStdString(error.err));
+        problem = QStringLiteral("the image cannot be encoded (%1)").arg(QString::fromStdString(error.err));
     } catch (const std::bad_alloc&) {
-        problem = QStringLiteral("is too large for the memory");
+        problem = QStringLiteral("the image is too large for the available memory");
     }
     if (!problem.isEmpty())
-        qCritical().noquote() << QStringLiteral("Cannot save image file %1: it %2").arg(m_path, problem);
+        qCritical().noquote() << QStringLiteral("Cannot save image file %1: %2").arg(m_path, problem);
     return problem.isEmpty();
 }
 
@@ -122,14 +122,14 @@ QString ImageFileWriter::save(CxImageData* image, const QVariantMap& options) co
 {
     const SxPicBuf* buffer = image ? image->picBuf() : nullptr;
     if (!buffer || !buffer->data)
-        return QStringLiteral("has no pixels");
+        return QStringLiteral("the image has no pixels");
     const Format format = formatOf(m_extension);
     if (buffer->channels != 1 && buffer->channels != 3 && buffer->channels != 4)
-        return QStringLiteral("has %1 channels, which no file format holds").arg(buffer->channels);
+        return QStringLiteral("the image has %1 channels, but a file can hold 1, 3 or 4").arg(buffer->channels);
     ScopedPicBuf converted;
     const SxPicBuf storable = storablePixels(*buffer, storableTypes(format, buffer->channels), converted);
     if (!storable.data)
-        return QStringLiteral("has values that the format cannot hold");
+        return QStringLiteral("the file format cannot hold the values of the image");
 
     cv::Mat pixels = readMat(storable, matDepth(storable.dataType));
     if (pixels.channels() == 4 && !keepsAlpha(format)) {
@@ -139,8 +139,8 @@ QString ImageFileWriter::save(CxImageData* image, const QVariantMap& options) co
     }
     std::vector<uchar> encoded;
     if (!cv::imencode(encoderName(format, pixels.channels()), pixels, encoded, encoderParameters(format, options)))
-        return QStringLiteral("cannot be encoded");
+        return QStringLiteral("the image cannot be encoded");
     const auto bytes =
         QByteArray::fromRawData(reinterpret_cast<const char*>(encoded.data()), qsizetype(encoded.size()));
-    return writeFile(m_path, hasDepthToNote(storable) ? withNotedDepth(bytes, storable.bpc) : bytes);
+    return writeFile(m_path, hasDepthToRecord(storable) ? withRecordedDepth(bytes, storable.bpc) : bytes);
 }

@@ -4,33 +4,33 @@
 
 #include <QtCore/QString>
 
-/// Writes one still image in the format that the file's extension names.
+/// Writes one still image. The file's extension decides the format.
 ///
 /// | format    | channels                 | values                                                               |
 /// |-----------|--------------------------|----------------------------------------------------------------------|
 /// | PNG       | 1, 3, 4                  | unsigned 8 and 16 bits                                               |
 /// | TIFF      | 1, 3, 4                  | the same and 32-bit float; with one channel also signed 8, 16 and 32 |
 /// |           |                          | bits and 64-bit float                                                |
-/// | PGM, PPM  | 1, 3 (by the image, not by the extension); alpha is dropped | unsigned 8 and 16 bits            |
+/// | PGM, PPM  | 1 (PGM), 3 (PPM), whatever the extension; alpha is dropped | unsigned 8 and 16 bits             |
 /// | BMP, JPEG | 1, 3; alpha is dropped   | unsigned 8 bits                                                      |
 ///
-/// Values of other types are stored in one of these that holds every single one unchanged, and refused where there is
-/// none: a save never changes a value. Two exceptions are for pictures that are looked at: BMP and JPEG take deeper
-/// unsigned values with their full scale as 255, and packed colours become 8-bit colours. The bits in use of 16-bit
-/// values are noted in the file (see ImageFileDepth.h).
+/// Values of other types are stored in one of these types if it can hold all of them unchanged; otherwise saving fails.
+/// There are two exceptions, for pictures to look at: in BMP and JPEG the full scale of deeper unsigned values becomes
+/// 255, and packed colours become 8-bit colours. JPEG compression loses detail. The file records how many bits of
+/// 16-bit values are in use (see ImageFileDepth.h).
 class ImageFileWriter final : public CxImageFileSaver
 {
 public:
-    /// extension  in lower case, without the point.
+    /// extension  in lower case, without the dot.
     ImageFileWriter(const QString& path, const QString& extension);
 
-    /// Encodes in memory, writes to a temporary file beside the target and renames that, so that a failure leaves an
-    /// older file as it was. False with one log line on any failure. Takes the option "quality" (JPEG, 0 to 100,
-    /// default 95). Never throws.
+    /// Encodes the image in memory, writes a temporary file beside the target and renames it. On failure returns false,
+    /// logs one line and leaves an existing file unchanged. The option "quality" is for JPEG: 0 to 100, default 95.
+    /// Never throws.
     bool saveImage(CxImageData* image, const QVariantMap* options) override;
 
 private:
-    /// Saves or returns what is wrong.
+    /// Saves the image. Returns the problem, or an empty text on success.
     QString save(CxImageData* image, const QVariantMap& options) const;
 
     QString m_path;

@@ -17,7 +17,7 @@ void allocate(ScopedPicBuf& target, const SxPicBufInfo& like, ExImageDataType ty
         throw std::bad_alloc();
 }
 
-/// The integers up to which a floating type has every one.
+/// The largest integer up to which a floating type can hold every integer.
 std::uint64_t exactIntegers(ExImageDataType type)
 {
     return type == ExImageDataType::Float ? 1ULL << 24U : 1ULL << 53U;
@@ -28,8 +28,9 @@ bool isFloating(ExImageDataType type)
     return type == ExImageDataType::Float || type == ExImageDataType::Double;
 }
 
-/// Converts there and back: what comes out the same has lost nothing, but for integers that were rounded up beyond
-/// their own type and clipped on the way back.
+/// True if a conversion there and back gives the same pixels; converted then holds them in the given type. Large
+/// integers are checked first: a floating type could round them up beyond their own type, and clipping would then
+/// restore them.
 bool convertsUnchanged(const SxPicBuf& pixels, ExImageDataType type, ScopedPicBuf& converted)
 {
     if (isFloating(type) && !isFloating(pixels.dataType) &&

@@ -4,15 +4,16 @@
 
 #include <QtCore/QList>
 
-/// Which pixels a file format can store.
+/// The pixel types that a file format can store.
 struct StorableTypes {
-    /// The types, those that are preferred first.
+    /// The types in order of preference.
     QList<ExImageDataType> types;
-    /// Whether deeper unsigned values may be scaled to 8 bits: for formats of pictures for the eye.
+    /// Whether deeper unsigned values may be scaled to 8 bits, in formats for pictures to look at.
     bool scalesToBytes = false;
 };
 
-/// The pixels in a type that the format stores: as they are where it does; packed colours as 8-bit colours; else in the
-/// first of the types that holds every single value unchanged; else scaled where that is allowed. A record without
-/// pixels when there is no such type. converted owns the memory if new memory was needed. Throws std::bad_alloc.
+/// The pixels in a type that the format can store, chosen in this order: their own type; 8-bit colour for packed
+/// colours; 8 bits with scaling for unsigned values, if the format allows it; the first type that holds every value
+/// unchanged. A record without pixels if there is none. converted owns the memory of converted pixels. Throws
+/// std::bad_alloc.
 SxPicBuf storablePixels(const SxPicBuf& pixels, const StorableTypes& format, ScopedPicBuf& converted);

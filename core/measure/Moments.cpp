@@ -7,7 +7,7 @@
 
 namespace {
 
-/// Sums that do not wait for each other, as many as fill the registers.
+/// Independent sums, so that no addition waits for the one before; as many as fill the vector registers.
 template<typename T>
 class Lanes
 {
@@ -26,12 +26,12 @@ public:
         const MomentSum<T> difference = static_cast<MomentSum<T>>(value) - m_base;
         m_sums[lane] += difference;
         m_squares[lane] += difference * difference;
-        // In this order a not-a-number is never taken.
+        // In this order of operands NaN is never stored.
         m_least[lane] = value < m_least[lane] ? value : m_least[lane];
         m_greatest[lane] = value > m_greatest[lane] ? value : m_greatest[lane];
     }
 
-    [[gnu::always_inline]] Moments<T> together() const
+    [[gnu::always_inline]] Moments<T> combined() const
     {
         Moments<T> all = {0, 0, m_least[0], m_greatest[0]};
         for (std::size_t lane = 0; lane < count; ++lane) {
@@ -62,7 +62,7 @@ template<typename T>
             lanes.take(lane, loadValue<T>(values, i + lane));
     for (std::size_t lane = 0; lane < rest; ++lane)
         lanes.take(lane, loadValue<T>(values, count - rest + lane));
-    return lanes.together();
+    return lanes.combined();
 }
 
 } // namespace

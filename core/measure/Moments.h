@@ -4,21 +4,21 @@
 #include <cstdint>
 #include <type_traits>
 
-/// In which values of a type are summed, where 128-bit integers are not wide enough.
+/// The type of sums for value types that a 128-bit integer cannot sum exactly.
 template<typename T>
 using MomentSum = std::conditional_t<std::is_floating_point_v<T>, double, long double>;
 
-/// Sums over a run of values, and its ends.
+/// Sums, minimum and maximum of a run of values.
 template<typename T>
 struct Moments {
-    MomentSum<T> sum = 0;     ///< of the differences from the base
-    MomentSum<T> squares = 0; ///< of their squares
-    T least;
-    T greatest;
+    MomentSum<T> sum = 0;     ///< sum of the differences from the base
+    MomentSum<T> squares = 0; ///< sum of the squares of these differences
+    T least;                  ///< minimum
+    T greatest;               ///< maximum
 };
 
-/// Goes once through values that stand one after another at any address. least and greatest are where the search for
-/// the ends begins; a value that is not a number is in the sums, but is never one of them. The order of the sums, and
-/// so the result, does not depend on the processor. For float, double and 64-bit integers.
+/// The moments of contiguous values, which may start at any address. least and greatest are the minimum and maximum so
+/// far. NaN makes the sums NaN but never becomes the minimum or maximum. The order of the additions, and so the result,
+/// is the same on every processor. For float, double and 64-bit integers.
 template<typename T>
 Moments<T> momentsOf(const std::uint8_t* values, std::size_t count, MomentSum<T> base, T least, T greatest);

@@ -8,10 +8,11 @@
 #include <limits>
 #include <type_traits>
 
-// Minimum, maximum, mean and deviation of many values, without loss: integers of up to 32 bits are summed exactly,
-// wider ones and floating values as deviations from the mean of each run, which are then merged.
+// Minimum, maximum, mean and variance of many values without loss of precision. Integers of up to 32 bits are summed
+// exactly. Wider integers and floating values are summed in blocks, each relative to its first value; the means and
+// squared deviations of the blocks are then merged.
 
-/// What is known about a set of values once all are in.
+/// Statistics of a set of values.
 struct ValueSummary {
     long double min = 0;
     long double max = 0;
@@ -19,15 +20,15 @@ struct ValueSummary {
     long double variance = 0;
 };
 
-/// For integers of up to 32 bits.
+/// Statistics of integers of up to 32 bits.
 template<typename T>
 class ExactStatistics
 {
 public:
-    /// Adds values that stand one after another at any address.
+    /// Adds contiguous values, which may start at any address.
     void add(const std::uint8_t* values, std::size_t count)
     {
-        constexpr std::size_t block = 16384; // keeps the sums of a block within 32 bits for small types
+        constexpr std::size_t block = 16384; // small enough for 32-bit sums of small types
         for (std::size_t i = 0; i < count; i += block)
             addBlock(values + i * sizeof(T), std::min(block, count - i));
     }
@@ -51,14 +52,14 @@ private:
 
     void addBlock(const std::uint8_t* values, std::size_t count)
     {
-        // As narrow as holds a block: the narrower, the more values a vector has.
+        // The narrowest types that can hold a block's sums: more values fit into a vector.
         using BlockSum = std::conditional_t<sizeof(T) == 4, std::int64_t,
                                             std::conditional_t<std::is_signed_v<T>, std::int32_t, std::uint32_t>>;
         using Square = std::conditional_t<sizeof(T) == 4, std::uint64_t, std::uint32_t>;
         using BlockSquares = std::conditional_t<sizeof(T) == 1, std::uint32_t, std::uint64_t>;
         BlockSum sum = 0;
         BlockSquares squares = 0;
-        std::uint64_t upperSquares = 0; // a block of 32-bit values: halves of the squares apart
+        std::uint64_t upperSquares = 0; // for 32-bit values: the upper halves of the squares, summed separately
         T least = std::numeric_limits<T>::max();
         T greatest = std::numeric_limits<T>::min();
         for (std::size_t i = 0; i < count; ++i) {
@@ -91,17 +92,16 @@ private:
     T m_max = std::numeric_limits<T>::min();
 };
 
-/// For 64-bit integers and floating types. A value that is not a number makes mean and variance so, and counts neither
-/// for the minimum nor for the maximum.
+/// Statistics of 64-bit integers and floating values. NaN makes mean and variance NaN; minimum and maximum ignore it.
 template<typename T>
 class MergedStatistics
 {
 public:
-    /// Adds values that stand one after another at any address.
+    /// Adds contiguous values, which may start at any address.
     void add(const std::uint8_t* values, std::size_t count)
     {
-        // The mean of some values cannot be further from one of them than their number allows: few enough, and sums
-        // around the first one keep their digits.
+        // The mean of n values lies within sqrt(n - 1) standard deviations of each of them. In a small block the sums
+        // around the first value therefore lose few digits.
         constexpr std::size_t block = 2048;
         for (std::size_t i = 0; i < count; i += block)
             addBlock(values + i * sizeof(T), std::min(block, count - i));
@@ -110,10 +110,10 @@ public:
     ValueSummary summary() const
     {
         ValueSummary summary;
-        const bool nothing = m_min > m_max;
+        const bool onlyNan = m_min > m_max;
         constexpr long double unknown = std::numeric_limits<long double>::quiet_NaN();
-        summary.min = nothing ? unknown : static_cast<long double>(m_min);
-        summary.max = nothing ? unknown : static_cast<long double>(m_max);
+        summary.min = onlyNan ? unknown : static_cast<long double>(m_min);
+        summary.max = onlyNan ? unknown : static_cast<long double>(m_max);
         summary.mean = m_mean;
         summary.variance = m_squares / m_count;
         return summary;
@@ -161,7 +161,7 @@ private:
 
     std::uint64_t m_count = 0;
     long double m_mean = 0;
-    long double m_squares = 0; ///< of the deviations from the mean
+    long double m_squares = 0; ///< sum of the squared deviations from the mean
     T m_min = above();
     T m_max = below();
 };

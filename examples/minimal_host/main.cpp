@@ -1,4 +1,4 @@
-// The least that an application needs to run scripts: one window that shows the image a script gives it.
+// The minimum that an application needs to run scripts: a host without windows that holds one image.
 
 #include <vantrel/CxImageData.h>
 #include <vantrel/CxScriptLangInterface.h>
@@ -18,7 +18,7 @@
 
 namespace {
 
-/// One image in memory stands for the application's only view, number 0. What it does not have it declines.
+/// One image in memory stands for the application's only view, number 0. The other operations do nothing or fail.
 class Application : public IxAppDelegate
 {
 public:
@@ -40,7 +40,7 @@ public:
     bool openFile(const QString&, bool) override { return false; }
     bool newViewWithImage(CxImageData* image, const QString& title) override
     {
-        m_shown.reset(image); // taken over
+        m_shown.reset(image); // the host owns it now
         std::printf("showing \"%s\", %u x %u pixels\n", qPrintable(title), image->picBuf()->width,
                     image->picBuf()->height);
         return true;
@@ -53,7 +53,7 @@ private:
     std::unique_ptr<CxImageData> m_shown;
 };
 
-/// The services of a run: paths start at the current directory.
+/// The services of a run. Relative paths start at the current directory.
 class Environment : public IxScriptEnvironment
 {
 public:
@@ -100,6 +100,6 @@ int main(int argc, char** argv)
                             nullptr, [](const QString& text, bool) { std::fputs(qPrintable(text), stdout); });
     std::fputs(qPrintable(errors), stderr);
 
-    delete loader.instance(); // ends the interpreter, while application and environment still exist
+    delete loader.instance(); // ends the interpreter while delegate and environment still exist
     return errors.isEmpty() ? 0 : 1;
 }

@@ -1,4 +1,4 @@
-"""Shows how bright the active view's image is. Added to the menu by menu_tools.py."""
+"""Shows how bright the image of the active view is. menu_tools.py adds this script to the menu."""
 import vantrel
 
 img = vantrel.get_view_image()

@@ -1,4 +1,4 @@
-"""Opens the active view's image again, half as large. Added to the menu by menu_tools.py."""
+"""Opens a new view with the active view's image at half size. menu_tools.py adds this script to the menu."""
 import vantrel
 
 img = vantrel.get_view_image()

@@ -1,6 +1,6 @@
-"""Turns what the active view shows into its negative. Added to the menu by menu_tools.py.
+"""Shows the active view's image as a negative. menu_tools.py adds this script to the menu.
 
-The stage stays in the view's processing chain: it can be switched off there, and it works on every later image.
+The stage stays in the view's processing chain, where the user can switch it off, and processes every later image.
 """
 import vantrel
 

@@ -34,7 +34,7 @@ bool DialogDriver::eventFilter(QObject* object, QEvent* event)
 {
     if (event->type() == QEvent::Show) {
         if (auto* dialog = qobject_cast<QDialog*>(object); dialog && dialog->isModal()) {
-            // When the dialog's own event loop runs, as it does for a person.
+            // Act once the dialog's own event loop runs, as a user does.
             QTimer::singleShot(0, dialog, [this, dialog] {
                 if (m_steps.empty()) {
                     ADD_FAILURE() << "unexpected dialog " << dialog->windowTitle().toStdString();

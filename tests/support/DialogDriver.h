@@ -6,7 +6,7 @@
 #include <deque>
 #include <functional>
 
-/// Plays the user of modal dialogs: each step meets the next dialog that opens.
+/// Plays the user of modal dialogs. Each step handles the next dialog that opens.
 class DialogDriver : public QObject
 {
 public:
@@ -14,13 +14,14 @@ public:
 
     DialogDriver();
 
-    /// A step that met no dialog fails the test.
+    /// Fails the test if a step is left without a dialog.
     ~DialogDriver() override;
 
-    /// What to do when the next dialog is open.
+    /// Adds a step for the next dialog that no step handles yet.
     void then(Step step) { m_steps.push_back(std::move(step)); }
 
-    /// Clicks the button with that label, wherever the dialog has it.
+    /// Clicks the button with the given label, ignoring mnemonics. Without such a button, fails the test and rejects
+    /// the dialog.
     static void click(QDialog& dialog, const QString& label);
 
 protected:

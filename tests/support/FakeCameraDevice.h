@@ -5,7 +5,7 @@
 
 #include <memory>
 
-/// A device that records what it is given and refuses what it is told to refuse.
+/// A device that records what is written to it, or refuses everything while `refusing` is set.
 class FakeCameraDevice : public IxCameraDevice
 {
 public:
@@ -38,7 +38,7 @@ public:
     QList<QRect> regions;
 };
 
-/// A store of 640 x 480 with one parameter of each kind.
+/// A store for a sensor of 640 x 480 with one parameter of each kind.
 inline std::unique_ptr<CxCameraParameters> makeFakeParameters(IxCameraDevice* device,
                                                               const QString& serialNumber = QStringLiteral("FAKE01"))
 {

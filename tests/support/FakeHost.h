@@ -13,7 +13,7 @@
 #include <map>
 #include <memory>
 
-// A host without windows: it keeps views in memory and writes down what it was asked.
+// A host without windows. It keeps views in memory and records the calls it gets.
 
 /// A view in memory.
 class FakeView : public CxMdiView
@@ -49,7 +49,7 @@ protected:
     }
 };
 
-/// The application. Sets itself as IxAppDelegate::instance() while it lives.
+/// The application. It is IxAppDelegate::instance() while it lives.
 class FakeDelegate : public IxAppDelegate
 {
 public:
@@ -58,7 +58,7 @@ public:
     FakeDelegate(const FakeDelegate&) = delete;
     FakeDelegate& operator=(const FakeDelegate&) = delete;
 
-    /// Adds a view that becomes the active one; returns its identifier.
+    /// Adds a view and makes it the active one. Returns its identifier.
     int addView(std::unique_ptr<CxImageData> image, const QString& title = QString());
 
     QWidget* mainWindow() override { return window; }
@@ -81,13 +81,13 @@ public:
     void playSound(const QString& path) override { note("playSound", path); }
 
     QStringList calls;   ///< "operation(arguments)" in the order of the calls
-    QStringList lookups; ///< the same of the questions that change nothing: activeViewId, view, viewImage
+    QStringList lookups; ///< the same for calls that change nothing: activeViewId, view, viewImage
     std::map<int, std::unique_ptr<FakeView>> views;
     int active = -1;
-    bool accepts = true; ///< the answer of operations that may fail
+    bool accepts = true; ///< the result of operations that may fail
     QWidget* window = nullptr;
     QMenu* scriptMenu = nullptr;
-    std::function<void()> onCall; ///< called by every operation that is written down
+    std::function<void()> onCall; ///< called by every operation that `calls` records
 
     void note(const char* operation, const QString& arguments = QString());
     void note(const char* operation, const char* arguments) { note(operation, QString::fromLatin1(arguments)); }
@@ -124,7 +124,7 @@ public:
     std::map<QByteArray, QByteArray> help; ///< "module.function" or "object.method" to text
 };
 
-/// A mono image with ascending values, of any type of 1 or 2 bytes.
+/// An image of any type of 1 or 2 bytes. Its values count up from 0, row by row, and wrap around.
 std::unique_ptr<CxImageData> makeTestImage(unsigned width, unsigned height, unsigned channels = 1,
                                            ExImageDataType type = ExImageDataType::UInt8, unsigned bpc = 8,
                                            unsigned lineStride = 0);

@@ -1,4 +1,4 @@
 #pragma once
 
-/// Says how many host images the running test leaves behind on purpose; 0 unless called.
+/// Sets how many host images the running test may leave behind; 0 unless a test calls this.
 void expectLeftImages(int count);

@@ -5,7 +5,7 @@
 #include <QtCore/QStringList>
 #include <QtCore/QtGlobal>
 
-/// Collects Qt's log records while it lives; one at a time. They are not written anywhere else.
+/// Collects Qt's log records while it lives, and writes them nowhere else. Only one may exist at a time.
 class LogCapture
 {
 public:
@@ -33,7 +33,7 @@ public:
         return m_records;
     }
 
-    /// The texts of the critical records.
+    /// The texts of the critical records, in order.
     QStringList criticals() const
     {
         QStringList texts;

@@ -5,7 +5,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// Catches the log records that are written while it lives, on any thread.
+/// Collects the log records that any thread writes while it lives.
 class LogCatcher
 {
 public:

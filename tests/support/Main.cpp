@@ -1,4 +1,4 @@
-// Runs tests with an application object, and checks after each that no host image is left over.
+// Runs tests with an application object. Checks after each test that it leaves no host image behind.
 
 #include "CxImageData.h"
 #include "Leftovers.h"
@@ -30,10 +30,9 @@ class LeftoverCheck : public testing::EmptyTestEventListener
 
 } // namespace
 
-// LeakSanitizer cannot tell the interpreter's deliberate leftovers from leaks; these tests count live objects
-// themselves. Sizes that no memory holds are asked for on purpose, and the answer has to be null as elsewhere.
-// The interpreter puts a signal stack of its own on the thread that starts it, which the sanitizer must not take for
-// its.
+// Leak detection is off: LeakSanitizer cannot tell leaks from what the interpreter keeps on purpose, so the tests count
+// live objects instead. Some tests allocate impossible sizes, which must give null, as without a sanitizer. The
+// interpreter sets its own signal stack on the thread that starts it; the sanitizer must not mistake it for its own.
 extern "C" Q_DECL_EXPORT const char* __asan_default_options();
 extern "C" const char* __asan_default_options()
 {
@@ -47,7 +46,7 @@ void expectLeftImages(int count)
 
 int main(int argc, char** argv)
 {
-    // Tests show nothing to anybody unless asked to.
+    // Tests show windows only if QT_QPA_PLATFORM says so.
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);

@@ -5,11 +5,11 @@
 #include <functional>
 #include <memory>
 
-/// Runs a function on a thread that is not the GUI thread, and waits for its end.
+/// Runs a function on another thread and waits until it returns.
 inline void onOtherThread(const std::function<void()>& function)
 {
     const std::unique_ptr<QThread> thread(QThread::create(function));
-    thread->setStackSize(16U << 20U); // scripts count on the room of a main thread
+    thread->setStackSize(16U << 20U); // scripts need a stack as large as a main thread's
     thread->start();
     thread->wait();
 }

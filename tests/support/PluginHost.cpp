@@ -34,7 +34,7 @@ void PluginHost::restart()
         delete loader.instance();
     plugin = qobject_cast<CxScriptLangInterface*>(loader.instance());
     if (!plugin)
-        qFatal("the plugin does not load: %s", qPrintable(loader.errorString()));
+        qFatal("cannot load the plugin: %s", qPrintable(loader.errorString()));
     plugin->init();
 }
 

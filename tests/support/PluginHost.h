@@ -11,8 +11,7 @@
 
 #include <functional>
 
-/// Loads the plugin under test, through Qt and nothing else, and runs
-/// scripts with a fake environment and delegate.
+/// Loads the plugin under test through Qt's plugin mechanism, and runs scripts with a fake environment and delegate.
 class PluginHost
 {
 public:
@@ -24,14 +23,14 @@ public:
     PluginHost(const PluginHost&) = delete;
     PluginHost& operator=(const PluginHost&) = delete;
 
-    /// Runs a script with the output callback; returns the result text. What was printed is in `output`.
+    /// Runs a script and returns the result text. `output` then holds what the script printed.
     QString run(const QString& script);
     QString run(const char* script) { return run(QString::fromUtf8(script)); }
 
     /// Everything printed by the latest run.
     QString printed() const { return output.join(QString()); }
 
-    /// Destroys the plugin object and makes a new one.
+    /// Destroys the plugin object and creates a new one.
     void restart();
 
     QPluginLoader loader;
@@ -39,16 +38,16 @@ public:
     FakeEnvironment environment;
     FakeDelegate delegate;
 
-    static QStringList output;                                 ///< the pieces given to the output callback
-    static std::function<void(const QString&, bool)> onOutput; ///< called for each of them
+    static QStringList output;                                 ///< the texts that the output callback has received
+    static std::function<void(const QString&, bool)> onOutput; ///< called for each of these texts
 };
 
-/// A test with a host. Afterwards no host image may be left.
+/// A test with a plugin host. It must leave no host image behind.
 class PluginTest : public testing::Test
 {
 protected:
     PluginHost host;
 };
 
-/// Compares a run's result with nothing, and shows it when there is something.
+/// Expects a run without errors; a failure shows the run's error text.
 #define EXPECT_CLEAN_RUN(script) EXPECT_EQ(host.run(script).toStdString(), "")

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-/// A copy of this image fails, in one of the two ways a host can fail it.
+/// An image that cannot be copied: clone() fails in one of the two ways in which a host can fail.
 class UncopyableImage : public CxImageData
 {
 public:
@@ -27,14 +27,15 @@ private:
     Failure m_failure;
 };
 
-/// A test whose interpreter has been started, with helpers to look at values of a script.
+/// A test with a running interpreter and helpers that read values from scripts.
 class ScriptTest : public PluginTest
 {
 protected:
     ScriptTest() { host.run(""); }
 
-    /// What `repr` says of a Python expression, or "ExceptionType: message" of the exception that it raises. A call
-    /// that fails without an exception gives "SystemError" alone: the interpreter's wording differs by version.
+    /// The `repr` of a Python expression, or "ExceptionType: message" if the expression raises. A SystemError gives
+    /// only its message, and only "SystemError" for a call that fails without an exception: that wording differs by
+    /// version.
     std::string value(const std::string& expression)
     {
         const std::string script = "try:\n"
@@ -49,14 +50,14 @@ protected:
         return (host.printed().trimmed() + result).toStdString();
     }
 
-    /// Makes an image visible to scripts; the test keeps owning it and keeps it until its end.
+    /// Publishes an image to scripts. The test keeps owning the image and must keep it until the test ends.
     void publish(const char* name, CxImageData& image)
     {
         host.plugin->addImageVariable(QString::fromUtf8(name), &image);
     }
 };
 
-/// An image with cleared pixels and every field of the record as given; a line stride of 0 is chosen by the library.
+/// An image with the given record and cleared pixels, or null on failure. A line stride of 0 lets the library choose.
 inline std::unique_ptr<CxImageData> makeImage(const SxPicBufInfo& info)
 {
     SxPicBuf buffer;
@@ -67,7 +68,7 @@ inline std::unique_ptr<CxImageData> makeImage(const SxPicBufInfo& info)
     return image;
 }
 
-/// The record of an image of that form; bpc is all bits of the type.
+/// An interleaved image record of the given form. bpc is the width of the type.
 inline SxPicBufInfo imageInfo(unsigned width, unsigned height, unsigned channels = 1,
                               ExImageDataType type = ExImageDataType::UInt8, unsigned lineStride = 0)
 {

@@ -3,7 +3,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// What the test programs are told on their command line: which Python they test.
+/// Settings from the command line of a test program: the plugin and Python to test.
 struct TestSettings {
     static void read(const QStringList& arguments);
 
