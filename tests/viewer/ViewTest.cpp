@@ -258,7 +258,7 @@ TEST(MainWindow, StatusLineTellsTheFormatTheScaleAndThePixel)
     settle();
     view->imageWidget()->setScale(2);
     EXPECT_TRUE(statusText(window).contains(QStringLiteral("2 x 2, mono, 12 bit (uint16)")));
-    EXPECT_TRUE(statusText(window).contains(QStringLiteral("200 %"))) << statusText(window).toStdString();
+    EXPECT_TRUE(statusText(window).contains(QStringLiteral("200%"))) << statusText(window).toStdString();
     ImageWidget* widget = view->imageWidget();
     const QPointF lowerRight = QRectF(widget->rect()).center() + QPointF(1, 1);
     QMouseEvent move(QEvent::MouseMove, lowerRight, widget->mapToGlobal(lowerRight), Qt::NoButton, Qt::NoButton,
