@@ -4,6 +4,7 @@
 #include "CxPicBufAPI.h"
 #include "ImageFileDepth.h"
 #include "ImageFileHeader.h"
+#include "OwnedPicBuf.h"
 #include "PicBufMat.h"
 
 #include <QtCore/QDebug>
@@ -72,7 +73,8 @@ QString ImageFileReader::read()
         return QStringLiteral("is damaged");
     if (dataTypeOfDepth(pixels.depth()) == ExImageDataType::None)
         return QStringLiteral("has values of a kind that is not supported");
-    SxPicBuf buffer = picBufFromMat(pixels);
+    OwnedPicBuf owned(picBufFromMat(pixels));
+    SxPicBuf& buffer = owned.buffer;
     if (!buffer.data)
         return QStringLiteral("is too large for the memory");
     const unsigned noted = notedDepth(bytes);
@@ -82,6 +84,6 @@ QString ImageFileReader::read()
             buffer.bpc = 16;
     }
     m_image = std::make_unique<CxImageData>();
-    m_image->attachPicBuf(&buffer);
+    m_image->setPicBuf(owned.release());
     return QString();
 }

@@ -126,7 +126,7 @@ QString ImageFileWriter::save(CxImageData* image, const QVariantMap& options) co
     const Format format = formatOf(m_extension);
     if (buffer->channels != 1 && buffer->channels != 3 && buffer->channels != 4)
         return QStringLiteral("has %1 channels, which no file format holds").arg(buffer->channels);
-    ScopedPicBuf converted;
+    OwnedPicBuf converted;
     const SxPicBuf storable = storablePixels(*buffer, storableTypes(format, buffer->channels), converted);
     if (!storable.data)
         return QStringLiteral("has values that the format cannot hold");

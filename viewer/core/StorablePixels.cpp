@@ -7,7 +7,7 @@
 
 namespace {
 
-void allocate(ScopedPicBuf& target, const SxPicBufInfo& like, ExImageDataType type, std::uint32_t channels)
+void allocate(OwnedPicBuf& target, const SxPicBufInfo& like, ExImageDataType type, std::uint32_t channels)
 {
     SxPicBufInfo info = like;
     info.dataType = type;
@@ -30,12 +30,12 @@ bool isFloating(ExImageDataType type)
 
 /// Converts there and back: what comes out the same has lost nothing, but for integers that were rounded up beyond
 /// their own type and clipped on the way back.
-bool convertsUnchanged(const SxPicBuf& pixels, ExImageDataType type, ScopedPicBuf& converted)
+bool convertsUnchanged(const SxPicBuf& pixels, ExImageDataType type, OwnedPicBuf& converted)
 {
     if (isFloating(type) && !isFloating(pixels.dataType) &&
         CxPicBufAPI::DetectMaxAbsValue(pixels) > exactIntegers(type))
         return false;
-    ScopedPicBuf back;
+    OwnedPicBuf back;
     allocate(converted, pixels, type, pixels.channels);
     allocate(back, pixels, pixels.dataType, pixels.channels);
     if (!CxPicBufAPI::ConvertPicToDifBpc(pixels, converted.buffer, false) ||
@@ -54,7 +54,7 @@ bool isUnsigned(ExImageDataType type)
 
 } // namespace
 
-SxPicBuf storablePixels(const SxPicBuf& pixels, const StorableTypes& format, ScopedPicBuf& converted)
+SxPicBuf storablePixels(const SxPicBuf& pixels, const StorableTypes& format, OwnedPicBuf& converted)
 {
     if (format.types.contains(pixels.dataType))
         return pixels;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ScopedPicBuf.h"
+#include "OwnedPicBuf.h"
 
 #include <QtCore/QList>
 
@@ -15,4 +15,4 @@ struct StorableTypes {
 /// The pixels in a type that the format stores: as they are where it does; packed colours as 8-bit colours; else in the
 /// first of the types that holds every single value unchanged; else scaled where that is allowed. A record without
 /// pixels when there is no such type. converted owns the memory if new memory was needed. Throws std::bad_alloc.
-SxPicBuf storablePixels(const SxPicBuf& pixels, const StorableTypes& format, ScopedPicBuf& converted);
+SxPicBuf storablePixels(const SxPicBuf& pixels, const StorableTypes& format, OwnedPicBuf& converted);
