@@ -34,8 +34,8 @@ public:
     /// The picture buffer, or null when the image has none. Stays owned by the image.
     virtual SxPicBuf* picBuf();
 
-    /// Takes over the pixels of a buffer record and frees the ones held so far. The record stays the caller's; its
-    /// `data` is set to null, since the pixels are no longer the caller's to free.
+    /// Takes over the pixels of a buffer record, also when the call throws, and frees the ones held so far. The caller
+    /// keeps the record and must not free the pixels, whatever `data` says afterwards (this class sets it to null).
     virtual void attachPicBuf(SxPicBuf* buffer);
 
     /// The acquisition metadata, or null when the image has none. Stays owned by the image.
@@ -44,7 +44,7 @@ public:
     /// Copies the record into the image; null removes what is there.
     virtual void setImageMetadata(SxImageMetadata* metadata);
 
-    /// Takes over the buffer and its pixels and frees the ones held so far. The caller must not free them.
+    /// Takes over the pixels of a record in the same way, also when the call throws, and leaves the record as it is.
     void setPicBuf(const SxPicBuf& buffer);
 
     /// Number of images that exist in the process at this moment. For tests and diagnostics; any thread.

@@ -2,7 +2,7 @@
 
 #include "CxCameraParameters.h"
 #include "CxImageData.h"
-#include "CxPicBufAPI.h"
+#include "OwnedPicBuf.h"
 #include "zuCore.h"
 
 #include <algorithm>
@@ -121,9 +121,10 @@ std::unique_ptr<CxImageData> SimulatedCamera::nextFrame()
         return nullptr;
     adjustExposure();
     const SimulatedScene::Settings now = settings();
-    SxPicBuf buffer;
-    if (!CxPicBufAPI::AllocPicBufFromHeap(buffer, frameInfo(now), true, 0))
+    OwnedPicBuf pixels;
+    if (!CxPicBufAPI::AllocPicBufFromHeap(pixels.buffer, frameInfo(now), true, 0))
         return nullptr;
+    SxPicBuf& buffer = pixels.buffer;
 
     // Catch up with a short delay. After a long one, restart the clock: a long burst of frames would follow otherwise.
     m_lastDue = std::max(m_lastDue + period(), m_clock() - maxLateFrames * period());
@@ -140,7 +141,7 @@ std::unique_ptr<CxImageData> SimulatedCamera::nextFrame()
     metadata.transportFormat = zuCore_GetZuImgFormatForPicBufInfo(buffer);
     metadata.exposureTimeUs = now.exposureUs;
     metadata.gainDb = now.gainDb;
-    frame->setPicBuf(buffer);
+    frame->setPicBuf(pixels.release());
     frame->setImageMetadata(&metadata);
     m_parameters->reportParam(frameCountName, CxValue::fromInt(m_framesSinceStart));
     return frame;

@@ -1,6 +1,6 @@
 #include "CxImageData.h"
 
-#include "CxPicBufAPI.h"
+#include "OwnedPicBuf.h"
 
 #include <QtCore/QThread>
 
@@ -50,13 +50,13 @@ QObject* CxImageData::copy(bool infoOnly)
         image->m_hasBuffer = true;
         return image.release();
     }
-    SxPicBuf buffer;
+    OwnedPicBuf pixels;
     // Clear the memory if rows have padding: padding is not copied and must not show what was in the memory before.
     const bool isDense = std::size_t(m_buffer.bytesPerPixel()) * m_buffer.width == m_buffer.lineStride;
-    if (!CxPicBufAPI::AllocPicBufFromHeap(buffer, m_buffer, isDense, 0))
+    if (!CxPicBufAPI::AllocPicBufFromHeap(pixels.buffer, m_buffer, isDense, 0))
         return nullptr;
-    CxPicBufAPI::CopyPicBuf(buffer, m_buffer, true);
-    image->setPicBuf(buffer);
+    CxPicBufAPI::CopyPicBuf(pixels.buffer, m_buffer, true);
+    image->setPicBuf(pixels.release());
     return image.release();
 }
 

@@ -2,11 +2,11 @@
 
 #include "CxPicBufAPI.h"
 
+#include "OwnedPicBuf.h"
 #include "Packed565.h"
 #include "PicBufChecks.h"
 #include "PicBufMat.h"
 #include "PixelTypes.h"
-#include "ScopedPicBuf.h"
 
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
@@ -80,7 +80,7 @@ void unpackToRgb(const SxPicBuf& src, SxPicBuf& dst)
 }
 
 /// The channels that count for a colour: one of grey, three of colour, or four with alpha.
-SxPicBuf visibleChannels(const SxPicBuf& src, ScopedPicBuf& copied)
+SxPicBuf visibleChannels(const SxPicBuf& src, OwnedPicBuf& copied)
 {
     if (src.channels == 1 || src.channels == 3 || src.channels == 4)
         return src;
@@ -109,7 +109,7 @@ void toColour(const cv::Mat& pixels, cv::Mat& colour)
 }
 
 /// Values of any number type as 8 bits, full scale to 255. Bytes of full depth are taken as they stand.
-SxPicBuf asBytes(const SxPicBuf& src, ScopedPicBuf& converted)
+SxPicBuf asBytes(const SxPicBuf& src, OwnedPicBuf& converted)
 {
     if (src.dataType == ExImageDataType::UInt8 && (src.bpc == 0 || src.bpc >= 8))
         return src;
@@ -156,8 +156,8 @@ bool CxPicBufAPI::ConvertPicToRGB(const SxPicBuf& src, SxPicBuf& dst)
     if (!visitNumberType(src.dataType, [](auto) {}))
         return refuse("ConvertPicToRGB", "the source's type is unknown");
     try {
-        ScopedPicBuf copied;
-        ScopedPicBuf converted;
+        OwnedPicBuf copied;
+        OwnedPicBuf converted;
         const cv::Mat pixels = readMat(asBytes(visibleChannels(src, copied), converted), CV_8U);
         cv::Mat colour = readMat(dst, CV_8U);
         toColour(pixels, colour);

@@ -7,13 +7,9 @@
 #include "PixelTypes.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
-#include <cstring>
-#include <functional>
 #include <limits>
-#include <numeric>
 #include <optional>
 
 namespace {
@@ -26,52 +22,36 @@ std::make_unsigned_t<T> magnitude(T value)
     return value < 0 ? static_cast<Unsigned>(Unsigned(0) - bits) : bits;
 }
 
-// Words that do not wait for each other: a processor reads more in one step than it can add to a single one.
-[[gnu::always_inline]] inline std::uint64_t orOfLanes(const std::uint8_t* words, std::size_t count)
+template<typename Unsigned>
+bool usesAllBits(Unsigned bits)
 {
-    constexpr std::size_t lanes = 16;
-    std::array<std::uint64_t, lanes> bits = {};
-    const std::size_t rest = count % lanes;
-    for (std::size_t i = 0; i < count - rest; i += lanes)
-        for (std::size_t lane = 0; lane < lanes; ++lane)
-            bits[lane] |= loadValue<std::uint64_t>(words, i + lane);
-    for (std::size_t lane = 0; lane < rest; ++lane)
-        bits[lane] |= loadValue<std::uint64_t>(words, count - rest + lane);
-    return std::accumulate(bits.begin(), bits.end(), std::uint64_t(0), std::bit_or<>());
+    return bits >> (sizeof(bits) * 8 - 1) != 0;
 }
 
-std::uint64_t orOfWords(const std::uint8_t* words, std::size_t count)
+/// All magnitudes or-ed together: the highest bit set in any of them is the highest of the result.
+template<typename T>
+[[gnu::always_inline]] inline std::make_unsigned_t<T> orOfMagnitudes(const std::uint8_t* values, std::size_t count)
 {
-    std::uint64_t bits = 0;
-    std::uint64_t* const result = &bits;
-    inWidestVectors([=]() VANTREL_PIXEL_LOOP { *result = orOfLanes(words, count); });
+    std::make_unsigned_t<T> bits = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        bits |= magnitude(loadValue<T>(values, i));
     return bits;
 }
 
-/// All bytes of a row, in words of 8, or-ed together; missing ones at the end count as 0.
-std::uint64_t orOfBytes(const std::uint8_t* row, std::size_t count)
-{
-    const std::size_t words = count / sizeof(std::uint64_t);
-    std::uint64_t rest = 0;
-    std::memcpy(&rest, row + words * sizeof rest, count % sizeof rest);
-    return rest | orOfWords(row, words);
-}
-
-/// All magnitudes of a row or-ed together: the highest bit set in any of them is the highest of the result.
+/// The same, up to the block of values in which the highest bit of the type appears: the others cannot change it.
 template<typename T>
-std::uint64_t bitsOfRow(const std::uint8_t* row, std::size_t count)
+std::make_unsigned_t<T> bitsOfValues(const std::uint8_t* values, std::size_t count)
 {
-    if constexpr (std::is_unsigned_v<T>) {
-        std::uint64_t bits = orOfBytes(row, count * sizeof(T));
-        for (unsigned half = 32; half >= sizeof(T) * 8; half /= 2)
-            bits |= bits >> half;
-        return static_cast<T>(bits);
-    } else {
-        std::make_unsigned_t<T> bits = 0;
-        for (std::size_t i = 0; i < count; ++i)
-            bits |= magnitude(loadValue<T>(row, i));
-        return bits;
-    }
+    std::make_unsigned_t<T> bits = 0;
+    auto* const result = &bits;
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+        constexpr std::size_t blockSize = 32 * 1024 / sizeof(T);
+        std::make_unsigned_t<T> found = 0;
+        for (std::size_t start = 0; start < count && !usesAllBits(found); start += blockSize)
+            found |= orOfMagnitudes<T>(values + start * sizeof(T), std::min(blockSize, count - start));
+        *result = found;
+    });
+    return bits;
 }
 
 template<typename T>
@@ -109,21 +89,23 @@ std::uint64_t maxOfRow(const std::uint8_t* row, std::size_t count)
     }
 }
 
-/// The magnitudes of all integer values or-ed together; nothing for other types.
+/// The magnitudes of all integer values or-ed together, at least as far as the highest bit tells; nothing for other
+/// types.
 std::optional<std::uint64_t> bitsInUse(const SxPicBuf& buffer, std::uint32_t rowStep)
 {
-    std::optional<std::uint64_t> bits;
+    std::optional<std::uint64_t> result;
     visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
         if constexpr (std::is_integral_v<T>) {
-            bits = 0;
             const std::size_t values = valuesPerRow(buffer);
             const bool gapless = rowStep == 1 && buffer.lineStride == values * sizeof(T);
             const std::uint64_t step = gapless ? buffer.height : rowStep; // then all rows are one
-            for (std::uint64_t y = 0; y < buffer.height; y += step)
-                *bits |= bitsOfRow<T>(buffer.row(std::uint32_t(y)), gapless ? values * buffer.height : values);
+            std::make_unsigned_t<T> bits = 0;
+            for (std::uint64_t y = 0; y < buffer.height && !usesAllBits(bits); y += step)
+                bits |= bitsOfValues<T>(buffer.row(std::uint32_t(y)), gapless ? values * buffer.height : values);
+            result = bits;
         }
     });
-    return bits;
+    return result;
 }
 
 } // namespace

@@ -2,11 +2,11 @@
 
 #include "CxPicBufAPI.h"
 
+#include "OwnedPicBuf.h"
 #include "Packed565.h"
 #include "PicBufChecks.h"
 #include "PicBufMat.h"
 #include "PixelTypes.h"
-#include "ScopedPicBuf.h"
 #include "WideScaling.h"
 
 #include <opencv2/core.hpp>
@@ -92,7 +92,7 @@ void packComponents(const SxPicBuf& src, SxPicBuf& dst)
     }
 }
 
-SxPicBuf copied(const SxPicBuf& src, ScopedPicBuf& copy)
+SxPicBuf copied(const SxPicBuf& src, OwnedPicBuf& copy)
 {
     if (!copy.allocate(src))
         throw std::bad_alloc();
@@ -103,8 +103,8 @@ SxPicBuf copied(const SxPicBuf& src, ScopedPicBuf& copy)
 /// Converts to another type, scales, and converts back.
 void scaleConverted(const SxPicBuf& src, SxPicBuf& dst)
 {
-    ScopedPicBuf in;
-    ScopedPicBuf out;
+    OwnedPicBuf in;
+    OwnedPicBuf out;
     if (!in.allocate(scalingInfo(src)) || !out.allocate(scalingInfo(dst)))
         throw std::bad_alloc();
     const bool packed = src.dataType == ExImageDataType::Packed565;
@@ -168,7 +168,7 @@ bool CxPicBufAPI::ResizeRect(const SxPicBuf& src, unsigned x, unsigned y, unsign
     if (from.dataType != ExImageDataType::Packed565 && !visitNumberType(from.dataType, [](auto) {}))
         return refuse("ResizeRect", "the type is unknown");
     try {
-        ScopedPicBuf copy;
+        OwnedPicBuf copy;
         const SxPicBuf source = overlap(from, to) ? copied(from, copy) : from;
         if (scaleWidePixels(source, to))
             return true;

@@ -4,6 +4,7 @@
 #include "CxPicBufAPI.h"
 #include "ImageFileCheck.h"
 #include "ImageFileDepth.h"
+#include "OwnedPicBuf.h"
 #include "buffers/PicBufMat.h"
 
 #include <QtCore/QDebug>
@@ -72,7 +73,8 @@ QString ImageFileReader::read()
         return QStringLiteral("is damaged");
     if (dataTypeOfDepth(pixels.depth()) == ExImageDataType::None)
         return QStringLiteral("has pixel values of an unsupported type");
-    SxPicBuf buffer = picBufFromMat(pixels);
+    OwnedPicBuf owned(picBufFromMat(pixels));
+    SxPicBuf& buffer = owned.buffer;
     if (!buffer.data)
         return QStringLiteral("is too large for the available memory");
     const unsigned recorded = recordedDepth(bytes);
@@ -82,6 +84,6 @@ QString ImageFileReader::read()
             buffer.bpc = 16;
     }
     m_image = std::make_unique<CxImageData>();
-    m_image->attachPicBuf(&buffer);
+    m_image->setPicBuf(owned.release());
     return QString();
 }

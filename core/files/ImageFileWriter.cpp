@@ -126,7 +126,7 @@ QString ImageFileWriter::save(CxImageData* image, const QVariantMap& options) co
     const Format format = formatOf(m_extension);
     if (buffer->channels != 1 && buffer->channels != 3 && buffer->channels != 4)
         return QStringLiteral("the image has %1 channels, but a file can hold 1, 3 or 4").arg(buffer->channels);
-    ScopedPicBuf converted;
+    OwnedPicBuf converted;
     const SxPicBuf storable = storablePixels(*buffer, storableTypes(format, buffer->channels), converted);
     if (!storable.data)
         return QStringLiteral("the file format cannot hold the values of the image");

@@ -7,7 +7,7 @@
 
 namespace {
 
-void allocate(ScopedPicBuf& target, const SxPicBufInfo& like, ExImageDataType type, std::uint32_t channels)
+void allocate(OwnedPicBuf& target, const SxPicBufInfo& like, ExImageDataType type, std::uint32_t channels)
 {
     SxPicBufInfo info = like;
     info.dataType = type;
@@ -31,12 +31,12 @@ bool isFloating(ExImageDataType type)
 /// True if a conversion there and back gives the same pixels; converted then holds them in the given type. Large
 /// integers are checked first: a floating type could round them up beyond their own type, and clipping would then
 /// restore them.
-bool convertsUnchanged(const SxPicBuf& pixels, ExImageDataType type, ScopedPicBuf& converted)
+bool convertsUnchanged(const SxPicBuf& pixels, ExImageDataType type, OwnedPicBuf& converted)
 {
     if (isFloating(type) && !isFloating(pixels.dataType) &&
         CxPicBufAPI::DetectMaxAbsValue(pixels) > exactIntegers(type))
         return false;
-    ScopedPicBuf back;
+    OwnedPicBuf back;
     allocate(converted, pixels, type, pixels.channels);
     allocate(back, pixels, pixels.dataType, pixels.channels);
     if (!CxPicBufAPI::ConvertPicToDifBpc(pixels, converted.buffer, false) ||
@@ -55,7 +55,7 @@ bool isUnsigned(ExImageDataType type)
 
 } // namespace
 
-SxPicBuf storablePixels(const SxPicBuf& pixels, const StorableTypes& format, ScopedPicBuf& converted)
+SxPicBuf storablePixels(const SxPicBuf& pixels, const StorableTypes& format, OwnedPicBuf& converted)
 {
     if (format.types.contains(pixels.dataType))
         return pixels;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "buffers/ScopedPicBuf.h"
+#include "OwnedPicBuf.h"
 
 #include <QtCore/QList>
 
@@ -16,4 +16,4 @@ struct StorableTypes {
 /// colours; 8 bits with scaling for unsigned values, if the format allows it; the first type that holds every value
 /// unchanged. A record without pixels if there is none. converted owns the memory of converted pixels. Throws
 /// std::bad_alloc.
-SxPicBuf storablePixels(const SxPicBuf& pixels, const StorableTypes& format, ScopedPicBuf& converted);
+SxPicBuf storablePixels(const SxPicBuf& pixels, const StorableTypes& format, OwnedPicBuf& converted);

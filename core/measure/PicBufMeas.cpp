@@ -1,11 +1,11 @@
 #include "CxPicBufMeas.h"
 
 #include "CxImageData.h"
+#include "OwnedPicBuf.h"
 #include "RowChannels.h"
 #include "ValueStatistics.h"
 #include "buffers/Packed565.h"
 #include "buffers/PicBufChecks.h"
-#include "buffers/ScopedPicBuf.h"
 
 #include <algorithm>
 #include <cmath>
@@ -33,7 +33,7 @@ QList<QString> namesOf(std::uint32_t channels)
 
 /// The part of the image's buffer that lies in a rectangle; without pixels when nothing does. Packed colours are
 /// unpacked to three channels in memory of the given holder.
-SxPicBuf measuredPart(const CxImageData* image, const QRect& rect, ScopedPicBuf& unpacked)
+SxPicBuf measuredPart(const CxImageData* image, const QRect& rect, OwnedPicBuf& unpacked)
 {
     const SxPicBuf* buffer = image ? const_cast<CxImageData*>(image)->picBuf() : nullptr; // which reads only
     if (!buffer || !hasPixels(*buffer) || rect.right() < 0 || rect.bottom() < 0 || !rect.isValid())
@@ -230,7 +230,7 @@ template<typename Measurement>
 bool measure(const CxImageData* image, const QRect& rect, Measurement measurement)
 {
     try {
-        ScopedPicBuf unpacked;
+        OwnedPicBuf unpacked;
         const SxPicBuf part = measuredPart(image, rect, unpacked);
         return part.data && visitNumberType(part.dataType, [&](auto type) { measurement(type, part); });
     } catch (const std::bad_alloc&) {

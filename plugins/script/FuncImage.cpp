@@ -71,10 +71,10 @@ PyObject* fx_img_newOwner(std::unique_ptr<CxImageData> image)
     return object;
 }
 
-PyObject* fx_img_newOwner(const SxPicBuf& buffer)
+PyObject* fx_img_newOwner(OwnedPicBuf pixels)
 {
     auto image = std::make_unique<CxImageData>();
-    image->setPicBuf(buffer);
+    image->setPicBuf(pixels.release());
     return fx_img_newOwner(std::move(image));
 }
 
@@ -235,16 +235,16 @@ static PyObject* fx_pyimg_Alloc(PyObject* self, PyObject* args)
     const auto dataType = bpc <= 8    ? ExImageDataType::UInt8
                           : bpc <= 16 ? ExImageDataType::UInt16
                                       : ExImageDataType::UInt32;
-    SxPicBuf buffer;
-    CxPicBufAPI::AllocPicBufFromHeap(buffer, unsigned(width), unsigned(height), unsigned(channels), dataType, 0, 0,
-                                     unsigned(bpc), ExDataStorageFormat::Interleaved, ExColorFilterArray::None,
+    OwnedPicBuf pixels;
+    CxPicBufAPI::AllocPicBufFromHeap(pixels.buffer, unsigned(width), unsigned(height), unsigned(channels), dataType, 0,
+                                     0, unsigned(bpc), ExDataStorageFormat::Interleaved, ExColorFilterArray::None,
                                      channels == 3 || channels == 4, true, 0);
-    if (!buffer.data) {
+    if (!pixels.buffer.data) {
         PyErr_SetString(PyExc_Exception, "cannot allocate new image, out of memory");
         return nullptr;
     }
     auto image = std::make_unique<CxImageData>();
-    image->setPicBuf(buffer);
+    image->setPicBuf(pixels.release());
     fx_img_installImage(record(self), std::move(image));
     return PyRef::retain(Py_None).release();
 }

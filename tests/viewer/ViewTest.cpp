@@ -253,7 +253,7 @@ TEST(MainWindow, StatusLineTellsTheFormatTheScaleAndThePixel)
     MainWindow window;
     window.show();
     ImageView* view = window.views().add(picture<std::uint16_t>(ExImageDataType::UInt16, 12, 2, 1, {1, 2, 3, 4095}),
-                                     QStringLiteral("view"));
+                                         QStringLiteral("view"));
     view->resize(300, 300);
     settle();
     view->imageWidget()->setScale(2);

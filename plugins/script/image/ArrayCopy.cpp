@@ -105,67 +105,41 @@ bool copyRowsByValues(const Walk& walk)
     return true;
 }
 
-// So many rows at a time that what follows finds them in the cache.
-std::uint32_t rowsTogether(const SxPicBuf& buffer)
-{
-    constexpr std::uint64_t bytesTogether = 64 * 1024;
-    return std::uint32_t(std::max<std::uint64_t>(1, bytesTogether / std::max<std::uint64_t>(1, buffer.lineStride)));
-}
-
-SxPicBuf rowsOf(const SxPicBuf& buffer, std::uint32_t first, std::uint32_t count)
-{
-    SxPicBuf rows = buffer;
-    rows.data = const_cast<std::uint8_t*>(buffer.row(first));
-    rows.height = count;
-    return rows;
-}
-
 // Rows within the extent whose pixels have no gaps in the array either.
-void copyDenseRows(const Walk& walk, std::uint32_t first, std::uint32_t count, std::uint64_t rowBytes)
+void copyDenseRows(const Walk& walk, std::uint64_t rowBytes)
 {
-    const auto* from = reinterpret_cast<const std::uint8_t*>(walk.rowAddress(first));
     if (walk.source.yStride == std::int64_t(rowBytes) && walk.buffer.lineStride == rowBytes) {
-        std::memcpy(walk.buffer.row(first), from, rowBytes * count);
+        std::memcpy(walk.buffer.data, reinterpret_cast<const void*>(walk.source.address),
+                    rowBytes * walk.buffer.height);
         return;
     }
-    for (std::uint32_t y = first; y < first + count; ++y)
-        std::memcpy(walk.buffer.row(y), reinterpret_cast<const std::uint8_t*>(walk.rowAddress(y)), rowBytes);
+    for (std::uint32_t y = 0; y < walk.buffer.height; ++y)
+        std::memcpy(walk.buffer.row(y), reinterpret_cast<const void*>(walk.rowAddress(y)), rowBytes);
 }
 
 template<typename T, std::uint32_t Channels>
-void gatherRows(const Walk& walk, std::uint32_t first, std::uint32_t count)
+void gatherRows(const Walk& walk)
 {
-    for (std::uint32_t y = first; y < first + count; ++y)
+    for (std::uint32_t y = 0; y < walk.buffer.height; ++y)
         gatherRow<T, Channels>(walk, y);
 }
 
 template<typename T>
-bool copyRows(const Walk& walk, const RowsCopied& copied)
+bool copyRows(const Walk& walk)
 {
     const ArrayLayout& source = walk.source;
     const SxPicBuf& buffer = walk.buffer;
-    const std::uint64_t rowBytes = std::uint64_t(buffer.width) * buffer.channels * sizeof(T);
-    const bool dense = source.xStride == std::int64_t(buffer.channels * sizeof(T));
-    if (source.channelStride != std::int64_t(sizeof(T)) || !(dense || buffer.channels == 1 || buffer.channels == 3) ||
-        !isWithin(spanOfRows(source, buffer, 0, buffer.height), source.extent)) {
-        const bool done = copyRowsByValues<T>(walk);
-        if (done && copied)
-            copied(buffer);
-        return done;
-    }
-
-    std::uint32_t count = 0;
-    for (std::uint32_t y = 0; y < buffer.height; y += count) {
-        count = std::min(rowsTogether(buffer), buffer.height - y);
-        if (dense)
-            copyDenseRows(walk, y, count, rowBytes);
-        else if (buffer.channels == 1)
-            gatherRows<T, 1>(walk, y, count);
-        else
-            gatherRows<T, 3>(walk, y, count);
-        if (copied)
-            copied(rowsOf(buffer, y, count));
-    }
+    if (source.channelStride != std::int64_t(sizeof(T)) ||
+        !isWithin(spanOfRows(source, buffer, 0, buffer.height), source.extent))
+        return copyRowsByValues<T>(walk);
+    if (source.xStride == std::int64_t(buffer.channels * sizeof(T)))
+        copyDenseRows(walk, std::uint64_t(buffer.width) * buffer.channels * sizeof(T));
+    else if (buffer.channels == 1)
+        gatherRows<T, 1>(walk);
+    else if (buffer.channels == 3)
+        gatherRows<T, 3>(walk);
+    else
+        return copyRowsByValues<T>(walk);
     return true;
 }
 
@@ -215,18 +189,8 @@ ArrayExtent describedExtent(std::uint64_t address, std::span<const std::int64_t>
     return {std::uint64_t(begin), std::uint64_t(end)};
 }
 
-bool copyArray(const ArrayLayout& source, SxPicBuf& buffer, const RowsCopied& copied)
+bool copyArray(const ArrayLayout& source, SxPicBuf& buffer)
 {
     clearWhatIsNotWritten(source, buffer);
-    return forValueSize(buffer.dataType, [&](auto value) {
-        return copyRows<decltype(value)>(Walk{source, buffer}, copied);
-    });
-}
-
-bool copyArrayByValues(const ArrayLayout& source, SxPicBuf& buffer)
-{
-    clearWhatIsNotWritten(source, buffer);
-    return forValueSize(buffer.dataType, [&](auto value) {
-        return copyRowsByValues<decltype(value)>(Walk{source, buffer});
-    });
+    return forValueSize(buffer.dataType, [&](auto value) { return copyRows<decltype(value)>(Walk{source, buffer}); });
 }

@@ -3,7 +3,6 @@
 #include "SxPicBuf.h"
 
 #include <cstdint>
-#include <functional>
 #include <span>
 
 /// The memory that an array owns up to: [begin, end), both 0 when it describes none that could exist.
@@ -26,9 +25,6 @@ struct ArrayLayout {
 ArrayExtent describedExtent(std::uint64_t address, std::span<const std::int64_t> shape,
                             std::span<const std::int64_t> strides, std::uint32_t valueBytes);
 
-/// Told of the rows of a buffer that are filled, some at a time and all in the end: they are in the cache still.
-using RowsCopied = std::function<void(const SxPicBuf& rows)>;
-
 /// Fills a whole allocated buffer from an array in memory.
 ///
 /// Value by value, row by row: the value of channel c of pixel (x, y) is read at address + y * yStride + x * xStride +
@@ -38,8 +34,4 @@ using RowsCopied = std::function<void(const SxPicBuf& rows)>;
 ///
 /// Values outside the extent are read if the process can read them. False when one cannot be read; the buffer's
 /// content is then undefined.
-bool copyArray(const ArrayLayout& source, SxPicBuf& buffer, const RowsCopied& copied = {});
-
-/// The same by the plain walk alone, every value for itself: the definition that copyArray()'s faster ways are measured
-/// against.
-bool copyArrayByValues(const ArrayLayout& source, SxPicBuf& buffer);
+bool copyArray(const ArrayLayout& source, SxPicBuf& buffer);

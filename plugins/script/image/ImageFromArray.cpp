@@ -3,7 +3,6 @@
 #include "ArrayCopy.h"
 #include "ImageMethods.h"
 #include "Narrowing.h"
-#include "OwnedPicBuf.h"
 #include "ReadableMemory.h"
 #include "support/ErrorLog.h"
 #include "support/PyRef.h"
@@ -58,10 +57,9 @@ PyObject* fx_pyimages_CreateFromArrayInterface(TxPyImage& object, PyObject* dict
     }
     if (!isPlausible(layout.extent))
         layout.extent = {};
-    BitsInUse bitsInUse;
-    if (!copyArray(layout, filled.buffer, [&bitsInUse](const SxPicBuf& rows) { bitsInUse.look(rows); }))
+    if (!copyArray(layout, filled.buffer))
         return fx_img_raise("Data in __array_interface__ lies outside readable memory");
-    return fx_img_installNarrowed(object, filled, bitsInUse.bits());
+    return fx_img_installNarrowed(object, std::move(filled));
 }
 
 namespace {

@@ -4,7 +4,6 @@
 #include "CxImageFormatManager.h"
 #include "ImageMethods.h"
 #include "Narrowing.h"
-#include "OwnedPicBuf.h"
 #include "ScriptModule.h"
 #include "app/AppFunctions.h"
 #include "support/PyRef.h"
@@ -50,17 +49,26 @@ bool fx_img_allocate(OwnedPicBuf& target, const ImageSize& size)
     info.height = std::uint32_t(size.height);
     info.channels = std::uint32_t(size.channels);
     info.storageFormat = ExDataStorageFormat::Interleaved;
-    return CxPicBufAPI::AllocPicBufFromHeap(target.buffer, info, true, 0);
+    return target.allocate(info);
 }
 
-PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf& filled, unsigned bitsInUse)
+// From the call on the pixels are the image's, and what its class leaves in the record does not count.
+static void attach(CxImageData& image, OwnedPicBuf& pixels)
+{
+    SxPicBuf given = pixels.release();
+    image.attachPicBuf(&given);
+}
+
+PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf filled)
 {
     auto image = std::make_unique<CxImageData>();
     OwnedPicBuf narrowed;
-    if (fx_img_convertToBestBpc(narrowed.buffer, filled.buffer, bitsInUse))
-        image->attachPicBuf(&narrowed.buffer);
-    else
-        image->attachPicBuf(&filled.buffer);
+    if (fx_img_convertToBestBpc(narrowed.buffer, filled.buffer)) {
+        attach(*image, narrowed);
+        filled.free(); // before the object's image goes
+    } else {
+        attach(*image, filled);
+    }
     fx_img_installImage(object, std::move(image));
     return fx_app_none();
 }

@@ -2,7 +2,6 @@
 // script runs meanwhile, so the lists cannot change.
 
 #include "ImageMethods.h"
-#include "OwnedPicBuf.h"
 #include "support/ErrorLog.h"
 
 #include <QtCore/QString>
@@ -61,7 +60,7 @@ PyObject* fx_pyimages_CreateFromList(TxPyImage& object, PyObject* list)
         fill<Integers>(buffer, list, shape.dimensions);
     else
         fill<Floats>(buffer, list, shape.dimensions);
-    return fx_img_installNarrowed(object, filled);
+    return fx_img_installNarrowed(object, std::move(filled));
 }
 
 namespace {

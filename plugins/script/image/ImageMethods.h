@@ -23,10 +23,8 @@ SxPicBuf* fx_img_pixelsOfArgument(PyObject* object);
 PyObject* fx_pyimg_FromFile(PyObject* self, PyObject* args);
 PyObject* fx_pyimg_FromArray(PyObject* self, PyObject* object);
 
-/// Narrows a filled buffer, whose pixels it takes over, and makes it the object's image; for bitsInUse see
-/// fx_img_convertToBestBpc(). Returns None.
-struct OwnedPicBuf;
-PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf& filled, unsigned bitsInUse = 0);
+/// Narrows filled pixels and makes them the object's image. Returns None.
+PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf filled);
 
 /// Sizes as a script gave them; negative and enormous ones are possible and never fit a buffer.
 struct ImageSize {

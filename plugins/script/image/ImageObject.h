@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OwnedPicBuf.h"
 #include "SxPicBuf.h"
 #include "support/PythonApi.h"
 
@@ -32,8 +33,8 @@ void fx_img_installImage(TxPyImage& object, std::unique_ptr<CxImageData> image);
 /// A new vantrel.Image that owns the image; null with an error set when it cannot be made.
 PyObject* fx_img_newOwner(std::unique_ptr<CxImageData> image);
 
-/// A new vantrel.Image over a buffer whose pixels it takes over, also on failure (null with an error set).
-PyObject* fx_img_newOwner(const SxPicBuf& buffer);
+/// A new vantrel.Image of these pixels, which are freed when it cannot be made (null with an error set).
+PyObject* fx_img_newOwner(OwnedPicBuf pixels);
 
 /// Attribute look-up, the getattro slot: ImageAttributes.cpp.
 PyObject* fx_pyimg_GetAttrO(PyObject* self, PyObject* name);

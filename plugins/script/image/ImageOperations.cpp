@@ -3,7 +3,6 @@
 #include "CxImageData.h"
 #include "CxImageFormatManager.h"
 #include "ImageMethods.h"
-#include "OwnedPicBuf.h"
 #include "ScriptModule.h"
 #include "app/AppFunctions.h"
 
@@ -26,7 +25,7 @@ bool allocateResult(OwnedPicBuf& result, SxPicBufInfo info)
 
 PyObject* newImage(OwnedPicBuf& result)
 {
-    return fx_img_newOwner(result.release());
+    return fx_img_newOwner(std::move(result));
 }
 
 // False with an error set. A negative size would turn into an enormous one.

@@ -3,8 +3,6 @@
 #include "CxPicBufAPI.h"
 #include "SxPicBuf.h"
 
-#include <algorithm>
-
 namespace {
 bool isUnsignedWide(ExImageDataType type)
 {
@@ -78,14 +76,11 @@ void chooseForNonNegative(SxPicBufInfo& target, const SxPicBuf& in)
         target.dataType = ExImageDataType::UInt32;
 }
 
-SxPicBufInfo bestFormatFor(SxPicBuf& in, unsigned bitsInUse)
+SxPicBufInfo bestFormatFor(SxPicBuf& in)
 {
     SxPicBufInfo target = in;
     if (isUnsignedWide(in.dataType)) {
-        if (bitsInUse)
-            in.bpc = bitsInUse;
-        else
-            CxPicBufAPI::DetectColorBitDepth(in, in.bpc, true);
+        CxPicBufAPI::DetectColorBitDepth(in, in.bpc, true);
         target.bpc = in.bpc;
         target.dataType = narrowedUnsigned(in.dataType, in.bpc);
     } else if (isSigned(in.dataType) && CxPicBufAPI::DetectNegativePixelValue(in)) {
@@ -104,9 +99,9 @@ SxPicBufInfo bestFormatFor(SxPicBuf& in, unsigned bitsInUse)
 }
 } // namespace
 
-bool fx_img_convertToBestBpc(SxPicBuf& out, SxPicBuf& in, unsigned bitsInUse)
+bool fx_img_convertToBestBpc(SxPicBuf& out, SxPicBuf& in)
 {
-    SxPicBufInfo target = bestFormatFor(in, bitsInUse);
+    SxPicBufInfo target = bestFormatFor(in);
     if (target.dataType == in.dataType)
         return false;
     target.lineStride = 0;
@@ -119,11 +114,4 @@ bool fx_img_convertToBestBpc(SxPicBuf& out, SxPicBuf& in, unsigned bitsInUse)
     out.isColor =
         out.channels == 3 && (out.dataType == ExImageDataType::UInt8 || out.dataType == ExImageDataType::UInt16);
     return true;
-}
-
-void BitsInUse::look(const SxPicBuf& part)
-{
-    unsigned bits = 0;
-    if (isUnsignedWide(part.dataType) && CxPicBufAPI::DetectColorBitDepth(part, bits, true))
-        m_bits = std::max(m_bits, bits);
 }

@@ -54,6 +54,47 @@ TEST(PicBufDetect, AgreesWithLookingAtEveryValue)
     }
 }
 
+TEST(PicBufDetect, FindsTheBitsWhereverALargeImageHasThem)
+{
+    for (const ExImageDataType type : numberTypes()) {
+        if (isFloating(type))
+            continue;
+        for (const unsigned padding : {0U, 5U}) {
+            TestPicBuf source({301, 401, 1, type, padding});
+            for (unsigned y = 0; y < source.record.height; ++y)
+                for (std::size_t i = 0; i < source.values(); ++i)
+                    source.setBits(i, y, 5);
+            const unsigned width = SxPicBufInfo::bytesPerValue(type) * 8;
+            for (const unsigned y : {0U, 77U, 200U, 400U}) {
+                for (const std::size_t i : {std::size_t(0), std::size_t(150), source.values() - 1}) {
+                    SCOPED_TRACE(typeName(type) + " at " + std::to_string(i) + ", " + std::to_string(y));
+                    unsigned bpc = 0;
+                    // The highest bit alone is the smallest integer of a signed type.
+                    for (const unsigned bits : {width, width - 1}) {
+                        source.setBits(i, y, std::uint64_t(1) << (bits - 1));
+                        EXPECT_TRUE(CxPicBufAPI::DetectColorBitDepth(source.record, bpc, true));
+                        EXPECT_EQ(bpc, bits);
+                    }
+                    source.setBits(i, y, 5);
+                    EXPECT_TRUE(CxPicBufAPI::DetectColorBitDepth(source.record, bpc, true));
+                    EXPECT_EQ(bpc, 3U);
+                }
+            }
+        }
+    }
+}
+
+TEST(PicBufDetect, BytesBehindARowDoNotCount)
+{
+    TestPicBuf source({3, 2, 1, ExImageDataType::UInt8, 13});
+    for (unsigned y = 0; y < 2; ++y)
+        for (std::size_t i = 0; i < 3; ++i)
+            source.setBits(i, y, 1);
+    unsigned bpc = 0;
+    EXPECT_TRUE(CxPicBufAPI::DetectColorBitDepth(source.record, bpc, true));
+    EXPECT_EQ(bpc, 1U);
+}
+
 TEST(PicBufDetect, ZeroUsesOneBit)
 {
     TestPicBuf source({2, 1, 1, ExImageDataType::UInt16});

@@ -22,8 +22,8 @@ const ExImageDataType typesOfEverySize[] = {ExImageDataType::None,   ExImageData
                                             ExImageDataType::UInt32, ExImageDataType::Int64,  ExImageDataType::UInt64,
                                             ExImageDataType::Float,  ExImageDataType::Double};
 
-// The definition once more, with indices into two byte arrays in place of addresses.
-Bytes copiedSlowly(const Bytes& memory, long start, const ArrayLayout& layout, const SxPicBuf& shape)
+// The definition: the plain walk, every value for itself, with indices into two byte arrays in place of addresses.
+Bytes copiedByValues(const Bytes& memory, long start, const ArrayLayout& layout, const SxPicBuf& shape)
 {
     Bytes result(shape.dataSize(), 0);
     const long size = long(SxPicBufInfo::bytesPerValue(shape.dataType));
@@ -64,14 +64,13 @@ struct Case {
     }
 };
 
-// Runs both ways over memory that holds every value the strides lead to, of which the given share at either end is not
-// part of the described extent.
-void expectBothWaysAsDefined(const Case& test, std::mt19937& random, long hiddenAtStart = 0, long hiddenAtEnd = 0)
+// Copies from memory that holds every value the strides lead to, of which the given share at either end is not part of
+// the described extent.
+void expectAsDefined(const Case& test, std::mt19937& random, long hiddenAtStart = 0, long hiddenAtEnd = 0)
 {
     SCOPED_TRACE(test.text());
-    PicBufHolder fast(test.width, test.height, test.channels, test.type, test.lineStride);
-    PicBufHolder slow(test.width, test.height, test.channels, test.type, test.lineStride);
-    ASSERT_NE(fast.buffer.data, nullptr);
+    PicBufHolder image(test.width, test.height, test.channels, test.type, test.lineStride);
+    ASSERT_NE(image.buffer.data, nullptr);
 
     const long reach[] = {long(test.width - 1) * test.strides[0], long(test.height - 1) * test.strides[1],
                           long(test.channels - 1) * test.strides[2]};
@@ -94,18 +93,8 @@ void expectBothWaysAsDefined(const Case& test, std::mt19937& random, long hidden
     if (layout.extent.end < layout.extent.begin)
         layout.extent = {};
 
-    const Bytes wanted = copiedSlowly(memory, start, layout, fast.buffer);
-    std::uint32_t told = 0;
-    const auto copied = [&](const SxPicBuf& rows) {
-        EXPECT_EQ(rows.data, fast.buffer.row(told));
-        EXPECT_TRUE(std::equal(rows.data, rows.data + rows.dataSize(), wanted.begin() + told * rows.lineStride));
-        told += rows.height;
-    };
-    ASSERT_TRUE(copyArray(layout, fast.buffer, copied));
-    EXPECT_EQ(told, test.height);
-    EXPECT_EQ(fast.bytes(), wanted) << "the fast way";
-    ASSERT_TRUE(copyArrayByValues(layout, slow.buffer));
-    EXPECT_EQ(slow.bytes(), wanted) << "the way by values";
+    ASSERT_TRUE(copyArray(layout, image.buffer));
+    EXPECT_EQ(image.bytes(), copiedByValues(memory, start, layout, image.buffer));
 }
 
 long between(std::mt19937& random, long low, long high)
@@ -113,11 +102,11 @@ long between(std::mt19937& random, long low, long high)
     return std::uniform_int_distribution<long>(low, high)(random);
 }
 
-TEST(ArrayCopy, TellsOfTheRowsOfLargeArraysAsTheyAreCopied)
+TEST(ArrayCopy, CopiesLargeArraysInEveryWay)
 {
     std::mt19937 random(64);
     const auto run = [&random](unsigned channels, unsigned lineStride, std::array<std::int64_t, 3> strides) {
-        expectBothWaysAsDefined({ExImageDataType::UInt16, 301, 333, channels, lineStride, strides}, random);
+        expectAsDefined({ExImageDataType::UInt16, 301, 333, channels, lineStride, strides}, random);
     };
     run(1, 602, {2, 602, 2});
     run(1, 640, {2, 602, 2});
@@ -138,7 +127,7 @@ TEST(ArrayCopy, CopiesDenseArraysOfEveryTypeAndChannelCount)
             // 16 pixels make rows without padding, 7 rows with.
             for (const unsigned width : {1U, 7U, 16U}) {
                 const std::int64_t pixel = size * channels;
-                expectBothWaysAsDefined({type, width, 5, channels, 0, {pixel, pixel * width, size}}, random);
+                expectAsDefined({type, width, 5, channels, 0, {pixel, pixel * width, size}}, random);
             }
         }
     }
@@ -168,7 +157,7 @@ TEST(ArrayCopy, FollowsStridesOfEveryKindForEveryType)
                 {row, row, row},             // one stride for all
             };
             for (const auto& s : strides)
-                expectBothWaysAsDefined({type, 6, 5, channels, 0, {s[0], s[1], s[2]}}, random);
+                expectAsDefined({type, 6, 5, channels, 0, {s[0], s[1], s[2]}}, random);
         }
     }
 }
@@ -191,7 +180,7 @@ TEST(ArrayCopy, AgreesWithTheDefinitionOnRandomGeometry)
             test.strides[2] = size;
         if (random() % 4 == 0)
             test.strides[0] = size * test.channels;
-        expectBothWaysAsDefined(test, random);
+        expectAsDefined(test, random);
         if (HasFailure())
             return;
     }
@@ -206,7 +195,7 @@ TEST(ArrayCopy, ReadsReadableMemoryOutsideTheDescribedExtent)
         const Case test{type, unsigned(between(random, 1, 20)),
                         9,    3,
                         0,    {size * between(random, -9, 9), size * between(random, -9, 9), size}};
-        expectBothWaysAsDefined(test, random, between(random, 0, 60), between(random, 0, 60));
+        expectAsDefined(test, random, between(random, 0, 60), between(random, 0, 60));
         if (HasFailure())
             return;
     }
@@ -246,7 +235,6 @@ TEST_F(PagesWithAHole, AreRefusedWhenAValueLiesInTheHole)
 {
     PicBufHolder image(2, 1, 1, ExImageDataType::UInt8);
     EXPECT_FALSE(copyArray(layoutAt(start + page - 1, 1, 0), image.buffer));
-    EXPECT_FALSE(copyArrayByValues(layoutAt(start + page - 1, 1, 0), image.buffer));
 }
 
 TEST_F(PagesWithAHole, AreReadWhenTheStridesStepOverTheHole)

@@ -231,39 +231,6 @@ void keepsRandomValues(std::mt19937_64& random)
     }
 }
 
-TEST(Narrowing, BitsAreCountedInPartsWhereTheTypeDependsOnThem)
-{
-    for (const Type type : {Type::UInt16, Type::UInt32, Type::UInt64, Type::Int16, Type::UInt8, Type::Float}) {
-        SCOPED_TRACE(unsigned(type));
-        PicBufHolder whole(5, 4, 1, type);
-        std::memset(whole.buffer.data, 0, whole.buffer.dataSize());
-        const bool counted = type == Type::UInt16 || type == Type::UInt32 || type == Type::UInt64;
-        BitsInUse bits;
-        EXPECT_EQ(bits.bits(), 0U);
-        for (unsigned y = 0; y < 4; ++y) {
-            SxPicBuf row = whole.buffer;
-            row.data = whole.buffer.row(y);
-            row.height = 1;
-            row.data[0] = y == 2 ? 200 : 0;
-            bits.look(row);
-            const unsigned seen = y < 2 ? 1 : 8; // as for an image that is black
-            EXPECT_EQ(bits.bits(), counted ? seen : 0U) << "row " << y;
-        }
-    }
-}
-
-TEST(Narrowing, BitsThatAreKnownAreNotCountedAgain)
-{
-    PicBufHolder in(5, 4, 1, Type::UInt32);
-    std::memset(in.buffer.data, 0, in.buffer.dataSize());
-    SxPicBuf out;
-    ASSERT_TRUE(fx_img_convertToBestBpc(out, in.buffer, 12));
-    EXPECT_EQ(out.dataType, Type::UInt16);
-    EXPECT_EQ(out.bpc, 12U);
-    EXPECT_EQ(in.buffer.bpc, 12U);
-    CxPicBufAPI::FreePicBuf(out, true);
-}
-
 TEST(Narrowing, KeepsValues)
 {
     std::mt19937_64 random(6);
