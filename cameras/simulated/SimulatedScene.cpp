@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 #include <numeric>
+#include <stdexcept>
 #include <utility>
 
 namespace {
@@ -47,7 +48,7 @@ std::uint64_t mixed(std::uint64_t value)
 /// processor's time. Each row of each frame reads the table from its own random place.
 constexpr float noiseStep = 1.0F / 32.0F;
 constexpr std::size_t noiseStarts = std::size_t(1) << 17;
-constexpr std::size_t longestRow = 4096;
+constexpr std::size_t longestRow = 4096; // values, all channels together
 
 const std::vector<std::int8_t>& noiseTable()
 {
@@ -120,6 +121,8 @@ SimulatedScene::SimulatedScene(const SimulatedSensor& sensor)
 {
     const int width = sensor.size.width();
     const int height = sensor.size.height();
+    if (std::size_t(width) * sensor.channels > longestRow)
+        throw std::length_error("the sensor has longer rows than the noise table");
     m_light.reserve(std::size_t(width) * std::size_t(height) * sensor.channels);
     for (int y = 0; y < height; ++y) {
         const double fromMiddleY = 2.0 * y / height - 1.0;

@@ -26,6 +26,7 @@ public:
         QRect region; ///< within the sensor, not empty
     };
 
+    /// Throws std::length_error for a sensor with rows of more than 4096 values, the length of its noise table.
     explicit SimulatedScene(const SimulatedSensor& sensor);
 
     /// Renders a frame into a buffer, which must have the region's size and the sensor's type and channels.

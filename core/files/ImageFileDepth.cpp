@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <zlib.h>
 
 namespace {
 
@@ -42,13 +43,7 @@ ByteReader tiffReader(const QByteArray& file)
 /// The checksum that ends a PNG chunk.
 quint32 chunkCheck(const QByteArray& data)
 {
-    quint32 check = 0xFFFFFFFFU;
-    for (const char byte : data) {
-        check ^= static_cast<unsigned char>(byte);
-        for (int bit = 0; bit < 8; ++bit)
-            check = check >> 1U ^ (check & 1U ? 0xEDB88320U : 0U);
-    }
-    return ~check;
+    return quint32(crc32(0, reinterpret_cast<const Bytef*>(data.constData()), uInt(data.size())));
 }
 
 QByteArray bigEndian(quint32 value)

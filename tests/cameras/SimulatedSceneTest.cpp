@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <stdexcept>
 
 namespace {
 
@@ -186,5 +187,14 @@ TEST_P(SimulatedSceneOf, ReachesHalfOfFullScaleWithTheExposureThatItTells)
 }
 
 INSTANTIATE_TEST_SUITE_P(EverySensor, SimulatedSceneOf, testing::Range(0, simulatedSensorCount));
+
+TEST(SimulatedScene, RefusesRowsThatAreLongerThanItsNoise)
+{
+    SimulatedSensor sensor = simulatedSensor(2);
+    sensor.size = QSize(4096, 2);
+    EXPECT_NO_THROW(SimulatedScene{sensor});
+    sensor.size = QSize(4097, 2);
+    EXPECT_THROW(SimulatedScene{sensor}, std::length_error);
+}
 
 } // namespace

@@ -69,6 +69,7 @@ LIBRARIES = [
     (r"<Python\.h>", ["plugins/script/support/PythonApi.h"]),
     (r"<qcustomplot\.h>", ["plugins/script/graph/PlotLibrary.h"]),
     (r"<opencv2/", ["core", "viewer/views"]),
+    (r"<zlib\.h>", ["core/files"]),
     (r"<Qsci/", ["viewer/workshop"]),
     (r"<arv\.h>", ["cameras/genicam"]),
 ]
