@@ -7,6 +7,9 @@
 ///
 /// All respect row padding on both sides. Source and destination may be the same buffer only where it is said. Results
 /// tell success; an operation that fails leaves its destination as it was, unless said otherwise, and logs one line.
+///
+/// Scripts hand over any buffer that an image has, so every operation refuses one without pixels (`data` is null, a
+/// side is 0, rows overlap) on either side.
 class VANTREL_HOST_EXPORT CxPicBufAPI
 {
 public:

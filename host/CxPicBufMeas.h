@@ -8,6 +8,9 @@
 class CxImageData;
 
 /// Measurements on images. Rectangles are clipped to the image; one that lies wholly outside fails.
+///
+/// Scripts choose the corners, which may be any integers and the right one left of the left one. QRect's own width,
+/// height and intersections overflow for some of them: compare the corners.
 class VANTREL_HOST_EXPORT CxPicBufMeas
 {
 public:
