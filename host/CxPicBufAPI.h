@@ -8,6 +8,9 @@
 /// All of them respect the row padding of source and destination, which must be different buffers unless stated
 /// otherwise. Operations return true on success. On failure they log one line, except for the allocations, and leave
 /// the destination unchanged unless stated otherwise.
+///
+/// Scripts pass every buffer that an image has. So each operation refuses a buffer without pixels (`data` is null, a
+/// side is 0, or rows overlap) as source and as destination.
 class VANTREL_HOST_EXPORT CxPicBufAPI
 {
 public:

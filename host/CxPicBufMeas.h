@@ -8,6 +8,9 @@
 class CxImageData;
 
 /// Measurements on images. Rectangles are in pixels and are clipped to the image.
+///
+/// Scripts choose the corners, which may be any integers, also with the right corner left of the left one. QRect's own
+/// width, height and intersections overflow for some of them, so compare the corners.
 class VANTREL_HOST_EXPORT CxPicBufMeas
 {
 public:

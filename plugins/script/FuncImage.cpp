@@ -2,6 +2,7 @@
 
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
+#include "OwnedPicBuf.h"
 #include "ScriptModule.h"
 #include "image/ImageMethods.h"
 #include "image/ImageObject.h"
@@ -42,9 +43,9 @@ CxImageData* fx_pyimg_getImageObjectData(PyObject* object)
     return record(object).imageData;
 }
 
-SxPicBuf* fx_img_buffer(PyObject* self)
+SxPicBuf* fx_img_buffer(PyObject* object)
 {
-    CxImageData* image = self ? record(self).imageData : nullptr;
+    CxImageData* image = fx_pyimg_getImageObjectData(object);
     return image ? image->picBuf() : nullptr;
 }
 
@@ -184,7 +185,8 @@ static PyObject* fx_pyimg_GetBytesPerPixel(PyObject* self, PyObject* /*args*/)
 static PyObject* fx_pyimg_Bytes(PyObject* self, PyObject* /*args*/)
 {
     const SxPicBuf* buffer = fx_img_buffer(self);
-    if (!buffer || !buffer->data) {
+    // A buffer without memory would be given as bytes of any content.
+    if (!buffer || (!buffer->data && buffer->dataSize() > 0)) {
         PyErr_SetString(PyExc_Exception, "Vantrel image object is empty");
         return nullptr;
     }
@@ -196,23 +198,26 @@ static PyObject* fx_pyimg_GetImageDataNumpy(PyObject* self, PyObject* args)
     int raw = 0;
     if (!PyArg_ParseTuple(args, "|p", &raw))
         return nullptr;
-    SxPicBuf* buffer = fx_img_buffer(self);
+    CxImageData* own = record(self).imageData;
+    if (own && raw)
+        return PyRef::retain(self).release();
+    const SxPicBuf* buffer = own ? own->picBuf() : nullptr;
     if (!buffer)
         return nullptr;
-    if (raw || !buffer->isColor)
+    if (!buffer->isColor)
         return PyRef::retain(self).release();
 
-    SxPicBuf swapped;
-    if (!CxPicBufAPI::AllocPicBufFromHeap(swapped, *buffer, false, 0)) {
+    OwnedPicBuf swapped;
+    if (!CxPicBufAPI::AllocPicBufFromHeap(swapped.buffer, *buffer, false, 0)) {
         PyErr_SetString(PyExc_Exception, "Cannot allocate image");
         return nullptr;
     }
+    CxPicBufAPI::CopyPicBuf(swapped.buffer, *buffer, true);
+    CxPicBufAPI::SwapRedAndBlue(swapped.buffer);
     auto image = std::make_unique<CxImageData>();
-    image->setPicBuf(swapped);
-    SxPicBuf* copy = image->picBuf();
-    CxPicBufAPI::CopyPicBuf(*copy, *buffer, true);
-    CxPicBufAPI::SwapRedAndBlue(*copy);
-    image->setImageMetadata(record(self).imageData->imageMetadata());
+    image->setPicBuf(swapped.buffer);
+    static_cast<void>(swapped.release()); // the image's, now that it has taken the pixels over
+    image->setImageMetadata(own->imageMetadata());
     return fx_img_newOwner(std::move(image));
 }
 

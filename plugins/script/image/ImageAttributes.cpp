@@ -2,6 +2,7 @@
 
 #include "CxImageData.h"
 #include "ImageObject.h"
+#include "ScriptModule.h"
 #include "support/PyRef.h"
 #include "zuCore.h"
 
@@ -12,7 +13,7 @@
 
 namespace {
 
-/// What a getter reads. Both are set when the getter asks for them.
+/// What a getter reads. A record that the getter needs is not null.
 struct Source {
     PyObject* self;
     const SxPicBuf* buffer;
@@ -137,6 +138,24 @@ constexpr Attribute attributes[] = {
 // From name to index in the table. Belongs to the running interpreter.
 PyObject* attributeIndex = nullptr;
 
+/// The records behind an object, each null when there is none. The host's functions may compute them: they are called
+/// once for a look-up, whatever its name, and in this order.
+Source sourceOf(PyObject* self)
+{
+    CxImageData* image = fx_pyimg_getImageObjectData(self);
+    Source source{self, nullptr, nullptr};
+    if (image) {
+        source.buffer = image->picBuf();
+        source.metadata = image->imageMetadata();
+    }
+    return source;
+}
+
+bool has(const Source& source, Need need)
+{
+    return need == Need::Nothing || (need == Need::Buffer ? bool(source.buffer) : bool(source.metadata));
+}
+
 /// The place of a name in the table, borrowed; null, with an error set only on failure, when it is not there.
 PyObject* findAttribute(PyObject* name)
 {
@@ -168,6 +187,7 @@ bool fx_img_prepareAttributes()
 
 PyObject* fx_pyimg_GetAttrO(PyObject* self, PyObject* name)
 {
+    const Source source = sourceOf(self);
     PyObject* position = findAttribute(name);
     if (!position) {
         if (PyErr_Occurred())
@@ -175,16 +195,9 @@ PyObject* fx_pyimg_GetAttrO(PyObject* self, PyObject* name)
         return PyObject_GenericGetAttr(self, name);
     }
     const Attribute& attribute = attributes[PyLong_AsSize_t(position)];
-    Source from{self, nullptr, nullptr};
-    CxImageData* image = reinterpret_cast<TxPyImage*>(self)->imageData;
-    if (image && attribute.need == Need::Buffer)
-        from.buffer = image->picBuf();
-    else if (image && attribute.need == Need::Metadata)
-        from.metadata = image->imageMetadata();
-    const bool present = attribute.need == Need::Nothing || from.buffer || from.metadata;
-    if (!present) {
+    if (!has(source, attribute.need)) {
         PyErr_SetString(PyExc_Exception, "Vantrel image object is empty");
         return nullptr;
     }
-    return attribute.get(from);
+    return attribute.get(source);
 }

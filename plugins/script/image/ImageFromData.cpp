@@ -23,21 +23,6 @@ PyObject* fx_img_raise(const char* text)
     return nullptr;
 }
 
-SxPicBuf* fx_img_pixels(PyObject* self)
-{
-    SxPicBuf* buffer = fx_img_buffer(self);
-    return buffer && buffer->data ? buffer : nullptr;
-}
-
-SxPicBuf* fx_img_pixelsOfArgument(PyObject* object)
-{
-    if (Py_TYPE(object) != TxPyImageType) {
-        PyErr_Format(PyExc_TypeError, "argument must be vantrel.Image, not %R", Py_TYPE(object));
-        return nullptr;
-    }
-    return fx_img_pixels(object);
-}
-
 bool fx_img_allocate(OwnedPicBuf& target, const ImageSize& size)
 {
     constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();

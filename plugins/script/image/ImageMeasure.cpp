@@ -7,6 +7,7 @@
 #include "support/PyRef.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
@@ -17,7 +18,8 @@ struct RectArguments {
     int width = 0;
     int height = 0;
 
-    QRect within(const SxPicBufInfo& info) const;
+    /// The rectangle on an image. Without a buffer the image has no area.
+    QRect on(CxImageData& image) const;
 };
 
 PyObject* statisticsDict(const QString& name, const CxHistoData::CxPixelStats& stats)
@@ -41,18 +43,20 @@ PyRef newList(Py_ssize_t count, MakeItem makeItem)
     return list;
 }
 
-// Coordinates beyond any image are brought nearer, so that sums of them stay integers.
-int bounded(long long coordinate)
+/// The last coordinate of a side. One that no integer holds becomes the nearest that one does.
+int lastOf(int first, int size, std::uint32_t edge)
 {
-    constexpr long long beyondAnyImage = 1 << 30;
-    return int(std::clamp(coordinate, -beyondAnyImage, beyondAnyImage));
+    const std::int64_t end = size < 1 ? std::int64_t(edge) : std::int64_t(first) + size;
+    return int(std::clamp<std::int64_t>(end - 1, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
-QRect RectArguments::within(const SxPicBufInfo& info) const
+// Built from its corners: what QRect computes from a size may overflow.
+QRect RectArguments::on(CxImageData& image) const
 {
-    const long long w = width < 1 ? (long long)info.width - x : width;
-    const long long h = height < 1 ? (long long)info.height - y : height;
-    return {QPoint(bounded(x), bounded(y)), QPoint(bounded(x + w - 1), bounded(y + h - 1))};
+    const SxPicBuf* buffer = image.picBuf();
+    const SxPicBufInfo noArea;
+    const SxPicBufInfo& info = buffer ? *buffer : noArea;
+    return {QPoint(x, y), QPoint(lastOf(x, width, info.width), lastOf(y, height, info.height))};
 }
 
 } // namespace
@@ -63,14 +67,14 @@ PyObject* fx_pyimg_MeasureRect(PyObject* self, PyObject* args)
     int aboveBlackLevel = 0;
     if (!PyArg_ParseTuple(args, "|iiiip", &rect.x, &rect.y, &rect.width, &rect.height, &aboveBlackLevel))
         return nullptr;
-    const SxPicBuf* buffer = fx_img_pixels(self);
-    if (!buffer)
+    CxImageData* image = fx_pyimg_getImageObjectData(self);
+    if (!image)
         return nullptr;
     CxHistoData::ExHistoDataFlags flags = CxHistoData::Statistics;
     if (aboveBlackLevel)
         flags |= CxHistoData::SubtractBlackLevel;
     CxHistoData data;
-    if (!CxPicBufMeas::measureHistogram(data, fx_pyimg_getImageObjectData(self), rect.within(*buffer), flags))
+    if (!CxPicBufMeas::measureHistogram(data, image, rect.on(*image), flags))
         return fx_img_raise("Cannot measure data");
     return newList(data.stats.size(),
                    [&](Py_ssize_t channel) {
@@ -84,12 +88,11 @@ static PyObject* fx_internal_pyimg_MeasureRowColProfilesInRect(PyObject* self, P
     RectArguments rect;
     if (!PyArg_ParseTuple(args, "|iiii", &rect.x, &rect.y, &rect.width, &rect.height))
         return nullptr;
-    const SxPicBuf* buffer = fx_img_pixels(self);
-    if (!buffer)
+    CxImageData* image = fx_pyimg_getImageObjectData(self);
+    if (!image)
         return nullptr;
     CxProfileData data;
-    if (!CxPicBufMeas::measureRowsColumnsProfileStats(rows, data, fx_pyimg_getImageObjectData(self),
-                                                      rect.within(*buffer)))
+    if (!CxPicBufMeas::measureRowsColumnsProfileStats(rows, data, image, rect.on(*image)))
         return fx_img_raise("Cannot measure profile data");
     const auto channelsOf = [&](Py_ssize_t profile) {
         return newList(data.stats.size(),

@@ -5,18 +5,14 @@
 #include <cstdint>
 
 // The methods of vantrel.Image that stand apart from its type, one file a subject; FuncImage.cpp holds their table.
-// An empty object makes each of them return null without an error, but for the two that fill it.
+// An empty object, which is one without a CxImageData, makes each of them return null without an error, but for the two
+// that fill it. So does an image whose buffer is needed and null, and pixels that would be read or written here and are
+// not there. Everything else about images without pixels is left to the host's operations, which refuse them.
 
 // ---- shared by them ----
 
 /// Sets an Exception with this text; returns null.
 PyObject* fx_img_raise(const char* text);
-
-/// The buffer behind an object of this type if it has pixels, else null; no error is set.
-SxPicBuf* fx_img_pixels(PyObject* self);
-
-/// The same for the image argument of a method. What is no vantrel.Image sets a TypeError.
-SxPicBuf* fx_img_pixelsOfArgument(PyObject* object);
 
 // ---- from data and files: ImageFromData.cpp ----
 

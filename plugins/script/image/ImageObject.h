@@ -21,8 +21,9 @@ extern PyTypeObject* TxPyImageType;
 
 extern PyMethodDef px_image_meths[];
 
-/// The picture buffer behind an object of this type, or null (no error set) when it is empty.
-SxPicBuf* fx_img_buffer(PyObject* self);
+/// The picture buffer behind an object, or null (no error set): the object is null, of another type or empty, or its
+/// image has no buffer. The buffer may be without pixels.
+SxPicBuf* fx_img_buffer(PyObject* object);
 
 /// Deletes the object's image if the object owns it, and leaves the object empty.
 void fx_img_releaseImage(TxPyImage& object);

@@ -37,12 +37,12 @@ bool isSize(int width, int height)
     return false;
 }
 
-// An operation on the pixels of the object and of another one; both have to have some.
+// An operation on the buffers of the object and of another one.
 template<typename Operation>
 PyObject* onTwoImages(PyObject* self, PyObject* other, Operation operation)
 {
-    SxPicBuf* own = fx_img_pixels(self);
-    SxPicBuf* others = own ? fx_img_pixelsOfArgument(other) : nullptr;
+    SxPicBuf* own = fx_img_buffer(self);
+    SxPicBuf* others = own ? fx_img_buffer(other) : nullptr;
     if (!others)
         return nullptr;
     operation(*own, *others);
@@ -55,7 +55,7 @@ PyObject* onTwoImages(PyObject* self, PyObject* other, Operation operation)
 
 PyObject* fx_pyimg_ToRgb(PyObject* self, PyObject* /*args*/)
 {
-    const SxPicBuf* source = fx_img_pixels(self);
+    const SxPicBuf* source = fx_img_buffer(self);
     if (!source)
         return nullptr;
     SxPicBufInfo info = *source;
@@ -77,7 +77,7 @@ PyObject* fx_pyimg_ExtractChannel(PyObject* self, PyObject* args)
     int channel = 0;
     if (!PyArg_ParseTuple(args, "i", &channel))
         return nullptr;
-    const SxPicBuf* source = fx_img_pixels(self);
+    const SxPicBuf* source = fx_img_buffer(self);
     if (!source)
         return nullptr;
     if (channel < 0 || unsigned(channel) >= source->channels)
@@ -98,7 +98,7 @@ PyObject* fx_pyimg_ConvertBpc(PyObject* self, PyObject* args)
     int scale = 1;
     if (!PyArg_ParseTuple(args, "i|p", &bpc, &scale))
         return nullptr;
-    const SxPicBuf* source = fx_img_pixels(self);
+    const SxPicBuf* source = fx_img_buffer(self);
     if (!source)
         return nullptr;
     if (bpc <= 0 || bpc > 32)
@@ -136,7 +136,7 @@ PyObject* fx_pyimg_Crop(PyObject* self, PyObject* args)
     int height = 0;
     if (!PyArg_ParseTuple(args, "iiii", &x, &y, &width, &height))
         return nullptr;
-    const SxPicBuf* source = fx_img_pixels(self);
+    const SxPicBuf* source = fx_img_buffer(self);
     if (!source || !isSize(width, height))
         return nullptr;
     SxPicBufInfo info = *source;
@@ -159,7 +159,7 @@ PyObject* fx_pyimg_Resize(PyObject* self, PyObject* args)
     int height = 1;
     if (!PyArg_ParseTuple(args, "ii|iiii", &newWidth, &newHeight, &x, &y, &width, &height))
         return nullptr;
-    const SxPicBuf* source = fx_img_pixels(self);
+    const SxPicBuf* source = fx_img_buffer(self);
     if (!source || !isSize(newWidth, newHeight))
         return nullptr;
     SxPicBufInfo info = *source;
@@ -242,7 +242,7 @@ PyObject* fx_pyimg_DivideByValue(PyObject* self, PyObject* args)
     int divisor = 0;
     if (!PyArg_ParseTuple(args, "i", &divisor))
         return nullptr;
-    SxPicBuf* target = fx_img_pixels(self);
+    SxPicBuf* target = fx_img_buffer(self);
     if (!target)
         return nullptr;
     CxPicBufAPI::DivideByValue(*target, divisor);
@@ -256,13 +256,14 @@ PyObject* fx_pyimg_SaveToFile(PyObject* self, PyObject* args)
     const char* utf8 = nullptr;
     if (!PyArg_ParseTuple(args, "s", &utf8))
         return nullptr;
-    if (!fx_img_pixels(self))
+    CxImageData* image = fx_pyimg_getImageObjectData(self);
+    if (!image)
         return nullptr;
     const QString path = fx_app_resolvePath(utf8);
     QDir().mkpath(QFileInfo(path).absolutePath());
     const std::unique_ptr<CxImageFileSaver> saver(CxImageFormatManager::instance()->saverForFile(path));
     if (!saver)
         return nullptr;
-    saver->saveImage(fx_pyimg_getImageObjectData(self), nullptr);
+    saver->saveImage(image, nullptr);
     return fx_app_none();
 }

@@ -26,6 +26,12 @@ bool pixelExists(const SxPicBuf& buffer, int x, int y, int channel)
            isInRange(y, buffer.height, "y-coordinate out of range") && channelExists(buffer, channel);
 }
 
+/// Whether there is memory to read and write. An operation of the host would look for itself; here nothing else does.
+bool hasMemory(const SxPicBuf& buffer)
+{
+    return buffer.data != nullptr;
+}
+
 /// Arguments of both drawing methods.
 struct Drawing {
     long long value = 0;
@@ -42,7 +48,7 @@ SxPicBuf* parseDrawing(PyObject* self, PyObject* args, Drawing& drawing)
     if (!PyArg_ParseTuple(args, "Liiii|i", &drawing.value, &drawing.x1, &drawing.y1, &drawing.x2, &drawing.y2,
                           &drawing.channel))
         return nullptr;
-    SxPicBuf* buffer = fx_img_pixels(self);
+    SxPicBuf* buffer = fx_img_buffer(self);
     if (!buffer)
         return nullptr;
     const bool inside = isInRange(drawing.x1, buffer->width, "x1-coordinate out of range") &&
@@ -50,7 +56,7 @@ SxPicBuf* parseDrawing(PyObject* self, PyObject* args, Drawing& drawing)
                         isInRange(drawing.x2, buffer->width, "x2-coordinate out of range") &&
                         isInRange(drawing.y2, buffer->height, "y2-coordinate out of range") &&
                         channelExists(*buffer, drawing.channel);
-    return inside ? buffer : nullptr;
+    return inside && hasMemory(*buffer) ? buffer : nullptr;
 }
 
 } // namespace
@@ -62,8 +68,8 @@ PyObject* fx_pyimg_GetPixelValue(PyObject* self, PyObject* args)
     int channel = 0;
     if (!PyArg_ParseTuple(args, "ii|i", &x, &y, &channel))
         return nullptr;
-    const SxPicBuf* buffer = fx_img_pixels(self);
-    if (!buffer || !pixelExists(*buffer, x, y, channel))
+    const SxPicBuf* buffer = fx_img_buffer(self);
+    if (!buffer || !pixelExists(*buffer, x, y, channel) || !hasMemory(*buffer))
         return nullptr;
     return PyLong_FromLongLong(fx_getPicPixelValue(*buffer, x, y, channel));
 }
@@ -76,8 +82,8 @@ PyObject* fx_pyimg_SetPixelValue(PyObject* self, PyObject* args)
     int channel = 0;
     if (!PyArg_ParseTuple(args, "Lii|i", &value, &x, &y, &channel))
         return nullptr;
-    SxPicBuf* buffer = fx_img_pixels(self);
-    if (!buffer || !pixelExists(*buffer, x, y, channel))
+    SxPicBuf* buffer = fx_img_buffer(self);
+    if (!buffer || !pixelExists(*buffer, x, y, channel) || !hasMemory(*buffer))
         return nullptr;
     fx_setPicPixelValue(*buffer, x, y, channel, value);
     return fx_app_none();

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 
 namespace {
@@ -221,12 +222,53 @@ TEST(PicBufMeas, RectanglesAreClippedAndOnesOutsideFail)
     }
 }
 
+TEST(PicBufMeas, CornersAnywhereInTheRangeOfIntegersAreClipped)
+{
+    std::mt19937_64 random(3);
+    TestPicBuf source({4, 3});
+    source.randomise(random);
+    const PaddedImage padded(source);
+    constexpr int corners[] = {INT_MIN, INT_MIN + 1, -1, 0, 1, 2, 3, 4, INT_MAX - 1, INT_MAX};
+    for (const int left : corners)
+        for (const int top : corners)
+            for (const int right : corners)
+                for (const int bottom : corners) {
+                    const QRect rect(QPoint(left, top), QPoint(right, bottom));
+                    const QRect inside(QPoint(std::max(left, 0), std::max(top, 0)),
+                                       QPoint(std::min(right, 3), std::min(bottom, 2)));
+                    const bool measurable = inside.left() <= inside.right() && inside.top() <= inside.bottom();
+                    SCOPED_TRACE(testing::Message() << left << ' ' << top << ' ' << right << ' ' << bottom);
+                    CxHistoData data;
+                    CxProfileData profile;
+                    ASSERT_EQ(CxPicBufMeas::measureHistogram(data, &padded.image, rect, CxHistoData::Statistics),
+                              measurable);
+                    for (const bool rows : {true, false}) {
+                        ASSERT_EQ(CxPicBufMeas::measureRowsColumnsProfileStats(rows, profile, &padded.image, rect),
+                                  measurable);
+                        ASSERT_EQ(profile.profileCount, !measurable ? 0 : rows ? inside.height() : inside.width());
+                    }
+                    if (measurable)
+                        expectSame(data.stats[0], slowStats(valuesIn(source.record, inside, 0)));
+                }
+}
+
 TEST(PicBufMeas, AnImageWithoutPixelsFails)
 {
-    const CxImageData empty;
+    const CxImageData withoutBuffer;
+    CxImageData withoutMemory;
+    SxPicBuf record = TestPicBuf({4, 3}).record;
+    record.data = nullptr;
+    withoutMemory.setPicBuf(record);
+    PaddedImage withoutArea(TestPicBuf({4, 3}));
+    withoutArea.image.picBuf()->width = 0;
     CxHistoData data;
-    EXPECT_FALSE(CxPicBufMeas::measureHistogram(data, nullptr, QRect(0, 0, 1, 1), CxHistoData::Statistics));
-    EXPECT_FALSE(CxPicBufMeas::measureHistogram(data, &empty, QRect(0, 0, 1, 1), CxHistoData::Statistics));
+    CxProfileData profile;
+    const CxImageData* const images[] = {nullptr, &withoutBuffer, &withoutMemory, &withoutArea.image};
+    for (const CxImageData* image : images) {
+        EXPECT_FALSE(CxPicBufMeas::measureHistogram(data, image, QRect(0, 0, 1, 1), CxHistoData::Statistics));
+        for (const bool rows : {true, false})
+            EXPECT_FALSE(CxPicBufMeas::measureRowsColumnsProfileStats(rows, profile, image, QRect(0, 0, 1, 1)));
+    }
 }
 
 TEST(PicBufMeas, NotANumberSpoilsTheMeanButNotTheEnds)

@@ -48,4 +48,26 @@ TEST_F(Saver, IsAskedOnceForTheViewsOwnImageWithoutOptionsAndIsGoneAfterwards)
     EXPECT_EQ(host.printed().toStdString(), "None\n") << "also when it could not write";
 }
 
+TEST_F(Saver, IsAskedForAnImageWithoutPixelsToo)
+{
+    host.environment.directory = QStringLiteral("/tmp");
+    CxImageData withoutBuffer;
+    CxImageData withoutPixels;
+    withoutPixels.setPicBuf(SxPicBuf());
+    for (CxImageData* image : {&withoutBuffer, &withoutPixels}) {
+        steps.clear();
+        publish("img", *image);
+        EXPECT_EQ(value("img.save_to_file('picture.any')"), "None");
+        EXPECT_EQ(steps.join(u'\n').toStdString(), "saver for /tmp/picture.any\nasked\ngone");
+        EXPECT_EQ(saved, image);
+    }
+}
+
+TEST_F(Saver, IsNotAskedForAnEmptyObject)
+{
+    steps.clear();
+    EXPECT_EQ(value("vantrel.Image().save_to_file('picture.any')"), "SystemError");
+    EXPECT_EQ(steps, QStringList());
+}
+
 } // namespace

@@ -93,6 +93,24 @@ const Row rows[] = {
      }},
 };
 
+/// Writes down how its records are asked for.
+class WatchedImage : public CxImageData
+{
+public:
+    SxPicBuf* picBuf() override
+    {
+        asked.append(QStringLiteral("picBuf"));
+        return CxImageData::picBuf();
+    }
+    SxImageMetadata* imageMetadata() override
+    {
+        asked.append(QStringLiteral("imageMetadata"));
+        return CxImageData::imageMetadata();
+    }
+
+    QStringList asked;
+};
+
 class ImageAttribute : public ScriptTest, public testing::WithParamInterface<Row>
 {
 protected:
@@ -111,7 +129,23 @@ TEST_P(ImageAttribute, OfAnEmptyObjectRaises)
     EXPECT_EQ(attribute("vantrel.Image()"), "Exception: Vantrel image object is empty");
 }
 
-TEST_P(ImageAttribute, AsksOnlyForTheRecordThatItNeeds)
+TEST_P(ImageAttribute, FetchesBothRecordsOnce)
+{
+    const auto frame = makeCameraFrame();
+    WatchedImage both;
+    both.attachPicBuf(frame->picBuf());
+    both.setImageMetadata(frame->imageMetadata());
+    WatchedImage none;
+    publish("both", both);
+    publish("none", none);
+    for (WatchedImage* image : {&both, &none}) {
+        image->asked.clear();
+        attribute(image == &both ? "both" : "none");
+        EXPECT_EQ(image->asked.join(u' ').toStdString(), "picBuf imageMetadata");
+    }
+}
+
+TEST_P(ImageAttribute, IsThereWhenTheRecordThatItNeedsIs)
 {
     const auto scriptMade = makeImage(imageInfo(10, 4));
     CxImageData metadataOnly;
@@ -283,6 +317,17 @@ TEST_F(ImageAttributes, MethodsAndStandardAttributesAreFoundOnAnEmptyObjectToo)
     EXPECT_EQ(value("vantrel.Image().__class__ is vantrel.Image"), "True");
     EXPECT_EQ(value("callable(vantrel.Image().get_width)"), "True");
     EXPECT_EQ(value("callable(vantrel.Image().tobytes)"), "True");
+}
+
+TEST_F(ImageAttributes, OtherNamesFetchBothRecordsOnceToo)
+{
+    WatchedImage image;
+    publish("img", image);
+    for (const char* name : {"tobytes", "alloc", "__class__", "no_such_thing"}) {
+        image.asked.clear();
+        value("type(img." + std::string(name) + ")");
+        EXPECT_EQ(image.asked.join(u' ').toStdString(), "picBuf imageMetadata") << name;
+    }
 }
 
 TEST_F(ImageAttributes, LookUpsLeaveNoReferencesBehind)

@@ -239,13 +239,13 @@ def test_an_empty_argument_fails_silently():
         fails_silently(getattr(img, name), *arguments)
 
 
-def test_an_argument_that_is_no_image_is_refused():
+def test_an_argument_that_is_not_an_image_fails_silently():
     img = allocated(2, 2, 1, 8)
     for other in (None, 5, "x", [1], object(), vantrel.Image, vantrel):
         for name, arguments in (("copy_to", (other,)), ("copy_rect_to", (0, 0, 1, 1, other, 0, 0)),
                                 ("resize_to", (other,)), ("tesize_rect_to", (0, 0, 1, 1, other, 0, 0, 1, 1)),
                                 ("add", (other,)), ("subtract", (other,))):
-            raises(TypeError, None, getattr(img, name), *arguments)
+            fails_silently(getattr(img, name), *arguments)
 
 
 def test_every_type_takes_every_operation():
