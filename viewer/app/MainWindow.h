@@ -27,7 +27,8 @@ public:
     MainWindow();
     ~MainWindow() override;
 
-    /// Opens a view for the image (null: a view without one) and makes it the active one if told to.
+    /// Opens a view for the image (null: a view without one) and makes it the active one if told to. When this throws
+    /// no view is left, and nothing here holds the image any more.
     ImageView* addView(std::shared_ptr<CxImageData> image, const QString& title, bool activate = true);
 
     /// Opens an image file in a new view; false with a log line when it cannot be shown.
