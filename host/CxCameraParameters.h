@@ -24,7 +24,8 @@ enum class ExCommitRefreshGuiMode : int {
 /// The parameter store of one opened camera: its parameters, region of interest, description and shading presets.
 ///
 /// Parameters may be read and written on any thread, one after another; signals are emitted on the thread that made the
-/// change. The shading presets are not guarded: one thread at a time.
+/// change. The shading presets are not guarded: one thread at a time. A store may be deleted on any thread; its slots,
+/// if a derived class has any, must not be called through the event loop.
 class VANTREL_HOST_EXPORT CxCameraParameters : public QObject
 {
     Q_OBJECT
@@ -41,9 +42,15 @@ public:
     /// An empty store for a camera.
     ///
     /// sensor  size in pixels; the region of interest is the whole of it at first.
-    /// device  the camera behind the store, which outlives it; null for one without hardware, which takes every value.
+    /// device  the camera behind the store; null for one without hardware, which takes every value. The device outlives
+    ///         the store, or its owner calls releaseDevice() before deleting it.
     CxCameraParameters(const SxCameraInfo& info, const QSize& sensor, IxCameraDevice* device);
     ~CxCameraParameters() override;
+
+    /// The camera is closed and its device goes: from when this returns the store does not use the device any more. A
+    /// call of the device that is under way on another thread is waited for. What would go to the camera is refused
+    /// from now on (Refused, false); what is stored can still be read. Any thread, any number of times.
+    void releaseDevice();
 
     /// The camera's description.
     const SxCameraInfo& cameraInfo() const;

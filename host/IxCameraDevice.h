@@ -8,7 +8,9 @@
 
 /// What a parameter store (CxCameraParameters) asks of the camera behind it. Implemented by whoever brings a camera.
 ///
-/// Called on the thread that uses the store, by one thread at a time.
+/// Called on the thread that uses the store, by one thread at a time, and not any more after
+/// CxCameraParameters::releaseDevice() has returned. No operation may wait for the thread that closes the camera: that
+/// thread waits for the operation.
 class VANTREL_HOST_EXPORT IxCameraDevice
 {
 public:

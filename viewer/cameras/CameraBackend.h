@@ -21,12 +21,12 @@ public:
     /// Opens the camera with its default settings. False when it cannot be reached.
     virtual bool open() = 0;
 
-    /// Ends the acquisition and closes the camera. The parameter store outlives this until the camera is closed again,
-    /// for scripts on other threads that are just using it.
+    /// Ends the acquisition and closes the camera. Its parameter store may live on, for scripts on other threads that
+    /// are just using it. OpenedCamera has then released the store's device: nothing comes from there any more.
     virtual void close() = 0;
 
-    /// The parameter store of the opened camera, a new one with each opening; null while closed. Owned by the back end.
-    virtual CxCameraParameters* parameters() = 0;
+    /// The parameter store of the opened camera, a new one with each opening; null while closed.
+    virtual std::shared_ptr<CxCameraParameters> parameters() const = 0;
 
     /// Starts the acquisition; true when it runs, also when it ran already.
     virtual bool start() = 0;
