@@ -21,13 +21,12 @@ public:
     /// Opens the camera with its default settings. False if the camera cannot be reached.
     virtual bool open() = 0;
 
-    /// Ends the acquisition and closes the camera. The parameter store stays alive until the camera has been opened and
-    /// closed again, since a script on another thread may still be using it.
+    /// Ends the acquisition and closes the camera. Scripts on other threads may keep its parameter store alive. By then
+    /// ViewerCamera has released the store's device, so the store calls this object no more.
     virtual void close() = 0;
 
-    /// The parameter store of the open camera, owned by this object; null while the camera is closed. Each opening
-    /// makes a new store.
-    virtual CxCameraParameters* parameters() = 0;
+    /// The parameter store of the open camera; null while the camera is closed. Each opening makes a new store.
+    virtual std::shared_ptr<CxCameraParameters> parameters() const = 0;
 
     /// Starts the acquisition. True if it is running afterwards, also if it was running before.
     virtual bool start() = 0;

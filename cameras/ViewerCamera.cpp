@@ -30,7 +30,7 @@ bool ViewerCamera::open(int position)
     // A script on another thread writes parameters, too: what follows from it is done on this one.
     connect(parameters(), &CxCameraParameters::paramChanged, this, &ViewerCamera::noteParam);
     m_handle = CxCameraManager::instance()->newHandle();
-    CxCameraManager::instance()->addCamera(m_handle, parameters(), position);
+    CxCameraManager::instance()->addCamera(m_handle, m_backend->parameters(), position);
     return true;
 }
 
@@ -40,7 +40,9 @@ void ViewerCamera::close()
         return;
     stop();
     CxCameraManager::instance()->removeCamera(std::exchange(m_handle, nullptr));
+    // A script on another thread may use the store beyond this: its ways back to this object and the back end end here.
     parameters()->disconnect(this);
+    parameters()->releaseDevice();
     m_backend->close();
 }
 

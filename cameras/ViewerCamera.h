@@ -26,7 +26,7 @@ public:
     void* handle() const { return m_handle; }
 
     /// Null while closed.
-    CxCameraParameters* parameters() const { return m_backend->parameters(); }
+    CxCameraParameters* parameters() const { return m_backend->parameters().get(); }
 
     /// Starts the acquisition; true when it runs.
     bool start();

@@ -24,22 +24,30 @@ public:
     /// Number of opened cameras.
     int openedCameraCount() const;
 
-    /// The parameter store of a camera, or null for a handle that is not (or no longer) listed. The store stays owned
-    /// by the host; it is asked for anew at every use, since its camera may be closed in between.
+    /// The parameter store of a camera, or null for a handle that is not (or no longer) listed. To be asked for at
+    /// every use, since the camera may be closed in between.
+    ///
+    /// A store that is listed with shared ownership stays alive, also when its camera is removed and its host lets it
+    /// go, until the calling thread calls this again (for any camera) or ends. Any thread may be the one that then
+    /// deletes it.
     CxCameraParameters* cameraParameters(void* camera) const;
 
     /// A handle that was never given out before in this process, so that outdated ones stay outdated.
     void* newHandle();
 
-    /// Lists a camera. For the host.
+    /// Lists a camera and shares the ownership of its store. For the host.
     ///
     /// camera      its handle, from newHandle() or of the host's own making.
-    /// parameters  its store, or null while it has none; stays the host's, which removes the camera before it deletes
-    ///             the store. Where scripts run on a thread of their own, a store outlives its removal by a moment.
+    /// parameters  its store. A host that deletes the device behind it calls CxCameraParameters::releaseDevice() first.
     /// position    place in the list; the end when negative or beyond it.
+    void addCamera(void* camera, std::shared_ptr<CxCameraParameters> parameters, int position = -1);
+
+    /// The same for a store that stays the host's alone, or for null while the camera has none. Only for a host that
+    /// closes cameras on the thread that runs its scripts: such a store is not kept alive for anybody. The host removes
+    /// the camera before it deletes the store.
     void addCamera(void* camera, CxCameraParameters* parameters, int position = -1);
 
-    /// Takes a camera off the list; does nothing for an unknown one.
+    /// Takes a camera off the list, and gives up the manager's share in its store; does nothing for an unknown one.
     void removeCamera(void* camera);
 
 private:

@@ -25,6 +25,7 @@ enum class ExCommitRefreshGuiMode : int {
 ///
 /// Any thread may read and write parameters and the region; calls to the camera are made one at a time. Signals are
 /// emitted on the thread that makes the change. The shading presets are not locked: use them on one thread at a time.
+/// Any thread may delete a store. If a derived class has slots, they must not be called through the event loop.
 class VANTREL_HOST_EXPORT CxCameraParameters : public QObject
 {
     Q_OBJECT
@@ -41,9 +42,16 @@ public:
     /// A store without parameters.
     ///
     /// sensor  size in pixels; at first the region of interest is the whole sensor.
-    /// device  the camera behind the store; must outlive the store. Null if there is no camera to write to.
+    /// device  the camera behind the store, or null if there is no camera to write to. The device must outlive the
+    /// store,
+    ///         or its owner calls releaseDevice() before deleting the device.
     CxCameraParameters(const SxCameraInfo& info, const QSize& sensor, IxCameraDevice* device);
     ~CxCameraParameters() override;
+
+    /// The camera is closed and its device goes: from when this returns the store does not use the device any more. A
+    /// call of the device that is under way on another thread is waited for. What would go to the camera is refused
+    /// from now on (Refused, false); what is stored can still be read. Any thread, any number of times.
+    void releaseDevice();
 
     /// The camera's description.
     const SxCameraInfo& cameraInfo() const;

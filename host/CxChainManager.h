@@ -13,9 +13,13 @@ class VANTREL_HOST_EXPORT CxChainManager
 public:
     static CxChainManager* instance();
 
-    /// Inserts an object into a chain, just before another object of the same chain; before null means at the end. The
-    /// chain takes the object over. True on success. With null, with an object that is in a chain already, and with a
-    /// viewObject of another chain nothing changes but for a log line (false): the object stays the caller's.
+    /// Inserts an object into a chain, just before another object of the same chain; before null means at the end. True
+    /// on success. With null, with an object that is in a chain already, and with a viewObject of another chain nothing
+    /// changes but for a log line (false).
+    ///
+    /// An object belongs to the chain that its chain() names, and to the caller while that is null. So after true the
+    /// chain owns newObject; after false, and after a throw, chain() tells. Deleting an object takes it out of its
+    /// chain.
     bool insertBefore(CxChain* chain, CxChainable* newObject, CxChainable* viewObject);
 
 private:

@@ -64,17 +64,22 @@ public:
     /// option          the chosen option; receives the user's choice.
     ///
     /// Returns a new record, which the caller deletes and whose pixels the caller owns, or null when the user cancels.
+    /// Called on the thread that runs the script.
     virtual SxPicBuf* askUserCaptureImage(QWidget* parent, void* camera, QString* title, QString* message,
                                           bool optionGiven, int* option, int flags) = 0;
 
     /// Opens a file in a new view, which becomes the active one. False when the file cannot be shown.
     virtual bool openFile(const QString& path, bool activate) = 0;
 
-    /// Opens a new view that takes over the image, and makes it the active one. On failure (false) the image stays the
-    /// caller's.
+    /// Opens a new view that takes over the image, and makes it the active one.
+    ///
+    /// On true the image is the host's. On failure (false) and when this throws the image stays the caller's, which
+    /// deletes it: the host keeps no pointer to it. Called on the thread that runs the script for a captured image,
+    /// and on the GUI thread otherwise.
     virtual bool newViewWithImage(CxImageData* image, const QString& title) = 0;
 
-    /// Replaces what a view shows. The host takes over the image, also when no view has the identifier.
+    /// Replaces what a view shows. The host takes over the image, also when no view has the identifier and when this
+    /// throws.
     virtual void setViewImage(int id, CxImageData* image) = 0;
 
     /// The image that a view shows, or null. Stays owned by the view and is valid until the view gets another one or is

@@ -9,7 +9,8 @@
 /// The camera behind a parameter store (CxCameraParameters). Each kind of camera implements it.
 ///
 /// The store calls it on the thread that uses the store, one call at a time; writeParam() and writeRegion() may report
-/// values back to the store.
+/// values back to the store. After CxCameraParameters::releaseDevice() has returned, no call follows. An operation must
+/// not wait for the thread that closes the camera, since that thread waits for the operation.
 class VANTREL_HOST_EXPORT IxCameraDevice
 {
 public:

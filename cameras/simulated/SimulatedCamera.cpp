@@ -36,11 +36,11 @@ void addNumber(CxCameraParameters& store, const QString& name, const std::array<
     param->increment = defaultMinMaxStep[3];
 }
 
-std::unique_ptr<CxCameraParameters> defaultParameters(const SimulatedSensor& sensor, IxCameraDevice* device)
+std::shared_ptr<CxCameraParameters> defaultParameters(const SimulatedSensor& sensor, IxCameraDevice* device)
 {
     const auto integer = [](int value) { return CxValue::fromInt(value); };
     const auto floating = [](float value) { return CxValue::fromFloat(value); };
-    auto store = std::make_unique<CxCameraParameters>(sensor.info, sensor.size, device);
+    auto store = std::make_shared<CxCameraParameters>(sensor.info, sensor.size, device);
     addNumber(*store, exposureName,
               {integer(10000), integer(shortestExposure), integer(longestExposure), integer(exposureStep)});
     addNumber(*store, gainName, {floating(0.0F), floating(0.0F), floating(24.0F), floating(0.1F)});
@@ -85,7 +85,7 @@ void SimulatedCamera::close()
     if (!m_parameters)
         return;
     stop();
-    m_lastParameters = std::move(m_parameters);
+    m_parameters.reset();
 }
 
 bool SimulatedCamera::start()

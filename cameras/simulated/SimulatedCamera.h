@@ -21,7 +21,7 @@ public:
 
     bool open() override;
     void close() override;
-    CxCameraParameters* parameters() override { return m_parameters.get(); }
+    std::shared_ptr<CxCameraParameters> parameters() const override { return m_parameters; }
     bool start() override;
     void stop() override;
     bool isRunning() const override { return m_running; }
@@ -42,9 +42,8 @@ private:
 
     SimulatedSensor m_sensor;
     Clock m_clock;
-    std::unique_ptr<CxCameraParameters> m_parameters;
-    std::unique_ptr<CxCameraParameters> m_lastParameters; ///< the store that close() keeps alive
-    std::unique_ptr<SimulatedScene> m_scene;              ///< created for the first frame
+    std::shared_ptr<CxCameraParameters> m_parameters;
+    std::unique_ptr<SimulatedScene> m_scene; ///< created for the first frame
     bool m_running = false;
     std::int32_t m_framesSinceOpening = 0;
     std::int32_t m_framesSinceStart = 0;

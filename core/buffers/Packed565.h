@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 /// A colour packed into 16 bits: blue in the low 5 bits, green in the next 6, red in the high 5.
@@ -15,6 +16,25 @@ struct Packed565 {
     static Packed565 unpack(std::uint16_t word)
     {
         return {std::uint8_t(word & 31U), std::uint8_t((word >> 5U) & 63U), std::uint8_t(word >> 11U)};
+    }
+
+    /// The components as 8-bit values, blue first: full scale becomes 255, rounded to the nearest, as every conversion
+    /// of depth in this library does it. The one meaning of such a colour in 8 bits; fromBytes() undoes it exactly.
+    std::array<std::uint8_t, 3> bytes() const
+    {
+        const auto widened = [](unsigned value, unsigned maximum) {
+            return std::uint8_t((value * 255 + maximum / 2) / maximum);
+        };
+        return {widened(blue, maxBlue), widened(green, maxGreen), widened(red, maxRed)};
+    }
+
+    /// The colour that comes nearest to 8-bit values, of which the first is blue.
+    static Packed565 fromBytes(const std::uint8_t* bytes)
+    {
+        const auto narrowed = [](unsigned value, unsigned maximum) {
+            return std::uint8_t((value * maximum + 127) / 255);
+        };
+        return {narrowed(bytes[0], maxBlue), narrowed(bytes[1], maxGreen), narrowed(bytes[2], maxRed)};
     }
 
     std::uint16_t pack() const { return std::uint16_t(blue | unsigned(green) << 5U | unsigned(red) << 11U); }

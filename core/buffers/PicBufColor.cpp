@@ -11,6 +11,7 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -63,16 +64,11 @@ void copyChannels(const SxPicBuf& src, std::size_t first, SxPicBuf& dst)
 
 void unpackToRgb(const SxPicBuf& src, SxPicBuf& dst)
 {
-    const auto stretched = [](unsigned value, unsigned maximum) {
-        return std::uint8_t((value * 255 + maximum / 2) / maximum);
-    };
     for (std::uint32_t y = 0; y < src.height; ++y) {
         std::uint8_t* out = dst.row(y);
         for (std::size_t x = 0; x < src.width; ++x, out += dst.channels) {
-            const Packed565 colour = Packed565::unpack(loadValue<std::uint16_t>(src.row(y), x));
-            out[0] = stretched(colour.blue, Packed565::maxBlue);
-            out[1] = stretched(colour.green, Packed565::maxGreen);
-            out[2] = stretched(colour.red, Packed565::maxRed);
+            const auto bytes = Packed565::unpack(loadValue<std::uint16_t>(src.row(y), x)).bytes();
+            std::copy(bytes.begin(), bytes.end(), out);
             if (dst.channels == 4)
                 out[3] = 255;
         }

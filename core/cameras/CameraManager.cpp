@@ -1,20 +1,44 @@
 #include "CxCameraManager.h"
 
+#include "CxCameraParameters.h"
+
 #include <QtCore/QMutex>
 #include <QtCore/QMutexLocker>
 
 #include <cstdint>
+#include <utility>
 
 struct CxCameraManager::Private {
     struct Entry {
         void* camera = nullptr;
-        CxCameraParameters* parameters = nullptr;
+        std::shared_ptr<CxCameraParameters> parameters;
     };
 
     mutable QMutex mutex;
     QList<Entry> entries;
     std::uintptr_t lastHandle = 0;
+
+    std::shared_ptr<CxCameraParameters> find(void* camera) const
+    {
+        const QMutexLocker lock(&mutex);
+        for (const Entry& entry : entries)
+            if (entry.camera == camera)
+                return entry.parameters;
+        return nullptr;
+    }
 };
+
+namespace {
+
+thread_local bool threadIsEnding = false;
+
+/// The store that the thread asked for last.
+struct Lease {
+    ~Lease() { threadIsEnding = true; }
+    std::shared_ptr<CxCameraParameters> store;
+};
+
+} // namespace
 
 CxCameraManager::CxCameraManager()
     : d(std::make_unique<Private>())
@@ -47,13 +71,14 @@ int CxCameraManager::openedCameraCount() const
 
 CxCameraParameters* CxCameraManager::cameraParameters(void* camera) const
 {
-    if (!camera)
-        return nullptr;
-    const QMutexLocker lock(&d->mutex);
-    for (const Private::Entry& entry : d->entries)
-        if (entry.camera == camera)
-            return entry.parameters;
-    return nullptr;
+    std::shared_ptr<CxCameraParameters> store = camera ? d->find(camera) : nullptr;
+    CxCameraParameters* found = store.get();
+    // What runs at the very end of a thread finds no lease any more to put the store into.
+    if (!threadIsEnding) {
+        thread_local Lease lease;
+        lease.store.swap(store);
+    }
+    return found;
 }
 
 void* CxCameraManager::newHandle()
@@ -63,19 +88,26 @@ void* CxCameraManager::newHandle()
     return reinterpret_cast<void*>(++d->lastHandle);
 }
 
-void CxCameraManager::addCamera(void* camera, CxCameraParameters* parameters, int position)
+void CxCameraManager::addCamera(void* camera, std::shared_ptr<CxCameraParameters> parameters, int position)
 {
     const QMutexLocker lock(&d->mutex);
     const qsizetype end = d->entries.size();
-    d->entries.insert(position < 0 || position > end ? end : position, {camera, parameters});
+    d->entries.insert(position < 0 || position > end ? end : position, {camera, std::move(parameters)});
+}
+
+void CxCameraManager::addCamera(void* camera, CxCameraParameters* parameters, int position)
+{
+    // Points to the store and owns nothing.
+    addCamera(camera, std::shared_ptr<CxCameraParameters>(std::shared_ptr<void>(), parameters), position);
 }
 
 void CxCameraManager::removeCamera(void* camera)
 {
+    Private::Entry removed; // goes after the lock: a store tells its listeners when it is deleted
     const QMutexLocker lock(&d->mutex);
     for (qsizetype i = 0; i < d->entries.size(); ++i) {
         if (d->entries[i].camera == camera) {
-            d->entries.removeAt(i);
+            removed = d->entries.takeAt(i);
             return;
         }
     }

@@ -18,7 +18,8 @@
 struct CxCameraParameters::Private {
     SxCameraInfo info;
     QSize sensor;
-    IxCameraDevice* device = nullptr;
+    IxCameraDevice* device = nullptr; // guarded by the mutex, as is the next one
+    bool deviceIsReleased = false;
     std::vector<std::unique_ptr<CxCameraParam>> params;
     // Held while the device is talked to; recursive, since a device reports values back from within a write.
     mutable QRecursiveMutex mutex;
@@ -81,6 +82,13 @@ CxCameraParameters::CxCameraParameters(const SxCameraInfo& info, const QSize& se
 }
 
 CxCameraParameters::~CxCameraParameters() = default;
+
+void CxCameraParameters::releaseDevice()
+{
+    const QMutexLocker lock(&d->mutex);
+    d->device = nullptr;
+    d->deviceIsReleased = true;
+}
 
 const SxCameraInfo& CxCameraParameters::cameraInfo() const
 {
@@ -148,9 +156,9 @@ bool CxCameraParameters::getParamDirect(const QString& name, CxValue& value, int
         found = !param->notSupported;
         if (found)
             value = param->paramValue();
-    } else if (d->device) {
+    } else {
         const QMutexLocker lock(&d->mutex);
-        found = d->device->readParam(name, value);
+        found = d->device && d->device->readParam(name, value);
     }
     store(status, found ? Written : Unknown);
     return found;
@@ -177,7 +185,7 @@ bool CxCameraParameters::setROIRectParams(int x, int y, int width, int height, b
     const QRect region(int(left), int(top), int(right - left), int(bottom - top));
     {
         const QMutexLocker lock(&d->mutex);
-        if (commit && d->device && !d->device->writeRegion(region))
+        if (commit && (d->deviceIsReleased || (d->device && !d->device->writeRegion(region))))
             return false;
         d->region = region;
     }
@@ -243,7 +251,7 @@ CxCameraParameters::ExWriteStatus CxCameraParameters::Private::write(CxCameraPar
     const bool clipped = clip(wanted, param);
 
     const QMutexLocker lock(&mutex);
-    if (commit && device && !device->writeParam(param.name(), wanted))
+    if (commit && (deviceIsReleased || (device && !device->writeParam(param.name(), wanted))))
         return Refused;
     param.setParamValue(wanted);
     return clipped ? Clipped : Written;

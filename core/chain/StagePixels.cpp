@@ -1,6 +1,7 @@
 #include "StagePixels.h"
 
 #include "CxPicBufAPI.h"
+#include "buffers/Packed565.h"
 #include "buffers/PicBufMat.h"
 
 #include <opencv2/core.hpp>
@@ -221,32 +222,18 @@ SxPicBuf unpack565(const SxPicBuf& packed)
     SxPicBuf colour;
     CxPicBufAPI::AllocPicBufFromHeap(colour, packed.width, packed.height, 3, ExImageDataType::UInt8, 0, 0, 8,
                                      ExDataStorageFormat::Interleaved, ExColorFilterArray::None, true, false, 0);
-    if (!colour.data)
-        return colour;
-    for (std::uint32_t y = 0; y < packed.height; ++y) {
-        const auto* from = reinterpret_cast<const std::uint16_t*>(packed.row(y));
-        std::uint8_t* to = colour.row(y);
-        for (std::uint32_t x = 0; x < packed.width; ++x, to += 3) {
-            const unsigned blue = from[x] & 31U;
-            const unsigned green = (from[x] >> 5) & 63U;
-            const unsigned red = from[x] >> 11;
-            // The high bits again below, so that full scale stays full scale.
-            to[0] = std::uint8_t(blue << 3 | blue >> 2);
-            to[1] = std::uint8_t(green << 2 | green >> 4);
-            to[2] = std::uint8_t(red << 3 | red >> 2);
-        }
-    }
+    if (colour.data)
+        CxPicBufAPI::ConvertPicToRGB(packed, colour);
     return colour;
 }
 
 void pack565(const SxPicBuf& colour, SxPicBuf& packed)
 {
-    const auto narrowed = [](unsigned value, unsigned max) { return (value * max + 127) / 255; };
     for (std::uint32_t y = 0; y < packed.height; ++y) {
         const std::uint8_t* from = colour.row(y);
         auto* to = reinterpret_cast<std::uint16_t*>(packed.row(y));
         for (std::uint32_t x = 0; x < packed.width; ++x, from += 3)
-            to[x] = std::uint16_t(narrowed(from[2], 31) << 11 | narrowed(from[1], 63) << 5 | narrowed(from[0], 31));
+            to[x] = Packed565::fromBytes(from).pack();
     }
 }
 

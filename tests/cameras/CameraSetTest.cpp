@@ -8,9 +8,11 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QElapsedTimer>
+#include <QtCore/QPointer>
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <thread>
 
@@ -181,6 +183,62 @@ TEST_F(CameraSetTest, ARestartTakesAboutASecondUnlessToldOtherwise)
     patient.restart(patient.cameras()[0]->handle());
     ASSERT_TRUE(until([this] { return manager->openedCameraCount() == 1; }));
     EXPECT_GE(timer.elapsed(), 900);
+}
+
+TEST_F(CameraSetTest, AStoreOutlivesTwoClosesOfItsCameraWhileAThreadUsesIt)
+{
+    auto others = std::make_unique<CameraSet>();
+    others->openSimulated(1);
+    ViewerCamera* camera = others->cameras()[0];
+    std::atomic<int> step = 0;
+    const auto waitFor = [&step](int wanted) {
+        while (step < wanted)
+            std::this_thread::yield();
+    };
+    std::thread script([&] {
+        const auto exposure = QStringLiteral("exposure");
+        CxCameraParameters* store = manager->cameraParameters(camera->handle());
+        CxCameraParam* param = store->findParam(exposure, false);
+        store->setParamDirect(exposure, CxValue::fromInt(50), nullptr, ExCommitRefreshGuiMode::CommitAndRefresh);
+        const auto use = [&] {
+            EXPECT_EQ(param->paramValue().toInt(), 50);
+            EXPECT_EQ(store->cameraInfo().serialNumber, QStringLiteral("SIM0001A"));
+            int status = 0;
+            store->setParamDirect(exposure, CxValue::fromInt(70), &status, ExCommitRefreshGuiMode::CommitAndRefresh);
+            EXPECT_EQ(status, CxCameraParameters::Refused);
+            CxValue value;
+            EXPECT_FALSE(store->getParamDirect(QStringLiteral("link_speed"), value, nullptr));
+            EXPECT_FALSE(store->setROIRectParams(0, 0, 8, 8, true, true));
+        };
+        step = 1;
+        waitFor(2);
+        use();
+        step = 3;
+        waitFor(4);
+        use();
+        EXPECT_EQ(manager->openedCameraCount(), 0);
+    });
+    waitFor(1);
+    // Two closes, with frames of other openings in between; then the back end goes as well.
+    for (int i = 0; i < 2; ++i) {
+        camera->close();
+        ASSERT_TRUE(camera->open());
+    }
+    step = 2;
+    waitFor(3);
+    others.reset();
+    step = 4;
+    script.join();
+}
+
+TEST_F(CameraSetTest, AStoreThatNobodyUsesGoesWithItsCamera)
+{
+    cameras.openSimulated(1);
+    ViewerCamera* camera = cameras.cameras()[0];
+    const QPointer<QObject> store = camera->parameters();
+    std::thread([&] { EXPECT_EQ(manager->cameraParameters(camera->handle()), store); }).join();
+    camera->close();
+    EXPECT_TRUE(store.isNull());
 }
 
 TEST_F(CameraSetTest, AnotherThreadMayWriteParametersWhileFramesArrive)

@@ -279,7 +279,7 @@ TEST_F(SimulatedCameraTest, TwoRunsGiveIdenticalFrames)
 
 TEST_F(SimulatedCameraTest, IsOpenedAgainWithDefaultSettings)
 {
-    CxCameraParameters* before = camera.parameters();
+    const std::shared_ptr<CxCameraParameters> before = camera.parameters();
     set("exposure", CxValue::fromInt(77));
     camera.parameters()->setROIRectParams(0, 0, 10, 10, true, true);
     camera.start();

@@ -3,6 +3,7 @@
 #include "Pictures.h"
 
 #include <limits>
+#include <numeric>
 
 namespace {
 
@@ -98,6 +99,17 @@ TEST(DisplayImage, PackedColourIsUnpacked)
     const QImage shown = displayImage(*image->picBuf());
     EXPECT_EQ(shown.pixel(0, 0), qRgb(255, 0, 0));
     EXPECT_EQ(shown.pixel(1, 0), qRgb(0, 0, 255));
+}
+
+TEST(DisplayImage, PackedColoursLookAsTheirConversionDoes)
+{
+    std::vector<std::uint16_t> words(65536);
+    std::iota(words.begin(), words.end(), std::uint16_t(0));
+    const auto image = picture<std::uint16_t>(ExImageDataType::Packed565, 16, 256, 1, words);
+    const auto converted =
+        picture<std::uint8_t>(ExImageDataType::UInt8, 8, 256, 3, std::vector<std::uint8_t>(words.size() * 3));
+    ASSERT_TRUE(CxPicBufAPI::ConvertPicToRGB(*image->picBuf(), *converted->picBuf()));
+    EXPECT_EQ(displayImage(*image->picBuf()), displayImage(*converted->picBuf()));
 }
 
 TEST(DisplayImage, EveryRowIsShownDespitePadding)

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <stdexcept>
+#include <string>
 #include <thread>
 
 namespace {
@@ -33,6 +35,34 @@ TEST(GuiCallsTest, RunOnTheGuiThreadForOthersWhichWait)
     worker.join();
     EXPECT_TRUE(result);
     EXPECT_EQ(calledOn, QThread::currentThread());
+}
+
+TEST(GuiCallsTest, ThrowToTheCallerOnTheGuiThread)
+{
+    GuiCalls calls;
+    EXPECT_THROW(calls.run([] { throw std::runtime_error("broken"); }), std::runtime_error);
+}
+
+TEST(GuiCallsTest, ThrowToTheCallerOnAnotherThreadAndNotThroughTheEventLoop)
+{
+    GuiCalls calls;
+    std::atomic<bool> returned = false;
+    std::string caught;
+    bool laterCall = false;
+    std::thread worker([&] {
+        try {
+            calls.run([] { throw std::runtime_error("broken"); });
+        } catch (const std::runtime_error& error) {
+            caught = error.what();
+        }
+        laterCall = calls.run([] {});
+        returned = true;
+    });
+    while (!returned)
+        EXPECT_NO_THROW(QCoreApplication::processEvents());
+    worker.join();
+    EXPECT_EQ(caught, "broken");
+    EXPECT_TRUE(laterCall);
 }
 
 TEST(GuiCallsTest, GiveUpWhenTheEventLoopHasEndedAndAreNotMadeLater)

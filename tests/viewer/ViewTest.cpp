@@ -10,10 +10,14 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QMouseEvent>
+#include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QStatusBar>
 
+#include <algorithm>
+#include <atomic>
+#include <stdexcept>
 #include <thread>
 
 namespace {
@@ -157,6 +161,57 @@ TEST_P(Views, ANewViewTakesTheImageOver)
     EXPECT_EQ(delegate.viewImage(delegate.activeViewId()), given);
     EXPECT_EQ(window.views().active()->windowTitle(), QStringLiteral("mine"));
     EXPECT_FALSE(delegate.newViewWithImage(nullptr, QStringLiteral("none")));
+}
+
+/// The views that exist, wherever they are.
+int existingViews()
+{
+    const QWidgetList widgets = QApplication::allWidgets();
+    return int(std::count_if(widgets.begin(), widgets.end(),
+                             [](QWidget* widget) { return qobject_cast<ImageView*>(widget) != nullptr; }));
+}
+
+/// An image whose pixels cannot be had.
+class BrokenImage : public CxImageData
+{
+public:
+    SxPicBuf* picBuf() override { throw std::runtime_error("broken"); }
+};
+
+TEST_P(Views, AnImageThatCannotBeShownStaysTheCallersAndNoViewIsLeft)
+{
+    const int first = add();
+    const int before = CxImageData::liveCount();
+    auto image = std::make_unique<BrokenImage>();
+    EXPECT_THROW(delegate.newViewWithImage(image.get(), QStringLiteral("broken")), std::runtime_error);
+    ASSERT_EQ(CxImageData::liveCount(), before + 1);
+    EXPECT_EQ(window.viewIds(), std::vector<int>{first});
+    EXPECT_EQ(delegate.activeViewId(), first);
+    EXPECT_EQ(existingViews(), 1);
+    settle();
+    image.reset();
+    EXPECT_EQ(CxImageData::liveCount(), before);
+    settle();
+    EXPECT_TRUE(delegate.newViewWithImage(new CxImageData, QStringLiteral("next")));
+}
+
+TEST_P(Views, TheSameHoldsForAScriptOnAThreadOfItsOwn)
+{
+    const int first = add();
+    const int before = CxImageData::liveCount();
+    std::atomic<bool> returned = false;
+    std::thread script([&] {
+        auto image = std::make_unique<BrokenImage>();
+        EXPECT_THROW(delegate.newViewWithImage(image.get(), QStringLiteral("broken")), std::runtime_error);
+        EXPECT_EQ(CxImageData::liveCount(), before + 1);
+        returned = true;
+    });
+    while (!returned)
+        EXPECT_NO_THROW(QCoreApplication::processEvents());
+    script.join();
+    EXPECT_EQ(CxImageData::liveCount(), before);
+    EXPECT_EQ(delegate.activeViewId(), first);
+    EXPECT_EQ(existingViews(), 1);
 }
 
 TEST_P(Views, SettingAnImageReplacesTheOldOne)

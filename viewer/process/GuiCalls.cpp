@@ -4,8 +4,10 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <exception>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 namespace {
 
@@ -16,6 +18,7 @@ struct Call {
     std::mutex mutex;
     std::condition_variable changed;
     State state = State::Waiting;
+    std::exception_ptr thrown; ///< by the function; for the caller once the state is Done
 
     void perform(const std::function<void()>& function)
     {
@@ -25,9 +28,15 @@ struct Call {
                 return;
             state = State::Running;
         }
-        function();
+        std::exception_ptr caught;
+        try {
+            function();
+        } catch (...) {
+            caught = std::current_exception();
+        }
         {
             const std::lock_guard lock(mutex);
+            thrown = std::move(caught);
             state = State::Done;
         }
         changed.notify_all();
@@ -53,5 +62,7 @@ bool GuiCalls::run(std::function<void()> function)
         }
         call->changed.wait_for(lock, std::chrono::milliseconds(50));
     }
+    if (call->thrown)
+        std::rethrow_exception(std::exchange(call->thrown, nullptr));
     return true;
 }

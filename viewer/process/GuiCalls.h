@@ -10,7 +10,8 @@ class GuiCalls
 {
 public:
     /// Calls function on the GUI thread and waits until it has returned. False when it was not called, since the
-    /// application ends. Functions must not throw.
+    /// application ends. What the function throws is thrown again here, on the calling thread: the event loop never
+    /// sees it.
     bool run(std::function<void()> function);
 
     /// Called on the GUI thread when its event loop will not run any more: calls that wait for it give up.

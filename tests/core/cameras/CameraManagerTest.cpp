@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -65,6 +66,66 @@ TEST_F(CameraManager, AHandleTakenBackStaysUnknown)
     }
     manager->removeCamera(old);
     EXPECT_EQ(manager->openedCameraCount(), 0);
+}
+
+class SharedStore : public CameraManager
+{
+protected:
+    /// Lists a new store that the manager alone owns.
+    void* addOwned()
+    {
+        auto store = std::make_shared<CxCameraParameters>(SxCameraInfo(), QSize(64, 48), nullptr);
+        last = store;
+        void* camera = manager->newHandle();
+        manager->addCamera(camera, std::move(store));
+        return camera;
+    }
+
+    std::weak_ptr<CxCameraParameters> last;
+};
+
+TEST_F(SharedStore, GoesWithItsCameraWhenNobodyAskedForIt)
+{
+    void* camera = addOwned();
+    EXPECT_FALSE(last.expired());
+    manager->removeCamera(camera);
+    EXPECT_TRUE(last.expired());
+}
+
+TEST_F(SharedStore, StaysUntilTheThreadThatAskedForItAsksAgain)
+{
+    void* camera = addOwned();
+    EXPECT_EQ(manager->cameraParameters(camera), last.lock().get());
+    manager->removeCamera(camera);
+    EXPECT_EQ(manager->openedCameraCount(), 0);
+    EXPECT_FALSE(last.expired());
+    std::thread([&] { EXPECT_EQ(manager->cameraParameters(camera), nullptr); }).join();
+    EXPECT_FALSE(last.expired()) << "another thread's question ends nothing";
+    EXPECT_EQ(manager->cameraParameters(nullptr), nullptr);
+    EXPECT_TRUE(last.expired());
+}
+
+TEST_F(SharedStore, StaysNoLongerThanTheThreadThatAskedForIt)
+{
+    void* camera = addOwned();
+    std::thread([&] {
+        EXPECT_NE(manager->cameraParameters(camera), nullptr);
+        manager->removeCamera(camera);
+        EXPECT_FALSE(last.expired());
+    }).join();
+    EXPECT_TRUE(last.expired());
+}
+
+TEST_F(SharedStore, IsReleasedByTheManagerForAHostThatKeepsItsOwnStores)
+{
+    void* camera = manager->newHandle();
+    {
+        const auto own = std::make_unique<CxCameraParameters>(SxCameraInfo(), QSize(64, 48), nullptr);
+        manager->addCamera(camera, own.get());
+        EXPECT_EQ(manager->cameraParameters(camera), own.get());
+        manager->removeCamera(camera);
+    }
+    EXPECT_EQ(manager->cameraParameters(camera), nullptr);
 }
 
 TEST_F(CameraManager, CamerasMayComeAndGoWhileOtherThreadsAsk)

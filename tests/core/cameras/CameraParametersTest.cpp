@@ -122,6 +122,24 @@ TEST_F(CameraParameters, WhatCannotBeWrittenIsMinusThree)
     EXPECT_EQ(get("exposure"), CxValue::fromInt(10000));
 }
 
+TEST_F(CameraParameters, WithoutTheDeviceNothingIsWrittenAndWhatIsStoredCanBeRead)
+{
+    ASSERT_EQ(set("exposure", CxValue::fromInt(500)), CxCameraParameters::Written);
+    device.written.clear();
+    store->releaseDevice();
+    store->releaseDevice();
+    EXPECT_EQ(set("exposure", CxValue::fromInt(600)), CxCameraParameters::Refused);
+    EXPECT_EQ(get("exposure"), CxValue::fromInt(500));
+    EXPECT_FALSE(store->setROIRectParams(0, 0, 8, 8, true, true));
+    EXPECT_EQ(region(), QRect(0, 0, 640, 480));
+    CxValue value;
+    EXPECT_FALSE(store->getParamDirect(QStringLiteral("sensor_temperature"), value, nullptr));
+    EXPECT_TRUE(store->getParamDirect(QStringLiteral("exposure"), value, nullptr));
+    EXPECT_EQ(set("sensor_temperature", CxValue::fromInt(1)), CxCameraParameters::Unknown);
+    EXPECT_TRUE(device.written.isEmpty());
+    EXPECT_TRUE(device.regions.isEmpty());
+}
+
 TEST_F(CameraParameters, AStatusIsNotNeeded)
 {
     EXPECT_TRUE(store->setParamDirect(QStringLiteral("exposure"), CxValue::fromInt(20), nullptr,

@@ -4,6 +4,7 @@
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
 #include "CxRTTI.h"
+#include "chain/StagePixels.h"
 #include "support/LogCatcher.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@
 #include <cstring>
 #include <limits>
 #include <memory>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -285,6 +287,23 @@ TEST(ChainStages, PackedPixelsAreWorkedOnAsColours)
     EXPECT_EQ(run("InvertStage", {}, {red, 0}), (std::vector<std::uint16_t>{cyan, 0xFFFF}));
     EXPECT_EQ(run("FlipStage", {{"horizontal", "1"}}, {red, cyan}), (std::vector<std::uint16_t>{cyan, red}));
     EXPECT_EQ(run("ThresholdStage", {{"level", "200"}}, {0xFFFF, 0x7BEF}), (std::vector<std::uint16_t>{0xFFFF, 0}));
+}
+
+TEST(ChainStages, PackedPixelsAreTheColoursOfAConversionAndComeBackUnchanged)
+{
+    std::vector<std::uint16_t> words(65536);
+    std::iota(words.begin(), words.end(), std::uint16_t(0));
+    const auto packed = makeImage<std::uint16_t>(ExImageDataType::Packed565, 16, 256, 1, words);
+    const auto converted =
+        makeImage<std::uint8_t>(ExImageDataType::UInt8, 8, 256, 3, std::vector<std::uint8_t>(words.size() * 3));
+    ASSERT_TRUE(CxPicBufAPI::ConvertPicToRGB(*packed->picBuf(), *converted->picBuf()));
+    CxImageData unpacked;
+    unpacked.setPicBuf(stage_pixels::unpack565(*packed->picBuf()));
+    EXPECT_EQ(valuesOf<std::uint8_t>(unpacked), valuesOf<std::uint8_t>(*converted));
+    const auto back =
+        makeImage<std::uint16_t>(ExImageDataType::Packed565, 16, 256, 1, std::vector<std::uint16_t>(words.size()));
+    stage_pixels::pack565(*unpacked.picBuf(), *back->picBuf());
+    EXPECT_EQ(valuesOf<std::uint16_t>(*back), words);
 }
 
 TEST(ChainStages, FlipNamesTheColourFiltersAnew)

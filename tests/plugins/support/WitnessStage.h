@@ -5,6 +5,7 @@
 #include <QtCore/QList>
 #include <QtCore/QStringList>
 
+#include <functional>
 #include <stdexcept>
 
 /// A chain object that tells what a script did to it.
@@ -34,12 +35,15 @@ public:
         attributes.sort();
         if (throws)
             throw std::runtime_error("the settings are broken");
+        if (onConfigured)
+            onConfigured(*this);
     }
 
     void process(CxImageData& /*image*/) override {}
 
     static inline int alive = 0;
     static inline bool throws = false;
+    static inline std::function<void(WitnessStage&)> onConfigured;
     static inline QStringList steps; ///< what was done to any of them
     static inline QString elementName;
     static inline bool elementIsRoot = false; ///< the document's one element
