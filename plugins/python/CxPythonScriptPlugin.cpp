@@ -8,6 +8,7 @@
 #include "OutputRedirection.h"
 #include "ScriptModule.h"
 #include "support/ErrorLog.h"
+#include "support/HostContext.h"
 #include "support/NativeGuard.h"
 #include "support/PyRef.h"
 
@@ -15,14 +16,6 @@
 
 #include <memory>
 #include <utility>
-
-IxScriptEnvironment* g_pScriptPlugin = nullptr;
-
-void fx_script_addHelp(const char* moduleName, PyMethodDef* moduleFuncs, const char* objectName,
-                       PyMethodDef* objectMethods)
-{
-    CxPythonScriptPlugin::addHelpToPythonFunctions(moduleName, moduleFuncs, objectName, objectMethods);
-}
 
 CxPythonScriptPlugin::~CxPythonScriptPlugin()
 {
@@ -162,14 +155,5 @@ void CxPythonScriptPlugin::addImageVariable(const QString& name, CxImageData* im
 void CxPythonScriptPlugin::addHelpToPythonFunctions(const char* moduleName, PyMethodDef* moduleFuncs,
                                                     const char* objectName, PyMethodDef* objectMethods)
 {
-    if (!g_pScriptPlugin)
-        return;
-    if (moduleName && moduleFuncs) {
-        for (PyMethodDef* entry = moduleFuncs; entry->ml_name; ++entry)
-            entry->ml_doc = g_pScriptPlugin->functionHelp(moduleName, entry->ml_name);
-    }
-    if (objectName && objectMethods) {
-        for (PyMethodDef* entry = objectMethods; entry->ml_name; ++entry)
-            entry->ml_doc = g_pScriptPlugin->methodHelp(objectName, entry->ml_name);
-    }
+    fx_addHelp(moduleName, moduleFuncs, objectName, objectMethods);
 }

@@ -1,6 +1,7 @@
 // The names in __main__: what a run finds there, and what it must not leave.
 
 #include "CxPythonScriptPlugin.h"
+#include "support/Convert.h"
 #include "support/NativeGuard.h"
 #include "support/PyRef.h"
 
@@ -30,11 +31,6 @@ PyObject* mainDictionary()
     return main ? PyModule_GetDict(main) : nullptr;
 }
 
-bool isText(PyObject* object)
-{
-    return object && (PyType_GetFlags(Py_TYPE(object)) & Py_TPFLAGS_UNICODE_SUBCLASS);
-}
-
 std::string_view view(PyObject* bytes)
 {
     return {PyBytes_AsString(bytes), std::size_t(PyBytes_Size(bytes))};
@@ -50,24 +46,13 @@ void forEachName(PyObject* dictionary, Function function)
     const Py_ssize_t count = keys ? PyList_Size(keys.get()) : 0;
     for (Py_ssize_t i = 0; i < count; ++i) {
         PyObject* key = PyList_GetItem(keys.get(), i);
-        if (!isText(key))
+        if (!fx_isText(key))
             continue;
         if (const PyRef bytes = PyRef::take(PyUnicode_AsUTF8String(key)))
             function(view(bytes.get()));
         else
             clearError();
     }
-}
-
-QString text(PyObject* object)
-{
-    const PyRef bytes = PyRef::take(PyUnicode_AsUTF8String(object));
-    if (!bytes) {
-        PyErr_Clear();
-        return QString();
-    }
-    const std::string_view utf8 = view(bytes.get());
-    return QString::fromUtf8(utf8.data(), qsizetype(utf8.size()));
 }
 
 } // namespace
@@ -123,8 +108,8 @@ void CxPythonScriptPlugin::dumpLocalVariables()
         const PyRef keyText = PyRef::take(PyObject_Str(key));
         const PyRef valueText = value ? PyRef::take(PyObject_Str(value.get())) : PyRef();
         PyErr_Clear();
-        if (isText(keyText.get()) && isText(valueText.get()))
-            QMessageLogger(nullptr, 0, nullptr).critical()
-                << QStringLiteral("%1: %2").arg(text(keyText.get()), text(valueText.get()));
+        if (keyText && fx_isText(keyText.get()) && valueText && fx_isText(valueText.get()))
+            QMessageLogger(nullptr, 0, nullptr).critical() << QStringLiteral("%1: %2").arg(
+                fx_textOf(keyText.get()).value_or(QString()), fx_textOf(valueText.get()).value_or(QString()));
     }
 }

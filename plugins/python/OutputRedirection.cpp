@@ -1,6 +1,6 @@
 #include "OutputRedirection.h"
 
-#include "support/ErrorLog.h"
+#include "support/Convert.h"
 #include "support/NativeGuard.h"
 
 #include <QtCore/QString>
@@ -9,8 +9,6 @@
 #include <utility>
 
 namespace {
-
-constexpr int stableAbiVersion = 3; // of the module interface under the limited API
 
 /// Instance record of emb.stdout_object.
 struct TxPyStdOut {
@@ -38,22 +36,16 @@ PyObject* PyInit_emb()
     emb::g_stdout_saved = nullptr;
     emb::g_stderr = nullptr;
     emb::g_stderr_saved = nullptr;
-    // An interpreter that a script made import the module twice leaves this pointing at its own, dead dictionary.
-    emb::embmodule.m_base.m_copy = nullptr;
 
-    emb::TxPyStdOutType = PyType_FromSpec(&emb::TxPyStdOutType_Spec);
-    if (!emb::TxPyStdOutType) {
-        fx_logError(QStringLiteral("PyInit_emb(): %1").arg(QStringLiteral("Failed to register emb.StdOutType")));
+    emb::TxPyStdOutType = reinterpret_cast<PyObject*>(
+        fx_makeType(emb::TxPyStdOutType_Spec, "PyInit_emb", "Failed to register emb.StdOutType"));
+    if (!emb::TxPyStdOutType)
         return nullptr;
-    }
-    PyObject* module = PyModule_Create2(&emb::embmodule, stableAbiVersion);
+    PyObject* module = fx_makeModule(emb::embmodule);
     if (!module)
         return nullptr;
-    Py_INCREF(emb::TxPyStdOutType);
-    if (PyModule_AddObject(module, "stdout_object", emb::TxPyStdOutType) != 0) {
-        Py_DECREF(emb::TxPyStdOutType);
+    if (!fx_addType(module, "stdout_object", reinterpret_cast<PyTypeObject*>(emb::TxPyStdOutType)))
         PyErr_Clear(); // the streams can be redirected without the name
-    }
     return module;
 }
 
@@ -61,16 +53,11 @@ namespace emb {
 
 // ---- the object ----
 
-static TxPyStdOut& record(PyObject* self)
-{
-    return *reinterpret_cast<TxPyStdOut*>(self);
-}
-
 static PyObject* Stdout_new(PyTypeObject* type, PyObject* args, PyObject* keywords)
 {
     PyObject* self = PyType_GenericNew(type, args, keywords);
     if (self)
-        new (&record(self).fnWrite) Write();
+        new (&fx_record<TxPyStdOut>(self).fnWrite) Write();
     return self;
 }
 
@@ -78,14 +65,14 @@ static void Stdout_free(PyObject* self)
 {
     PyTypeObject* type = Py_TYPE(self);
     const auto release = reinterpret_cast<freefunc>(PyType_GetSlot(type, Py_tp_free));
-    record(self).fnWrite.~Write();
+    fx_record<TxPyStdOut>(self).fnWrite.~Write();
     release(self);
     Py_DECREF(type); // instances of a type made at run time hold it
 }
 
 static PyObject* Stdout_write(PyObject* self, PyObject* args)
 {
-    const Write& write = record(self).fnWrite;
+    const Write& write = fx_record<TxPyStdOut>(self).fnWrite;
     if (!write)
         return PyLong_FromLong(0);
     const char* text = nullptr;
@@ -125,7 +112,7 @@ static void install(const char* name, PyObject*& instance, PyObject*& saved, Wri
         Py_XINCREF(saved);
     }
     // The old function goes when everything is in place: its release may run anything.
-    std::swap(record(instance).fnWrite, write);
+    std::swap(fx_record<TxPyStdOut>(instance).fnWrite, write);
     setStream(name, instance);
 }
 
@@ -171,7 +158,7 @@ void clear_writers()
 {
     for (PyObject* instance : {g_stdout, g_stderr}) {
         if (instance)
-            record(instance).fnWrite = nullptr;
+            fx_record<TxPyStdOut>(instance).fnWrite = nullptr;
     }
 }
 

@@ -1,9 +1,10 @@
 // The module `vantrel`: registration, initialisation, source texts, and the table of its functions.
 
 #include "IxAppDelegate.h"
-#include "IxScriptEnvironment.h"
 #include "ScriptModule.h"
 #include "app/AppFunctions.h"
+#include "support/Convert.h"
+#include "support/HostContext.h"
 #include "support/NativeGuard.h"
 #include "support/PyRef.h"
 
@@ -13,9 +14,6 @@
 #ifndef Py_file_input
 #define Py_file_input 257
 #endif
-
-// The version of the module interface under the limited API.
-static constexpr int stableAbiVersion = 3;
 
 extern PyMethodDef px_app_funcs[];
 extern PyModuleDef px_app_module;
@@ -28,17 +26,14 @@ void fx_pyapp_register()
 
 static PyObject* makeModule()
 {
-    // An interpreter that a script made import the module twice leaves this pointing at its own, dead dictionary.
-    px_app_module.m_base.m_copy = nullptr;
-
-    fx_script_addHelp("vantrel", px_app_funcs, nullptr, nullptr);
+    fx_addHelp("vantrel", px_app_funcs, nullptr, nullptr);
     // Without one of its types the module is still of use.
     for (const auto ready : {fx_pycams_TypeReady, fx_pygraphs_TypeReady, fx_pyimages_TypeReady}) {
         ready();
         PyErr_Clear();
     }
 
-    PyObject* module = PyModule_Create2(&px_app_module, stableAbiVersion);
+    PyObject* module = fx_makeModule(px_app_module);
     if (!module)
         return nullptr;
     for (const auto add : {fx_pycams_TypeAdd, fx_pygraphs_TypeAdd, fx_pyimages_TypeAdd}) {
@@ -79,47 +74,9 @@ void fx_script_runText(const std::string& text)
 
 // ---- shared by the functions ----
 
-bool fx_app_onMainThread(const char* message)
-{
-    if (g_pScriptPlugin && g_pScriptPlugin->isMainThread())
-        return true;
-    PyErr_SetString(PyExc_Exception, message);
-    return false;
-}
-
-IxAppDelegate* fx_app_delegate()
-{
-    IxAppDelegate* delegate = IxAppDelegate::instance();
-    if (!delegate)
-        PyErr_SetString(PyExc_Exception, "the host application is not available");
-    return delegate;
-}
-
 int fx_app_resolveViewId(IxAppDelegate& delegate, int id)
 {
     return id < 0 ? delegate.activeViewId() : id;
-}
-
-QString fx_app_resolvePath(const char* utf8)
-{
-    const QString path = QString::fromUtf8(utf8);
-    return g_pScriptPlugin ? g_pScriptPlugin->resolveFilePath(path) : path;
-}
-
-PyObject* fx_app_none()
-{
-    return PyRef::retain(Py_None).release();
-}
-
-PyObject* fx_app_bool(bool value)
-{
-    return PyBool_FromLong(value);
-}
-
-PyObject* fx_app_text(const QString& text)
-{
-    const QByteArray utf8 = text.toUtf8();
-    return PyUnicode_FromStringAndSize(utf8.constData(), utf8.size());
 }
 
 // ---- tables ----

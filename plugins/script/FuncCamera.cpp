@@ -5,11 +5,10 @@
 #include "CxCameraParameters.h"
 #include "IxAppDelegate.h"
 #include "ScriptModule.h"
-#include "app/AppFunctions.h"
 #include "camera/CameraObject.h"
-#include "support/ErrorLog.h"
+#include "support/Convert.h"
+#include "support/HostContext.h"
 #include "support/NativeGuard.h"
-#include "support/PyRef.h"
 
 #include <QtCore/QString>
 
@@ -17,7 +16,7 @@ PyTypeObject* TxPyCameraType = nullptr;
 
 CxCameraParameters* fx_cam_parameters(PyObject* self)
 {
-    return self ? CxCameraManager::instance()->cameraParameters(fx_cam_record(self).cameraHandle) : nullptr;
+    return self ? CxCameraManager::instance()->cameraParameters(fx_record<pycam_userdata>(self).cameraHandle) : nullptr;
 }
 
 // ---- module function ----
@@ -31,7 +30,7 @@ PyObject* fx_pycams_GetCount(PyObject* /*module*/, PyObject* /*args*/)
 
 static int fx_pycam_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keywords*/)
 {
-    fx_cam_record(self).cameraHandle = nullptr;
+    fx_record<pycam_userdata>(self).cameraHandle = nullptr;
     return 0;
 }
 
@@ -39,9 +38,9 @@ static PyObject* fx_pycam_ToString(PyObject* self)
 {
     const CxCameraParameters* parameters = fx_cam_parameters(self);
     if (!parameters)
-        return fx_app_text(QStringLiteral("camera(disconnected)"));
+        return fx_text(QStringLiteral("camera(disconnected)"));
     const SxCameraInfo& info = parameters->cameraInfo();
-    return fx_app_text(QStringLiteral("camera(%1, sn: %2)").arg(info.deviceName, info.serialNumber));
+    return fx_text(QStringLiteral("camera(%1, sn: %2)").arg(info.deviceName, info.serialNumber));
 }
 
 // ---- attaching and detaching ----
@@ -54,12 +53,10 @@ static PyObject* fx_pycam_Open(PyObject* self, PyObject* args)
     if (!PyArg_ParseTuple(args, "|i", &index))
         return nullptr;
     const QList<void*> cameras = CxCameraManager::instance()->openedCameras();
-    if (index < 0 || index >= cameras.size()) {
-        PyErr_SetString(PyExc_Exception, "Camera not available");
-        return nullptr;
-    }
-    fx_cam_record(self).cameraHandle = cameras.at(index);
-    return fx_app_none();
+    if (index < 0 || index >= cameras.size())
+        return fx_raise("Camera not available");
+    fx_record<pycam_userdata>(self).cameraHandle = cameras.at(index);
+    return fx_none();
 }
 
 /// Attaches the first opened camera whose description has the given text in that field, in any letter case.
@@ -81,12 +78,10 @@ static PyObject* openByText(PyObject* self, PyObject* args, QString SxCameraInfo
         found = camera;
         break;
     }
-    if (!found) {
-        PyErr_SetString(PyExc_Exception, "Camera not found");
-        return nullptr;
-    }
-    fx_cam_record(self).cameraHandle = found;
-    return fx_app_none();
+    if (!found)
+        return fx_raise("Camera not found");
+    fx_record<pycam_userdata>(self).cameraHandle = found;
+    return fx_none();
 }
 
 static PyObject* fx_pycam_OpenByUserId(PyObject* self, PyObject* args)
@@ -108,8 +103,8 @@ static PyObject* fx_pycam_Close(PyObject* self, PyObject* /*args*/)
 {
     if (!self)
         return nullptr;
-    fx_cam_record(self).cameraHandle = nullptr;
-    return fx_app_none();
+    fx_record<pycam_userdata>(self).cameraHandle = nullptr;
+    return fx_none();
 }
 
 // ---- device information ----
@@ -124,27 +119,27 @@ static PyObject* fx_pycam_GetDeviceInfoString(PyObject* self, PyObject* args)
         return nullptr;
     CxValue value;
     fx_cam_describe(parameters->cameraInfo(), QString::fromUtf8(utf8), value);
-    return fx_app_text(value.toString()); // empty for an unknown key
+    return fx_text(value.toString()); // empty for an unknown key
 }
 
 // ---- acquisition ----
 
 static PyObject* fx_pycam_StartAcquisition(PyObject* self, PyObject* /*args*/)
 {
-    IxAppDelegate* delegate = self ? fx_app_delegate() : nullptr;
+    IxAppDelegate* delegate = self ? fx_delegate() : nullptr;
     if (!delegate)
         return nullptr;
-    const bool started = delegate->setCameraAcquisition(true, fx_cam_record(self).cameraHandle);
+    const bool started = delegate->setCameraAcquisition(true, fx_record<pycam_userdata>(self).cameraHandle);
     return PyLong_FromLong(started ? delegate->activeViewId() : -1);
 }
 
 static PyObject* fx_pycam_StopAcquisition(PyObject* self, PyObject* /*args*/)
 {
-    IxAppDelegate* delegate = self ? fx_app_delegate() : nullptr;
+    IxAppDelegate* delegate = self ? fx_delegate() : nullptr;
     if (!delegate)
         return nullptr;
-    delegate->setCameraAcquisition(false, fx_cam_record(self).cameraHandle);
-    return fx_app_none();
+    delegate->setCameraAcquisition(false, fx_record<pycam_userdata>(self).cameraHandle);
+    return fx_none();
 }
 
 // ---- tables ----
@@ -192,22 +187,14 @@ static PyType_Spec TxPyCameraType_Spec = {
 
 void fx_pycams_TypeReady()
 {
-    fx_script_addHelp("vantrel", nullptr, "cameraObj", px_camera_meths);
+    fx_addHelp("vantrel", nullptr, "cameraObj", px_camera_meths);
     TxPyCameraType = nullptr;
     if (fx_cam_prepareAttributes())
-        TxPyCameraType = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&TxPyCameraType_Spec));
-    if (!TxPyCameraType)
-        fx_logError(
-            QStringLiteral("fx_pycams_TypeReady(): %1").arg(QStringLiteral("Failed to register vantrel.CameraType")));
+        TxPyCameraType =
+            fx_makeType(TxPyCameraType_Spec, "fx_pycams_TypeReady", "Failed to register vantrel.CameraType");
 }
 
 int fx_pycams_TypeAdd(PyObject* module)
 {
-    if (!TxPyCameraType)
-        return 0;
-    PyRef type = PyRef::retain(reinterpret_cast<PyObject*>(TxPyCameraType));
-    if (PyModule_AddObject(module, "Camera", type.get()) != 0)
-        return 0;
-    static_cast<void>(type.release());
-    return 1;
+    return fx_addType(module, "Camera", TxPyCameraType);
 }

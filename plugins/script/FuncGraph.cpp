@@ -5,9 +5,9 @@
 #include "ScriptModule.h"
 #include "graph/CxGraphData.h"
 #include "graph/GraphPainting.h"
-#include "support/ErrorLog.h"
+#include "support/Convert.h"
+#include "support/HostContext.h"
 #include "support/NativeGuard.h"
-#include "support/PyRef.h"
 
 #include <QtGui/QClipboard>
 #include <QtGui/QGuiApplication>
@@ -25,14 +25,9 @@ static PyTypeObject* TxPyGraphType = nullptr;
 
 // ---- life ----
 
-static TxPyGraph& record(PyObject* self)
-{
-    return *reinterpret_cast<TxPyGraph*>(self);
-}
-
 static int fx_pygraph_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keywords*/)
 {
-    delete std::exchange(record(self).graphData, new CxGraphData);
+    delete std::exchange(fx_record<TxPyGraph>(self).graphData, new CxGraphData);
     return 0;
 }
 
@@ -41,7 +36,7 @@ static int fx_pygraph_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keywo
 static void fx_pygraph_Free(PyObject* self)
 {
     if (self)
-        delete std::exchange(record(self).graphData, nullptr);
+        delete std::exchange(fx_record<TxPyGraph>(self).graphData, nullptr);
 }
 
 // ---- shared by the methods ----
@@ -49,15 +44,10 @@ static void fx_pygraph_Free(PyObject* self)
 // The object's data; null with an error set when it is empty.
 static CxGraphData* graphOf(PyObject* self)
 {
-    CxGraphData* graph = self ? record(self).graphData : nullptr;
+    CxGraphData* graph = self ? fx_record<TxPyGraph>(self).graphData : nullptr;
     if (!graph)
-        PyErr_SetString(PyExc_Exception, "Graph object is empty");
+        fx_raise("Graph object is empty");
     return graph;
-}
-
-static PyObject* none()
-{
-    return PyRef::retain(Py_None).release();
 }
 
 // Colours are always opaque: the alpha that scripts may give has no effect.
@@ -86,7 +76,7 @@ static PyObject* fx_pygraph_SeriesAddPoint(PyObject* self, PyObject* args)
         return nullptr;
     if (CxGraphData::CxSeries* found = graph->seriesAt(series))
         found->points.append(QPointF(x, y));
-    return none();
+    return fx_none();
 }
 
 static PyObject* fx_pygraph_SeriesSetLineColor(PyObject* self, PyObject* args)
@@ -101,7 +91,7 @@ static PyObject* fx_pygraph_SeriesSetLineColor(PyObject* self, PyObject* args)
         return nullptr;
     if (CxGraphData::CxSeries* found = graph->seriesAt(series))
         found->lineColor = opaqueColor(red, green, blue);
-    return none();
+    return fx_none();
 }
 
 static PyObject* fx_pygraph_GetSeriesCount(PyObject* self, PyObject* /*args*/)
@@ -123,7 +113,7 @@ static PyObject* setRange(PyObject* self, PyObject* args, double CxGraphData::*m
     graph->*min = from;
     graph->*max = to;
     graph->*automatic = false;
-    return none();
+    return fx_none();
 }
 
 static PyObject* setRangeAuto(PyObject* self, PyObject* args, bool CxGraphData::*automatic)
@@ -133,7 +123,7 @@ static PyObject* setRangeAuto(PyObject* self, PyObject* args, bool CxGraphData::
     if (!graph || !PyArg_ParseTuple(args, "p", &on))
         return nullptr;
     graph->*automatic = on != 0;
-    return none();
+    return fx_none();
 }
 
 static PyObject* fx_pygraph_SetXAxisRange(PyObject* self, PyObject* args)
@@ -168,7 +158,7 @@ static PyObject* setColor(PyObject* self, PyObject* args, QColor CxGraphData::*c
     if (!graph || !PyArg_ParseTuple(args, "iii|i", &red, &green, &blue, &alpha))
         return nullptr;
     graph->*color = opaqueColor(red, green, blue);
-    return none();
+    return fx_none();
 }
 
 static PyObject* fx_pygraph_SetBackgroundColor(PyObject* self, PyObject* args)
@@ -193,7 +183,7 @@ static PyObject* fx_pygraph_SetDarkColorTheme(PyObject* self, PyObject* args)
     if (!graph || !PyArg_ParseTuple(args, "|p", &on))
         return nullptr;
     graph->setDarkColorTheme(on != 0);
-    return none();
+    return fx_none();
 }
 
 // ---- output ----
@@ -208,12 +198,10 @@ static PyObject* fx_pygraph_DrawIntoImage(PyObject* self, PyObject* args)
     if (!image)
         return nullptr; // without an error, which the interpreter reports
     const SxPicBuf* buffer = image->picBuf();
-    if (!buffer || !buffer->data || !fx_graph_canDrawInto(*buffer)) {
-        PyErr_SetString(PyExc_Exception, "Image must have RGB or RGBA format");
-        return nullptr;
-    }
+    if (!buffer || !buffer->data || !fx_graph_canDrawInto(*buffer))
+        return fx_raise("Image must have RGB or RGBA format");
     fx_script_DrawIntoImage(graph, image);
-    return none();
+    return fx_none();
 }
 
 // Unlike all others this method counts series from 1.
@@ -225,7 +213,7 @@ static PyObject* fx_pygraph_CopySeriesDataToClipboard(PyObject* self, PyObject* 
         return nullptr;
     if (const CxGraphData::CxSeries* found = graph->seriesAt(qsizetype(number) - 1))
         QGuiApplication::clipboard()->setText(CxGraphData::seriesText(*found), QClipboard::Clipboard);
-    return none();
+    return fx_none();
 }
 
 // ---- tables ----
@@ -269,20 +257,11 @@ static PyType_Spec TxPyGraphType_Spec = {
 
 void fx_pygraphs_TypeReady()
 {
-    fx_script_addHelp("vantrel", nullptr, "graphObj", px_graph_meths);
-    TxPyGraphType = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&TxPyGraphType_Spec));
-    if (!TxPyGraphType)
-        fx_logError(
-            QStringLiteral("fx_pygraphs_TypeReady(): %1").arg(QStringLiteral("Failed to register vantrel.GraphType")));
+    fx_addHelp("vantrel", nullptr, "graphObj", px_graph_meths);
+    TxPyGraphType = fx_makeType(TxPyGraphType_Spec, "fx_pygraphs_TypeReady", "Failed to register vantrel.GraphType");
 }
 
 int fx_pygraphs_TypeAdd(PyObject* module)
 {
-    if (!TxPyGraphType)
-        return 0;
-    PyRef type = PyRef::retain(reinterpret_cast<PyObject*>(TxPyGraphType));
-    if (PyModule_AddObject(module, "Graph", type.get()) != 0)
-        return 0;
-    static_cast<void>(type.release());
-    return 1;
+    return fx_addType(module, "Graph", TxPyGraphType);
 }

@@ -6,7 +6,8 @@
 #include "ScriptModule.h"
 #include "image/ImageMethods.h"
 #include "image/ImageObject.h"
-#include "support/ErrorLog.h"
+#include "support/Convert.h"
+#include "support/HostContext.h"
 #include "support/NativeGuard.h"
 #include "support/PyRef.h"
 
@@ -14,24 +15,17 @@
 
 PyTypeObject* TxPyImageType = nullptr;
 
-static TxPyImage& record(PyObject* self)
-{
-    return *reinterpret_cast<TxPyImage*>(self);
-}
-
 // ---- creation and access from elsewhere ----
 
 PyObject* fx_pyimg_createNewImageObject(CxImageData* image, int owns)
 {
-    if (!TxPyImageType) {
-        PyErr_SetString(PyExc_Exception, "vantrel.Image is not available");
-        return nullptr;
-    }
+    if (!TxPyImageType)
+        return fx_raise("vantrel.Image is not available");
     PyObject* object = PyObject_CallObject(reinterpret_cast<PyObject*>(TxPyImageType), nullptr);
     if (!object)
         return nullptr;
-    record(object).imageData = image;
-    record(object).ownsData = owns != 0;
+    fx_record<TxPyImage>(object).imageData = image;
+    fx_record<TxPyImage>(object).ownsData = owns != 0;
     return object;
 }
 
@@ -40,7 +34,7 @@ CxImageData* fx_pyimg_getImageObjectData(PyObject* object)
     // The type cannot be subclassed, so an object of it has exactly this type.
     if (!object || Py_TYPE(object) != TxPyImageType)
         return nullptr;
-    return record(object).imageData;
+    return fx_record<TxPyImage>(object).imageData;
 }
 
 SxPicBuf* fx_img_buffer(PyObject* object)
@@ -83,8 +77,8 @@ PyObject* fx_img_newOwner(OwnedPicBuf pixels)
 
 static int fx_pyimg_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keywords*/)
 {
-    record(self).imageData = nullptr;
-    record(self).ownsData = false;
+    fx_record<TxPyImage>(self).imageData = nullptr;
+    fx_record<TxPyImage>(self).ownsData = false;
     return 0;
 }
 
@@ -93,7 +87,7 @@ static int fx_pyimg_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keyword
 static void fx_pyimg_Free(PyObject* self)
 {
     if (self)
-        fx_img_releaseImage(record(self));
+        fx_img_releaseImage(fx_record<TxPyImage>(self));
 }
 
 static QString typeWord(const SxPicBufInfo& info)
@@ -186,10 +180,8 @@ static PyObject* fx_pyimg_Bytes(PyObject* self, PyObject* /*args*/)
 {
     const SxPicBuf* buffer = fx_img_buffer(self);
     // A buffer without memory would be given as bytes of any content.
-    if (!buffer || (!buffer->data && buffer->dataSize() > 0)) {
-        PyErr_SetString(PyExc_Exception, "Vantrel image object is empty");
-        return nullptr;
-    }
+    if (!buffer || (!buffer->data && buffer->dataSize() > 0))
+        return fx_raise("Vantrel image object is empty");
     return PyBytes_FromStringAndSize(reinterpret_cast<const char*>(buffer->data), Py_ssize_t(buffer->dataSize()));
 }
 
@@ -198,7 +190,7 @@ static PyObject* fx_pyimg_GetImageDataNumpy(PyObject* self, PyObject* args)
     int raw = 0;
     if (!PyArg_ParseTuple(args, "|p", &raw))
         return nullptr;
-    CxImageData* own = record(self).imageData;
+    CxImageData* own = fx_record<TxPyImage>(self).imageData;
     if (own && raw)
         return PyRef::retain(self).release();
     const SxPicBuf* buffer = own ? own->picBuf() : nullptr;
@@ -208,10 +200,8 @@ static PyObject* fx_pyimg_GetImageDataNumpy(PyObject* self, PyObject* args)
         return PyRef::retain(self).release();
 
     OwnedPicBuf swapped;
-    if (!CxPicBufAPI::AllocPicBufFromHeap(swapped.buffer, *buffer, false, 0)) {
-        PyErr_SetString(PyExc_Exception, "Cannot allocate image");
-        return nullptr;
-    }
+    if (!CxPicBufAPI::AllocPicBufFromHeap(swapped.buffer, *buffer, false, 0))
+        return fx_raise("Cannot allocate image");
     CxPicBufAPI::CopyPicBuf(swapped.buffer, *buffer, true);
     CxPicBufAPI::SwapRedAndBlue(swapped.buffer);
     auto image = std::make_unique<CxImageData>();
@@ -229,14 +219,10 @@ static PyObject* fx_pyimg_Alloc(PyObject* self, PyObject* args)
     int bpc = 0;
     if (!PyArg_ParseTuple(args, "iiii", &width, &height, &channels, &bpc))
         return nullptr;
-    if (width <= 0 || height <= 0 || channels <= 0 || bpc <= 0) {
-        PyErr_SetString(PyExc_Exception, "argument out of range");
-        return nullptr;
-    }
-    if (bpc > 32) {
-        PyErr_SetString(PyExc_Exception, "number of bits out of range");
-        return nullptr;
-    }
+    if (width <= 0 || height <= 0 || channels <= 0 || bpc <= 0)
+        return fx_raise("argument out of range");
+    if (bpc > 32)
+        return fx_raise("number of bits out of range");
     const auto dataType = bpc <= 8    ? ExImageDataType::UInt8
                           : bpc <= 16 ? ExImageDataType::UInt16
                                       : ExImageDataType::UInt32;
@@ -244,14 +230,12 @@ static PyObject* fx_pyimg_Alloc(PyObject* self, PyObject* args)
     CxPicBufAPI::AllocPicBufFromHeap(pixels.buffer, unsigned(width), unsigned(height), unsigned(channels), dataType, 0,
                                      0, unsigned(bpc), ExDataStorageFormat::Interleaved, ExColorFilterArray::None,
                                      channels == 3 || channels == 4, true, 0);
-    if (!pixels.buffer.data) {
-        PyErr_SetString(PyExc_Exception, "cannot allocate new image, out of memory");
-        return nullptr;
-    }
+    if (!pixels.buffer.data)
+        return fx_raise("cannot allocate new image, out of memory");
     auto image = std::make_unique<CxImageData>();
     image->setPicBuf(pixels.release());
-    fx_img_installImage(record(self), std::move(image));
-    return PyRef::retain(Py_None).release();
+    fx_img_installImage(fx_record<TxPyImage>(self), std::move(image));
+    return fx_none();
 }
 
 // ---- tables ----
@@ -319,26 +303,14 @@ static PyType_Spec TxPyImageType_Spec = {
 
 void fx_pyimages_TypeReady()
 {
-    fx_script_addHelp("vantrel", nullptr, "imgObj", px_image_meths);
+    fx_addHelp("vantrel", nullptr, "imgObj", px_image_meths);
     TxPyImageType = nullptr;
     if (fx_img_prepareAttributes())
-        TxPyImageType = reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&TxPyImageType_Spec));
-    if (TxPyImageType)
-        return;
-    PyErr_Clear(); // the module comes without the type; a pending error would take the whole module away
-    fx_logError(QStringLiteral("fx_pyimages_TypeReady(): %1")
-                    .arg(QStringLiteral("Failed to register vantrel.ImageType with limited API")));
+        TxPyImageType = fx_makeType(TxPyImageType_Spec, "fx_pyimages_TypeReady",
+                                    "Failed to register vantrel.ImageType with limited API");
 }
 
 int fx_pyimages_TypeAdd(PyObject* module)
 {
-    if (!TxPyImageType)
-        return 0;
-    PyRef type = PyRef::retain(reinterpret_cast<PyObject*>(TxPyImageType));
-    if (PyModule_AddObject(module, "Image", type.get()) != 0) {
-        PyErr_Clear();
-        return 0;
-    }
-    static_cast<void>(type.release());
-    return 1;
+    return fx_addType(module, "Image", TxPyImageType);
 }

@@ -7,9 +7,8 @@
 #include <string>
 
 class CxImageData;
-class IxScriptEnvironment;
 
-// The module `vantrel`: what it offers to the plugin core and to its own parts, and what it needs of the core.
+// The module `vantrel`: what it offers to the plugin core and to its own parts.
 
 // ---- offered, exported from the library with C linkage ----
 
@@ -63,13 +62,3 @@ int fx_pygraphs_TypeAdd(PyObject* module);
 
 void fx_pyimages_TypeReady();
 int fx_pyimages_TypeAdd(PyObject* module);
-
-// ---- needed of the plugin core, which defines them ----
-
-/// The environment of the latest run; null before the first. Owned by the host.
-extern IxScriptEnvironment* g_pScriptPlugin;
-
-/// Fills the documentation of method tables from the environment's help texts
-/// (CxPythonScriptPlugin::addHelpToPythonFunctions).
-void fx_script_addHelp(const char* moduleName, PyMethodDef* moduleFuncs, const char* objectName,
-                       PyMethodDef* objectMethods);

@@ -7,7 +7,7 @@
 #include "CxMdiView.h"
 #include "CxRTTI.h"
 #include "IxAppDelegate.h"
-#include "support/PyRef.h"
+#include "TakeAs.h"
 
 #include <QtXml/QDomDocument>
 #include <QtXml/QDomElement>
@@ -17,33 +17,15 @@
 
 namespace {
 
-bool hasTypeFlag(PyObject* object, unsigned long flag)
-{
-    return (PyType_GetFlags(Py_TYPE(object)) & flag) != 0;
-}
-
-/// The text of a str; none for other objects and for a str that has no UTF-8 form. No error is left.
-std::optional<QString> textOf(PyObject* object)
-{
-    if (!hasTypeFlag(object, Py_TPFLAGS_UNICODE_SUBCLASS))
-        return std::nullopt;
-    const PyRef utf8 = PyRef::take(PyUnicode_AsUTF8String(object));
-    if (!utf8) {
-        PyErr_Clear();
-        return std::nullopt;
-    }
-    return QString::fromUtf8(PyBytes_AsString(utf8.get()), PyBytes_Size(utf8.get()));
-}
-
 /// Stores one entry of a configuration, or leaves it out when its value is of no kind that a stage could read.
 void addAttribute(QDomElement& conf, const QString& name, PyObject* value)
 {
-    if (hasTypeFlag(value, Py_TPFLAGS_LONG_SUBCLASS)) {
+    if (fx_isInteger(value)) {
         // Cut to the low 32 bits, however large the integer is. Nothing is raised.
         conf.setAttribute(name, int(PyLong_AsUnsignedLongLongMask(value)));
-    } else if (PyType_IsSubtype(Py_TYPE(value), &PyFloat_Type)) {
+    } else if (fx_isFloat(value)) {
         conf.setAttribute(name, PyFloat_AsDouble(value));
-    } else if (const std::optional<QString> text = textOf(value)) {
+    } else if (const std::optional<QString> text = fx_textOf(value)) {
         conf.setAttribute(name, *text);
     }
 }
@@ -51,8 +33,8 @@ void addAttribute(QDomElement& conf, const QString& name, PyObject* value)
 /// Fills the element from a script's configuration; false with an error set when that is no dictionary.
 bool fillConfig(QDomElement& conf, PyObject* config)
 {
-    if (!hasTypeFlag(config, Py_TPFLAGS_DICT_SUBCLASS)) {
-        PyErr_SetString(PyExc_Exception, "Config parameter is not of the dictionary type");
+    if (!fx_isDict(config)) {
+        fx_raise("Config parameter is not of the dictionary type");
         return false;
     }
     // Nothing in this loop runs a script's code, which could change the dictionary meanwhile.
@@ -60,7 +42,7 @@ bool fillConfig(QDomElement& conf, PyObject* config)
     PyObject* key = nullptr;
     PyObject* value = nullptr;
     while (PyDict_Next(config, &position, &key, &value)) {
-        if (const std::optional<QString> name = textOf(key))
+        if (const std::optional<QString> name = fx_textOf(key))
             addAttribute(conf, *name, value);
     }
     return true;
@@ -73,11 +55,7 @@ std::unique_ptr<CxChainable> createStage(const QString& name)
     for (const QString& className : registry.classesForInterface(QStringLiteral("CxChainable"), true)) {
         if (registry.customNameForClass(className).compare(name, Qt::CaseInsensitive) != 0)
             continue;
-        std::unique_ptr<QObject> object(registry.createInstanceOfClass(className));
-        auto* stage = qobject_cast<CxChainable*>(object.get());
-        if (stage)
-            static_cast<void>(object.release());
-        return std::unique_ptr<CxChainable>(stage);
+        return takeAs<CxChainable>(registry.createInstanceOfClass(className));
     }
     return nullptr;
 }
@@ -88,7 +66,7 @@ PyObject* fx_pyapp_AddChainObject(PyObject* /*module*/, PyObject* args)
 {
     const char* name = nullptr;
     PyObject* config = nullptr;
-    IxAppDelegate* delegate = fx_app_enter(args, "s|O", &name, &config);
+    IxAppDelegate* delegate = fx_enter(args, "s|O", &name, &config);
     if (!delegate)
         return nullptr;
 
@@ -99,15 +77,11 @@ PyObject* fx_pyapp_AddChainObject(PyObject* /*module*/, PyObject* args)
         return nullptr;
 
     std::unique_ptr<CxChainable> stage = createStage(QString::fromUtf8(name));
-    if (!stage) {
-        PyErr_SetString(PyExc_Exception, "Cannot find chain object class");
-        return nullptr;
-    }
+    if (!stage)
+        return fx_raise("Cannot find chain object class");
     CxMdiView* view = delegate->view(delegate->activeViewId());
-    if (!view) {
-        PyErr_SetString(PyExc_Exception, "No active view");
-        return nullptr;
-    }
+    if (!view)
+        return fx_raise("No active view");
     CxChainable* viewObject = view->chainObject();
     CxChain* chain = viewObject ? viewObject->chain() : nullptr;
     if (!chain)
@@ -126,5 +100,5 @@ PyObject* fx_pyapp_AddChainObject(PyObject* /*module*/, PyObject* args)
         static_cast<void>(stage.release());
     if (wasRunning)
         chain->start();
-    return fx_app_none();
+    return fx_none();
 }

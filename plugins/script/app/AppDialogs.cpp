@@ -40,7 +40,7 @@ PyObject* fx_pyapp_MessageBox(PyObject* /*module*/, PyObject* args)
     const char* label1 = nullptr;
     const char* label2 = nullptr;
     const char* label3 = nullptr;
-    IxAppDelegate* delegate = fx_app_enter(args, "ss|sss", &title, &text, &label1, &label2, &label3);
+    IxAppDelegate* delegate = fx_enter(args, "ss|sss", &title, &text, &label1, &label2, &label3);
     if (!delegate)
         return nullptr;
     const QString secondLabel = textOf(label2);
@@ -64,11 +64,11 @@ PyObject* fx_pyapp_MessageBox(PyObject* /*module*/, PyObject* args)
 PyObject* fx_pyapp_ShowNotification(PyObject* /*module*/, PyObject* args)
 {
     const char* text = nullptr;
-    IxAppDelegate* delegate = fx_app_enter(args, "s", &text);
+    IxAppDelegate* delegate = fx_enter(args, "s", &text);
     if (!delegate)
         return nullptr;
     delegate->showNotification(textOf(text));
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_PrintToErrorLog(PyObject* /*module*/, PyObject* args)
@@ -77,16 +77,16 @@ PyObject* fx_pyapp_PrintToErrorLog(PyObject* /*module*/, PyObject* args)
     if (!PyArg_ParseTuple(args, "s", &text))
         return nullptr;
     QMessageLogger(nullptr, 0, nullptr, "default").critical() << textOf(text);
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_AskUserForString(PyObject* /*module*/, PyObject* args)
 {
     const char* title = nullptr;
     const char* label = nullptr;
-    IxAppDelegate* delegate = fx_app_enter(args, "ss", &title, &label);
+    IxAppDelegate* delegate = fx_enter(args, "ss", &title, &label);
     if (!delegate)
         return nullptr;
-    return fx_app_text(
+    return fx_text(
         QInputDialog::getText(delegate->mainWindow(), textOf(title), textOf(label), QLineEdit::Normal, QString()));
 }

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "support/PythonApi.h"
-
-#include <QtCore/QString>
+#include "support/Convert.h"
+#include "support/HostContext.h"
 
 class IxAppDelegate;
 
@@ -10,34 +9,8 @@ class IxAppDelegate;
 
 // ---- shared by them ----
 
-/// False, with the guard's error set, when the script does not run on the GUI thread. message replaces the usual text.
-bool fx_app_onMainThread(const char* message = "running GUI function from non-main thread");
-
-/// The application; null with an error set when the host has none.
-IxAppDelegate* fx_app_delegate();
-
-/// What every function that touches windows begins with: the thread is checked, then the arguments are parsed. Returns
-/// the application, or null with an error set.
-template<typename... Targets>
-IxAppDelegate* fx_app_enter(PyObject* args, const char* format, Targets*... targets)
-{
-    if (!fx_app_onMainThread() || !PyArg_ParseTuple(args, format, targets...))
-        return nullptr;
-    return fx_app_delegate();
-}
-
 /// The view identifier to use: a negative one stands for the active view.
 int fx_app_resolveViewId(IxAppDelegate& delegate, int id);
-
-/// A path given by a script, as the environment resolves it.
-QString fx_app_resolvePath(const char* utf8);
-
-/// A new reference to None, True or False.
-PyObject* fx_app_none();
-PyObject* fx_app_bool(bool value);
-
-/// A new str.
-PyObject* fx_app_text(const QString& text);
 
 // ---- cameras: FuncCamera.cpp ----
 

@@ -59,14 +59,14 @@ PyObject* fx_pyapp_AddMenuItem(PyObject* /*module*/, PyObject* args)
     const char* script = nullptr;
     const char* submenu = nullptr;
     const char* extra = nullptr;
-    IxAppDelegate* delegate = fx_app_enter(args, "ss|ss", &name, &script, &submenu, &extra);
+    IxAppDelegate* delegate = fx_enter(args, "ss|ss", &name, &script, &submenu, &extra);
     QMenu* menu = delegate ? delegate->menu(scriptMenuKind) : nullptr;
     if (!menu)
         return nullptr;
     if (submenu && *submenu)
         menu = findOrAddSubmenu(*menu, QString::fromUtf8(submenu));
     g_pScriptPlugin->addMenuItem(menu, QString::fromUtf8(name), QString::fromUtf8(script), QString::fromUtf8(extra));
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_RunScript(PyObject* /*module*/, PyObject* args)
@@ -74,20 +74,18 @@ PyObject* fx_pyapp_RunScript(PyObject* /*module*/, PyObject* args)
     const char* path = nullptr;
     if (!PyArg_ParseTuple(args, "s", &path))
         return nullptr;
-    QFile file(fx_app_resolvePath(path));
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        PyErr_SetString(PyExc_Exception, "given script file can't be opened.");
-        return nullptr;
-    }
+    QFile file(fx_resolvePath(path));
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return fx_raise("given script file can't be opened.");
     const QByteArray text = file.readAll();
     file.close();
     runText(text);
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_GetWorkingDirectory(PyObject* /*module*/, PyObject* /*args*/)
 {
-    return fx_app_text(g_pScriptPlugin ? g_pScriptPlugin->workingDirectory() : QString());
+    return fx_text(g_pScriptPlugin ? g_pScriptPlugin->workingDirectory() : QString());
 }
 
 PyObject* fx_pyapp_PlaySound(PyObject* /*module*/, PyObject* args)
@@ -95,10 +93,10 @@ PyObject* fx_pyapp_PlaySound(PyObject* /*module*/, PyObject* args)
     const char* path = nullptr;
     if (!PyArg_ParseTuple(args, "s", &path))
         return nullptr;
-    const QString resolved = fx_app_resolvePath(path);
-    IxAppDelegate* delegate = fx_app_delegate();
+    const QString resolved = fx_resolvePath(path);
+    IxAppDelegate* delegate = fx_delegate();
     if (!delegate)
         return nullptr;
     delegate->playSound(resolved);
-    return fx_app_none();
+    return fx_none();
 }

@@ -3,7 +3,6 @@
 #include "AppFunctions.h"
 #include "GlobalVariables.h"
 #include "ScriptModule.h"
-#include "image/ImageObject.h"
 
 PyObject* fx_pyapp_SetGlobalVariableImg(PyObject* /*module*/, PyObject* args)
 {
@@ -12,7 +11,7 @@ PyObject* fx_pyapp_SetGlobalVariableImg(PyObject* /*module*/, PyObject* args)
     if (!PyArg_ParseTuple(args, "sO", &name, &object))
         return nullptr;
     fx_vars_setImage(QString::fromUtf8(name), fx_pyimg_getImageObjectData(object));
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_GetGlobalVariableImg(PyObject* /*module*/, PyObject* args)
@@ -24,7 +23,7 @@ PyObject* fx_pyapp_GetGlobalVariableImg(PyObject* /*module*/, PyObject* args)
     // is none of those whose creation may start the garbage collector, and with it a script's code.
     PyObject* result = nullptr;
     fx_vars_readImage(QString::fromUtf8(name), [&result](CxImageData* image) {
-        result = image ? fx_pyimg_createNewImageObject(image, false) : fx_app_none();
+        result = image ? fx_pyimg_createNewImageObject(image, false) : fx_none();
     });
     return result;
 }
@@ -36,7 +35,7 @@ PyObject* fx_pyapp_SetGlobalVariableInt(PyObject* /*module*/, PyObject* args)
     if (!PyArg_ParseTuple(args, "si", &name, &value))
         return nullptr;
     fx_vars_setInt(QString::fromUtf8(name), value);
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_GetGlobalVariableInt(PyObject* /*module*/, PyObject* args)
@@ -56,7 +55,7 @@ PyObject* fx_pyapp_SetGlobalVariableString(PyObject* /*module*/, PyObject* args)
     if (!PyArg_ParseTuple(args, "ss", &name, &value))
         return nullptr;
     fx_vars_setString(QString::fromUtf8(name), QString::fromUtf8(value));
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_GetGlobalVariableString(PyObject* /*module*/, PyObject* args)
@@ -65,6 +64,6 @@ PyObject* fx_pyapp_GetGlobalVariableString(PyObject* /*module*/, PyObject* args)
     if (!PyArg_ParseTuple(args, "s", &name))
         return nullptr;
     PyObject* result = nullptr;
-    fx_vars_readString(QString::fromUtf8(name), [&result](const QString& value) { result = fx_app_text(value); });
+    fx_vars_readString(QString::fromUtf8(name), [&result](const QString& value) { result = fx_text(value); });
     return result;
 }

@@ -8,6 +8,7 @@
 #include "IxAppDelegate.h"
 #include "IxScriptEnvironment.h"
 #include "ScriptModule.h"
+#include "TakeAs.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -19,14 +20,10 @@ namespace {
 /// An independent copy of an image; null with an error set when there is no memory for it.
 std::unique_ptr<CxImageData> cloneImage(CxImageData& image)
 {
-    std::unique_ptr<QObject> object(image.clone(nullptr, nullptr));
-    auto* copy = qobject_cast<CxImageData*>(object.get());
-    if (!copy) {
-        PyErr_SetString(PyExc_Exception, "cannot allocate new image, out of memory");
-        return nullptr;
-    }
-    static_cast<void>(object.release());
-    return std::unique_ptr<CxImageData>(copy);
+    std::unique_ptr<CxImageData> copy = takeAs<CxImageData>(image.clone(nullptr, nullptr));
+    if (!copy)
+        fx_raise("cannot allocate new image, out of memory");
+    return copy;
 }
 
 /// The view that an identifier names, or null.
@@ -39,13 +36,13 @@ CxMdiView* findView(IxAppDelegate& delegate, int id)
 
 PyObject* fx_pyapp_OpenFile(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread("vantrel.open_file: running GUI function from non-main thread"))
+    if (!fx_onMainThread("vantrel.open_file: running GUI function from non-main thread"))
         return nullptr;
     const char* path = nullptr;
     if (!PyArg_ParseTuple(args, "s", &path))
         return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
-    if (!delegate || !delegate->openFile(fx_app_resolvePath(path), true))
+    IxAppDelegate* delegate = fx_delegate();
+    if (!delegate || !delegate->openFile(fx_resolvePath(path), true))
         return nullptr;
     return PyLong_FromLong(delegate->activeViewId());
 }
@@ -53,10 +50,10 @@ PyObject* fx_pyapp_OpenFile(PyObject* /*module*/, PyObject* args)
 PyObject* fx_pyapp_SaveToFile(PyObject* /*module*/, PyObject* args)
 {
     const char* path = nullptr;
-    IxAppDelegate* delegate = fx_app_enter(args, "s", &path);
+    IxAppDelegate* delegate = fx_enter(args, "s", &path);
     if (!delegate)
         return nullptr;
-    const QString resolved = fx_app_resolvePath(path);
+    const QString resolved = fx_resolvePath(path);
     QDir().mkpath(QFileInfo(resolved).absolutePath());
     CxImageData* image = delegate->viewImage(delegate->activeViewId());
     if (!image)
@@ -65,13 +62,13 @@ PyObject* fx_pyapp_SaveToFile(PyObject* /*module*/, PyObject* args)
     if (!saver)
         return nullptr;
     saver->saveImage(image, nullptr);
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_DuplicateView(PyObject* /*module*/, PyObject* args)
 {
     int id = -1;
-    IxAppDelegate* delegate = fx_app_enter(args, "|i", &id);
+    IxAppDelegate* delegate = fx_enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     return PyLong_FromLong(delegate->duplicateView(id) ? delegate->activeViewId() : -1);
@@ -79,78 +76,76 @@ PyObject* fx_pyapp_DuplicateView(PyObject* /*module*/, PyObject* args)
 
 PyObject* fx_pyapp_GetActiveViewId(PyObject* /*module*/, PyObject* /*args*/)
 {
-    if (!fx_app_onMainThread())
+    if (!fx_onMainThread())
         return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = fx_delegate();
     return delegate ? PyLong_FromLong(delegate->activeViewId()) : nullptr;
 }
 
 PyObject* fx_pyapp_ActivateView(PyObject* /*module*/, PyObject* args)
 {
     int id = -1;
-    IxAppDelegate* delegate = fx_app_enter(args, "|i", &id);
+    IxAppDelegate* delegate = fx_enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     delegate->activateView(id);
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_CloseView(PyObject* /*module*/, PyObject* args)
 {
     int id = -1;
-    IxAppDelegate* delegate = fx_app_enter(args, "|i", &id);
+    IxAppDelegate* delegate = fx_enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     if (CxMdiView* view = findView(*delegate, id))
         view->closeMdiView();
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_TileViews(PyObject* /*module*/, PyObject* /*args*/)
 {
-    if (!fx_app_onMainThread())
+    if (!fx_onMainThread())
         return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = fx_delegate();
     if (!delegate)
         return nullptr;
     delegate->tileViews();
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_SwitchFullScreen(PyObject* /*module*/, PyObject* args)
 {
     int on = 0;
-    IxAppDelegate* delegate = fx_app_enter(args, "p", &on);
+    IxAppDelegate* delegate = fx_enter(args, "p", &on);
     if (!delegate)
         return nullptr;
     delegate->setFullScreen(on != 0);
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_WaitForNextFrame(PyObject* /*module*/, PyObject* args)
 {
     double timeout = -1.0;
     int id = -1;
-    IxAppDelegate* delegate = fx_app_enter(args, "|di", &timeout, &id);
+    IxAppDelegate* delegate = fx_enter(args, "|di", &timeout, &id);
     if (!delegate)
         return nullptr;
     CxMdiView* view = findView(*delegate, id);
-    if (!view) {
-        PyErr_SetString(PyExc_Exception, "vantrel.WaitForNextFrame: view not found");
-        return nullptr;
-    }
-    return fx_app_bool(g_pScriptPlugin->waitForNextFrame(view, timeout));
+    if (!view)
+        return fx_raise("vantrel.WaitForNextFrame: view not found");
+    return fx_bool(g_pScriptPlugin->waitForNextFrame(view, timeout));
 }
 
 PyObject* fx_pyapp_Wait(PyObject* /*module*/, PyObject* args)
 {
-    if (!fx_app_onMainThread())
+    if (!fx_onMainThread())
         return nullptr;
     double time = 0.0;
     if (!PyArg_ParseTuple(args, "d", &time))
         return nullptr;
     g_pScriptPlugin->wait(time);
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_GetViewImage(PyObject* /*module*/, PyObject* args)
@@ -158,14 +153,12 @@ PyObject* fx_pyapp_GetViewImage(PyObject* /*module*/, PyObject* args)
     int id = -1;
     if (!PyArg_ParseTuple(args, "|i", &id))
         return nullptr;
-    IxAppDelegate* delegate = fx_app_delegate();
+    IxAppDelegate* delegate = fx_delegate();
     if (!delegate)
         return nullptr;
     CxImageData* shown = delegate->viewImage(fx_app_resolveViewId(*delegate, id));
-    if (!shown) {
-        PyErr_SetString(PyExc_Exception, "no view or view contains no image");
-        return nullptr;
-    }
+    if (!shown)
+        return fx_raise("no view or view contains no image");
     std::unique_ptr<CxImageData> copy = cloneImage(*shown);
     if (!copy)
         return nullptr;
@@ -179,7 +172,7 @@ PyObject* fx_pyapp_SetViewImage(PyObject* /*module*/, PyObject* args)
 {
     PyObject* object = nullptr;
     int id = -1;
-    IxAppDelegate* delegate = fx_app_enter(args, "O|i", &object, &id);
+    IxAppDelegate* delegate = fx_enter(args, "O|i", &object, &id);
     CxImageData* image = delegate ? fx_pyimg_getImageObjectData(object) : nullptr;
     if (!image)
         return nullptr;
@@ -188,14 +181,14 @@ PyObject* fx_pyapp_SetViewImage(PyObject* /*module*/, PyObject* args)
     if (!copy)
         return nullptr;
     delegate->setViewImage(id, copy.release());
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyapp_NewViewWithImage(PyObject* /*module*/, PyObject* args)
 {
     PyObject* object = nullptr;
     const char* title = nullptr;
-    IxAppDelegate* delegate = fx_app_enter(args, "O|s", &object, &title);
+    IxAppDelegate* delegate = fx_enter(args, "O|s", &object, &title);
     CxImageData* image = delegate ? fx_pyimg_getImageObjectData(object) : nullptr;
     if (!image)
         return nullptr;
@@ -213,21 +206,21 @@ PyObject* fx_pyapp_RecordVideoToFile(PyObject* /*module*/, PyObject* args)
 {
     const char* path = nullptr;
     int id = -1;
-    IxAppDelegate* delegate = fx_app_enter(args, "s|i", &path, &id);
+    IxAppDelegate* delegate = fx_enter(args, "s|i", &path, &id);
     if (!delegate)
         return nullptr;
-    const QString resolved = fx_app_resolvePath(path);
+    const QString resolved = fx_resolvePath(path);
     CxMdiView* view = findView(*delegate, id);
-    return fx_app_bool(view && view->startVideoRecording(resolved));
+    return fx_bool(view && view->startVideoRecording(resolved));
 }
 
 PyObject* fx_pyapp_StopVideoRecording(PyObject* /*module*/, PyObject* args)
 {
     int id = -1;
-    IxAppDelegate* delegate = fx_app_enter(args, "|i", &id);
+    IxAppDelegate* delegate = fx_enter(args, "|i", &id);
     if (!delegate)
         return nullptr;
     if (CxMdiView* view = findView(*delegate, id))
         view->stopVideoRecording();
-    return fx_app_none();
+    return fx_none();
 }

@@ -4,8 +4,7 @@
 #include "CameraNames.h"
 #include "CameraObject.h"
 #include "IxScriptEnvironment.h"
-#include "ScriptModule.h"
-#include "app/AppFunctions.h"
+#include "support/HostContext.h"
 #include "support/NativeGuard.h"
 #include "support/PyRef.h"
 
@@ -35,7 +34,7 @@ const CameraAttributeName& parsed(PyObject* name)
         if (PyObject* index = PyDict_GetItem(knownNames, name))
             return parsedNames[PyLong_AsSize_t(index)];
     }
-    CameraAttributeName fresh = fx_cam_parseAttributeName(fx_cam_text(name));
+    CameraAttributeName fresh = fx_cam_parseAttributeName(fx_textOf(name).value_or(QString()));
     if (plain && parsedNames.size() < mostKnownNames) {
         const PyRef index = PyRef::take(PyLong_FromSize_t(parsedNames.size()));
         if (index && PyDict_SetItem(knownNames, name, index.get()) == 0) {
@@ -86,16 +85,16 @@ void raiseSystemErrorFromPending()
 /// call, which releases it: a callable is for one call.
 PyObject* fx_pycam_setget_camera_parameter(PyObject* carrier, PyObject* argument)
 {
-    if (!carrier || !(PyType_GetFlags(Py_TYPE(carrier)) & Py_TPFLAGS_TUPLE_SUBCLASS))
-        return fx_app_none();
+    if (!carrier || !fx_isTuple(carrier))
+        return fx_none();
     PyRef result;
     {
         const PyRef handedOver = PyRef::take(carrier);
         PyObject* self = PyTuple_GetItem(carrier, 0);
         PyObject* text = PyTuple_GetItem(carrier, 1);
-        if (!self || !text || !(PyType_GetFlags(Py_TYPE(text)) & Py_TPFLAGS_UNICODE_SUBCLASS)) {
+        if (!self || !text || !fx_isText(text)) {
             PyErr_Clear();
-            return fx_app_none();
+            return fx_none();
         }
         // A copy: reading and writing run host code, which may come back here.
         const CameraAttributeName name = parsed(text);
@@ -120,7 +119,7 @@ PyObject* fx_pycam_setget_camera_parameter(PyObject* carrier, PyObject* argument
         raiseSystemErrorFromPending();
         return nullptr;
     }
-    return result ? result.release() : fx_app_none();
+    return result ? result.release() : fx_none();
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/PythonApi.h"
+#include "support/Convert.h"
 
 class CxCameraParameters;
 class CxValue;
@@ -16,12 +16,6 @@ struct pycam_userdata {
 
 /// The type object of the running interpreter; null until the module is made.
 extern PyTypeObject* TxPyCameraType;
-
-/// The object's record.
-inline pycam_userdata& fx_cam_record(PyObject* self)
-{
-    return *reinterpret_cast<pycam_userdata*>(self);
-}
 
 /// Whether the object is a vantrel.Camera.
 inline bool fx_cam_isCamera(PyObject* object)
@@ -63,10 +57,7 @@ PyObject* fx_pycam_GetParam(PyObject* self, PyObject* args);
 /// (value unchanged) for any other key.
 bool fx_cam_describe(const SxCameraInfo& info, const QString& key, CxValue& value);
 
-/// The text of a str; empty, with no error left, for one without a UTF-8 form and for other objects.
-QString fx_cam_text(PyObject* object);
-
-// ---- region of interest, settings files, restart, capture: CameraSetup.cpp ----
+// ---- region of interest, settings files, restart, capture dialog: a file each ----
 
 PyObject* fx_pycam_SetRoi(PyObject* self, PyObject* args);
 PyObject* fx_pycam_GetRoi(PyObject* self, PyObject* args);

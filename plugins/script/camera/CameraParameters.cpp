@@ -4,8 +4,6 @@
 #include "CameraNames.h"
 #include "CameraObject.h"
 #include "CxCameraParameters.h"
-#include "app/AppFunctions.h"
-#include "support/PyRef.h"
 
 #include <QtCore/QString>
 
@@ -20,33 +18,31 @@ PyObject* toPython(const CxValue& value)
     case CxValue::Floating:
         return PyFloat_FromDouble(double(value.toFloat()));
     case CxValue::Boolean:
-        return fx_app_bool(value.toBool());
+        return fx_bool(value.toBool());
     case CxValue::String:
-        return fx_app_text(value.toString());
+        return fx_text(value.toString());
     case CxValue::Empty:
         break;
     }
-    return fx_app_none();
+    return fx_none();
 }
 
 /// False with an error set for a Python value that no parameter can take.
 bool fromPython(PyObject* object, CxValue& value)
 {
-    PyTypeObject* type = Py_TYPE(object);
-    const unsigned long flags = PyType_GetFlags(type);
     // First, so that True and False arrive as 1 and 0, as scripts have always had them.
-    if (flags & Py_TPFLAGS_LONG_SUBCLASS) {
+    if (fx_isInteger(object)) {
         // The low 32 bits, unchecked. What does not even fit a long is -1, with an error that stays pending: the write
         // is made, and the script then learns of the error.
         value = CxValue::fromInt(qint32(PyLong_AsLong(object)));
-    } else if (type == &PyBool_Type) {
+    } else if (Py_TYPE(object) == &PyBool_Type) {
         value = CxValue::fromBool(object == Py_True);
-    } else if (type == &PyFloat_Type || PyType_IsSubtype(type, &PyFloat_Type)) {
+    } else if (fx_isFloat(object)) {
         value = CxValue::fromFloat(float(PyFloat_AsDouble(object)));
-    } else if (flags & Py_TPFLAGS_UNICODE_SUBCLASS) {
-        value = CxValue::fromString(fx_cam_text(object));
+    } else if (fx_isText(object)) {
+        value = CxValue::fromString(fx_textOf(object).value_or(QString()));
     } else {
-        PyErr_SetString(PyExc_Exception, "Unsupported camera parameter value type.");
+        fx_raise("Unsupported camera parameter value type.");
         return false;
     }
     return true;
@@ -54,23 +50,12 @@ bool fromPython(PyObject* object, CxValue& value)
 
 PyObject* notSupported()
 {
-    PyErr_SetString(PyExc_Exception, "Parameter not supported by the camera.");
-    return nullptr;
+    return fx_raise("Parameter not supported by the camera.");
 }
 
 } // namespace
 
 // ---- shared with the other parts of the type ----
-
-QString fx_cam_text(PyObject* object)
-{
-    const PyRef utf8 = PyRef::take(PyUnicode_AsUTF8String(object));
-    if (!utf8) {
-        PyErr_Clear();
-        return QString();
-    }
-    return QString::fromUtf8(PyBytes_AsString(utf8.get()), qsizetype(PyBytes_Size(utf8.get())));
-}
 
 bool fx_cam_describe(const SxCameraInfo& info, const QString& key, CxValue& value)
 {

@@ -52,9 +52,9 @@ struct __attribute__((packed, may_alias)) UnalignedValue {
     T value;
 };
 
-// Reads without asking, for rows within the extent, when memory is null.
+// Asks about each value outside the extent, unless probe is null. Returns false at the first that cannot be read.
 template<typename T>
-VANTREL_READS_FOREIGN_MEMORY bool copyRowByValues(const Walk& walk, std::uint32_t y, ReadableMemory* memory)
+VANTREL_READS_FOREIGN_MEMORY bool copyRowByValues(const Walk& walk, std::uint32_t y, MemoryProbe* probe)
 {
     const ArrayLayout& source = walk.source;
     const std::uint64_t size = walk.buffer.dataSize();
@@ -64,10 +64,10 @@ VANTREL_READS_FOREIGN_MEMORY bool copyRowByValues(const Walk& walk, std::uint32_
     for (std::uint32_t x = 0; x < walk.buffer.width; ++x, pixel += std::uint64_t(source.xStride)) {
         std::uint64_t from = pixel;
         for (std::uint32_t c = 0; c < walk.buffer.channels; ++c, from += std::uint64_t(source.channelStride)) {
-            if (memory) {
+            if (probe) {
                 const bool described =
                     from >= source.extent.begin && from < source.extent.end && source.extent.end - from >= sizeof(T);
-                if (!described && !memory->contains(from, sizeof(T)))
+                if (!described && !probe->canRead(from, from + sizeof(T)))
                     return false;
             }
             // The buffer holds at least one value.
@@ -93,13 +93,23 @@ void gatherRow(const Walk& walk, std::uint32_t y)
     }
 }
 
+// True if all that the walk may read can be read: asking once is quicker than asking about every value.
+bool canReadAll(const Walk& walk, MemoryProbe& probe)
+{
+    const Span span = spanOfRows(walk.source, walk.buffer, 0, walk.buffer.height);
+    constexpr Wide quicklyAsked = Wide(1) << 32; // 4 GB
+    return isWithin(span, walk.source.extent) ||
+           (span.begin >= 0 && span.end - span.begin <= quicklyAsked && span.end <= Wide(UINT64_MAX) &&
+            probe.canRead(std::uint64_t(span.begin), std::uint64_t(span.end)));
+}
+
 template<typename T>
 bool copyRowsByValues(const Walk& walk)
 {
-    ReadableMemory memory(std::size_t(walk.buffer.width) * walk.buffer.channels);
+    MemoryProbe probe;
+    MemoryProbe* const askedAboutValues = canReadAll(walk, probe) ? nullptr : &probe;
     for (std::uint32_t y = 0; y < walk.buffer.height; ++y) {
-        const bool described = isWithin(spanOfRows(walk.source, walk.buffer, y, 1), walk.source.extent);
-        if (!copyRowByValues<T>(walk, y, described ? nullptr : &memory))
+        if (!copyRowByValues<T>(walk, y, askedAboutValues))
             return false;
     }
     return true;

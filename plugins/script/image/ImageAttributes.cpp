@@ -161,7 +161,7 @@ PyObject* findAttribute(PyObject* name)
 {
     if (Py_TYPE(name) == &PyUnicode_Type)
         return PyDict_GetItemWithError(attributeIndex, name);
-    if (!(PyType_GetFlags(Py_TYPE(name)) & Py_TPFLAGS_UNICODE_SUBCLASS))
+    if (!fx_isText(name))
         return nullptr;
     // A subclass may hash and compare as it likes; what counts is its text.
     const PyRef text = PyRef::take(PyUnicode_FromObject(name));
@@ -195,9 +195,7 @@ PyObject* fx_pyimg_GetAttrO(PyObject* self, PyObject* name)
         return PyObject_GenericGetAttr(self, name);
     }
     const Attribute& attribute = attributes[PyLong_AsSize_t(position)];
-    if (!has(source, attribute.need)) {
-        PyErr_SetString(PyExc_Exception, "Vantrel image object is empty");
-        return nullptr;
-    }
+    if (!has(source, attribute.need))
+        return fx_raise("Vantrel image object is empty");
     return attribute.get(source);
 }

@@ -2,7 +2,6 @@
 
 #include "ArrayCopy.h"
 #include "ImageMethods.h"
-#include "Narrowing.h"
 #include "ReadableMemory.h"
 #include "support/ErrorLog.h"
 #include "support/PyRef.h"
@@ -10,6 +9,7 @@
 #include <QtCore/QString>
 
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -35,9 +35,25 @@ bool isPlausible(const ArrayExtent& extent);
 
 } // namespace
 
+PyObject* fx_pyimg_FromArray(PyObject* self, PyObject* object)
+{
+    if (!object)
+        return nullptr;
+    const PyRef arrayInterface = PyRef::take(PyObject_GetAttrString(object, "__array_interface__"));
+    if (arrayInterface)
+        return fx_pyimages_CreateFromArrayInterface(fx_record<TxPyImage>(self), arrayInterface.get());
+    // Any Exception of the look-up means that there is none. What is not one (an interrupt) ends the script.
+    if (!PyErr_ExceptionMatches(PyExc_Exception))
+        return nullptr;
+    PyErr_Clear();
+    if (fx_isList(object))
+        return fx_pyimages_CreateFromList(fx_record<TxPyImage>(self), object);
+    return fx_raise("object passed doesn't support neither buffer protocol, nor __array_interface__, and is not list.");
+}
+
 PyObject* fx_pyimages_CreateFromArrayInterface(TxPyImage& object, PyObject* dictionary)
 {
-    if (!PyDict_Check(dictionary))
+    if (!fx_isDict(dictionary))
         return nullptr;
     ArrayDescription array;
     if (!readShape(dictionary, array) || !readType(dictionary, array) || !readStrides(dictionary, array) ||
@@ -53,12 +69,12 @@ PyObject* fx_pyimages_CreateFromArrayInterface(TxPyImage& object, PyObject* dict
         size.channels == 3 && (array.dataType == ExImageDataType::UInt8 || array.dataType == ExImageDataType::UInt16);
     if (!fx_img_allocate(filled, size)) {
         logRefusedSize(size, layout, filled.buffer.bpc);
-        return fx_img_raise("Cannot allocate image");
+        return fx_raise("Cannot allocate image");
     }
     if (!isPlausible(layout.extent))
         layout.extent = {};
     if (!copyArray(layout, filled.buffer))
-        return fx_img_raise("Data in __array_interface__ lies outside readable memory");
+        return fx_raise("Data in __array_interface__ lies outside readable memory");
     return fx_img_installNarrowed(object, std::move(filled));
 }
 
@@ -98,40 +114,28 @@ bool readShape(PyObject* dictionary, ArrayDescription& array)
 {
     const PyRef shape = entry(dictionary, "shape");
     if (!shape) {
-        fx_img_raise("No shape provided in __array_interface__");
+        fx_raise("No shape provided in __array_interface__");
         return false;
     }
-    if (!PyTuple_Check(shape.get())) {
+    if (!fx_isTuple(shape.get())) {
         PyErr_SetString(PyExc_TypeError, "shape in __array_interface__ is not a tuple");
         return false;
     }
     return readAxes(shape.get(), array.shape);
 }
 
-// The byte order in front is not looked at: data is taken in the machine's.
-std::optional<ExImageDataType> typeForCode(QChar kind, QChar size)
+/// The data type for the two characters after the byte order, such as "u2". Data is read in the machine's byte order.
+std::optional<ExImageDataType> typeForCode(QStringView code)
 {
-    const QString code = QString(kind) + size;
-    if (code == u"u1")
-        return ExImageDataType::UInt8;
-    if (code == u"u2")
-        return ExImageDataType::UInt16;
-    if (code == u"u4")
-        return ExImageDataType::UInt32;
-    if (code == u"u8")
-        return ExImageDataType::UInt64;
-    if (code == u"i1")
-        return ExImageDataType::Int8;
-    if (code == u"i2")
-        return ExImageDataType::Int16;
-    if (code == u"i4")
-        return ExImageDataType::Int32;
-    if (code == u"i8")
-        return ExImageDataType::Int64;
-    if (code == u"f4")
-        return ExImageDataType::Float;
-    if (code == u"f8")
-        return ExImageDataType::Double;
+    static constexpr std::pair<QStringView, ExImageDataType> types[] = {
+        {u"u1", ExImageDataType::UInt8},  {u"u2", ExImageDataType::UInt16}, {u"u4", ExImageDataType::UInt32},
+        {u"u8", ExImageDataType::UInt64}, {u"i1", ExImageDataType::Int8},   {u"i2", ExImageDataType::Int16},
+        {u"i4", ExImageDataType::Int32},  {u"i8", ExImageDataType::Int64},  {u"f4", ExImageDataType::Float},
+        {u"f8", ExImageDataType::Double},
+    };
+    for (const auto& [known, type] : types)
+        if (known == code)
+            return type;
     return std::nullopt;
 }
 
@@ -139,10 +143,10 @@ bool readType(PyObject* dictionary, ArrayDescription& array)
 {
     const PyRef typestr = entry(dictionary, "typestr");
     if (!typestr) {
-        fx_img_raise("No typestr provided in __array_interface__");
+        fx_raise("No typestr provided in __array_interface__");
         return false;
     }
-    if (!PyUnicode_Check(typestr.get())) {
+    if (!fx_isText(typestr.get())) {
         PyErr_SetString(PyExc_TypeError, "typestr in __array_interface__ is not a str");
         return false;
     }
@@ -152,10 +156,10 @@ bool readType(PyObject* dictionary, ArrayDescription& array)
     const QString text = QString::fromUtf8(PyBytes_AsString(utf8.get()), PyBytes_Size(utf8.get()));
     if (text.size() <= 2)
         return true;
-    const auto type = typeForCode(text[1], text[2]);
+    const auto type = typeForCode(QStringView(text).mid(1, 2));
     if (!type) {
         fx_logError(QStringLiteral("ArrInt = unsupported data type provided: %1").arg(text));
-        fx_img_raise("unsupported data type in __array_interface__");
+        fx_raise("unsupported data type in __array_interface__");
         return false;
     }
     array.dataType = *type;
@@ -165,7 +169,7 @@ bool readType(PyObject* dictionary, ArrayDescription& array)
 bool readStrides(PyObject* dictionary, ArrayDescription& array)
 {
     const PyRef strides = entry(dictionary, "strides");
-    if (!strides || !PyTuple_Check(strides.get()))
+    if (!strides || !fx_isTuple(strides.get()))
         return true;
     const Py_ssize_t count = PyTuple_Size(strides.get());
     return count < 1 || count > 3 || readAxes(strides.get(), array.strides);
@@ -175,11 +179,11 @@ bool readAddress(PyObject* dictionary, ArrayDescription& array)
 {
     const PyRef data = entry(dictionary, "data");
     if (!data) {
-        fx_img_raise("No data provided in __array_interface__");
+        fx_raise("No data provided in __array_interface__");
         return false;
     }
-    if (!PyTuple_Check(data.get())) {
-        fx_img_raise("Data in __array_interface__ not as tuple");
+    if (!fx_isTuple(data.get())) {
+        fx_raise("Data in __array_interface__ not as tuple");
         return false;
     }
     if (PyTuple_Size(data.get()) == 0) {
@@ -190,7 +194,7 @@ bool readAddress(PyObject* dictionary, ArrayDescription& array)
     if (!toNumber(PyTuple_GetItem(data.get(), 0), PyLong_AsUnsignedLongLong, address))
         return false;
     if (address == 0) {
-        fx_img_raise("Null data provided in __array_interface__");
+        fx_raise("Null data provided in __array_interface__");
         return false;
     }
     array.address = address;
@@ -244,11 +248,12 @@ ArrayLayout layoutOf(const ArrayDescription& array, const ImageSize& size)
     return layout;
 }
 
-// An array is taken at its word, but not one that is made up: then every value is asked about.
+// The memory that an array describes is read without further questions, unless the description is made up.
 bool isPlausible(const ArrayExtent& extent)
 {
     constexpr std::uint64_t quicklyChecked = std::uint64_t(1) << 36; // 64 GB
-    return extent.end - extent.begin <= quicklyChecked && memoryIsThere(extent.begin, extent.end);
+    return extent.end - extent.begin <= quicklyChecked &&
+           MemoryProbe().canRead(extent.begin, extent.end, MemoryProbe::Pages::Absent);
 }
 
 void logRefusedSize(const ImageSize& size, const ArrayLayout& layout, unsigned bpc)

@@ -54,7 +54,7 @@ PyObject* fx_pyimages_CreateFromList(TxPyImage& object, PyObject* list)
                 .arg(shape.size.height)
                 .arg(shape.size.channels)
                 .arg(buffer.bpc));
-        return fx_img_raise("Cannot allocate image");
+        return fx_raise("Cannot allocate image");
     }
     if (shape.ofIntegers)
         fill<Integers>(buffer, list, shape.dimensions);
@@ -65,45 +65,35 @@ PyObject* fx_pyimages_CreateFromList(TxPyImage& object, PyObject* list)
 
 namespace {
 
-// The interpreter's check asks for the type's flags; most elements are exactly of the type.
-bool isInteger(PyObject* item)
-{
-    return Py_TYPE(item) == &PyLong_Type || PyLong_Check(item);
-}
-bool isFloat(PyObject* item)
-{
-    return Py_TYPE(item) == &PyFloat_Type || PyFloat_Check(item);
-}
-
 bool describe(PyObject* list, ListShape& shape)
 {
     shape.size = {1, PyList_Size(list), 1};
     if (shape.size.height == 0) {
-        fx_img_raise("list passed is empty");
+        fx_raise("list passed is empty");
         return false;
     }
     PyObject* element = PyList_GetItem(list, 0);
-    if (PyList_Check(element)) {
+    if (fx_isList(element)) {
         shape.dimensions = 2;
         shape.size.width = PyList_Size(element);
         if (shape.size.width == 0) {
-            fx_img_raise("array rows are empty");
+            fx_raise("array rows are empty");
             return false;
         }
         element = PyList_GetItem(element, 0);
     }
-    if (shape.dimensions == 2 && PyList_Check(element)) {
+    if (shape.dimensions == 2 && fx_isList(element)) {
         shape.dimensions = 3;
         shape.size.channels = PyList_Size(element);
         if (shape.size.channels == 0) {
-            fx_img_raise("array channels are empty");
+            fx_raise("array channels are empty");
             return false;
         }
         element = PyList_GetItem(element, 0);
     }
-    shape.ofIntegers = isInteger(element);
-    if (!shape.ofIntegers && !isFloat(element)) {
-        fx_img_raise("unsupported data type");
+    shape.ofIntegers = fx_isInteger(element);
+    if (!shape.ofIntegers && !fx_isFloat(element)) {
+        fx_raise("unsupported data type");
         return false;
     }
     return true;
@@ -112,7 +102,7 @@ bool describe(PyObject* list, ListShape& shape)
 // Cut to the low 16 bits, however large the integer is.
 bool Integers::store(PyObject* item, Value& value)
 {
-    if (!isInteger(item))
+    if (!fx_isInteger(item))
         return false;
     value = Value(PyLong_AsUnsignedLongLongMask(item));
     return true;
@@ -120,7 +110,7 @@ bool Integers::store(PyObject* item, Value& value)
 
 bool Floats::store(PyObject* item, Value& value)
 {
-    if (!isFloat(item))
+    if (!fx_isFloat(item))
         return false;
     value = float(PyFloat_AsDouble(item));
     return true;
@@ -160,7 +150,7 @@ typename Elements::Value* fillRowOfPixels(typename Elements::Value* to, PyObject
     const auto* const end = to + width * channels;
     for (Py_ssize_t x = 0; x < count && to != end; ++x) {
         PyObject* pixel = PyList_GetItem(row, x);
-        if (PyList_Check(pixel))
+        if (fx_isList(pixel))
             to = fillPixel<Elements>(to, pixel, channels);
     }
     return to;
@@ -178,7 +168,7 @@ void fill(SxPicBuf& buffer, PyObject* list, int dimensions)
         Value* written = start;
         if (dimensions == 1) {
             written += Elements::store(row, *start);
-        } else if (PyList_Check(row)) {
+        } else if (fx_isList(row)) {
             written = dimensions == 2 ? fillRow<Elements>(start, row, width)
                                       : fillRowOfPixels<Elements>(start, row, width, channels);
         }

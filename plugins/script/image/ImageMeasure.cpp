@@ -75,7 +75,7 @@ PyObject* fx_pyimg_MeasureRect(PyObject* self, PyObject* args)
         flags |= CxHistoData::SubtractBlackLevel;
     CxHistoData data;
     if (!CxPicBufMeas::measureHistogram(data, image, rect.on(*image), flags))
-        return fx_img_raise("Cannot measure data");
+        return fx_raise("Cannot measure data");
     return newList(data.stats.size(),
                    [&](Py_ssize_t channel) {
                        return statisticsDict(data.channelNames.value(channel), data.stats[channel]);
@@ -93,7 +93,7 @@ static PyObject* fx_internal_pyimg_MeasureRowColProfilesInRect(PyObject* self, P
         return nullptr;
     CxProfileData data;
     if (!CxPicBufMeas::measureRowsColumnsProfileStats(rows, data, image, rect.on(*image)))
-        return fx_img_raise("Cannot measure profile data");
+        return fx_raise("Cannot measure profile data");
     const auto channelsOf = [&](Py_ssize_t profile) {
         return newList(data.stats.size(),
                        [&](Py_ssize_t channel) {

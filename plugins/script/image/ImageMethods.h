@@ -9,15 +9,12 @@
 // that fill it. So does an image whose buffer is needed and null, and pixels that would be read or written here and are
 // not there. Everything else about images without pixels is left to the host's operations, which refuse them.
 
-// ---- shared by them ----
-
-/// Sets an Exception with this text; returns null.
-PyObject* fx_img_raise(const char* text);
-
-// ---- from data and files: ImageFromData.cpp ----
+// ---- from files and data: ImageFromFile.cpp, ImageFromArray.cpp, ImageFromList.cpp ----
 
 PyObject* fx_pyimg_FromFile(PyObject* self, PyObject* args);
 PyObject* fx_pyimg_FromArray(PyObject* self, PyObject* object);
+
+// ---- shared by those that fill an image from data: ImageFilling.cpp ----
 
 /// Narrows filled pixels and makes them the object's image. Returns None.
 PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf filled);

@@ -2,7 +2,7 @@
 
 #include "OwnedPicBuf.h"
 #include "SxPicBuf.h"
-#include "support/PythonApi.h"
+#include "support/Convert.h"
 
 #include <memory>
 

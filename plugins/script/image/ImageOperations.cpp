@@ -4,7 +4,8 @@
 #include "CxImageFormatManager.h"
 #include "ImageMethods.h"
 #include "ScriptModule.h"
-#include "app/AppFunctions.h"
+#include "TakeAs.h"
+#include "support/HostContext.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -19,7 +20,7 @@ bool allocateResult(OwnedPicBuf& result, SxPicBufInfo info)
     info.lineStride = 0;
     CxPicBufAPI::AllocPicBufFromHeap(result.buffer, info, false, 0);
     if (!result.buffer.data)
-        fx_img_raise(outOfMemory);
+        fx_raise(outOfMemory);
     return result.buffer.data != nullptr;
 }
 
@@ -33,7 +34,7 @@ bool isSize(int width, int height)
 {
     if (width >= 0 && height >= 0)
         return true;
-    fx_img_raise(outOfMemory);
+    fx_raise(outOfMemory);
     return false;
 }
 
@@ -46,7 +47,7 @@ PyObject* onTwoImages(PyObject* self, PyObject* other, Operation operation)
     if (!others)
         return nullptr;
     operation(*own, *others);
-    return fx_app_none();
+    return fx_none();
 }
 
 } // namespace
@@ -81,7 +82,7 @@ PyObject* fx_pyimg_ExtractChannel(PyObject* self, PyObject* args)
     if (!source)
         return nullptr;
     if (channel < 0 || unsigned(channel) >= source->channels)
-        return fx_img_raise("channel number out of range");
+        return fx_raise("channel number out of range");
     SxPicBufInfo info = *source;
     info.channels = 1;
     info.isColor = false;
@@ -102,7 +103,7 @@ PyObject* fx_pyimg_ConvertBpc(PyObject* self, PyObject* args)
     if (!source)
         return nullptr;
     if (bpc <= 0 || bpc > 32)
-        return fx_img_raise("number of bits out of range");
+        return fx_raise("number of bits out of range");
     SxPicBufInfo info = *source;
     info.bpc = unsigned(bpc);
     info.dataType = bpc <= 8 ? ExImageDataType::UInt8 : bpc <= 16 ? ExImageDataType::UInt16 : ExImageDataType::UInt32;
@@ -111,7 +112,7 @@ PyObject* fx_pyimg_ConvertBpc(PyObject* self, PyObject* args)
         return nullptr;
     CxPicBufAPI::ConvertPicToDifBpc(*source, result.buffer, scale != 0);
     if (!CxPicBufAPI::CheckPicValidData(result.buffer))
-        return fx_img_raise("new image contained values over max bpc");
+        return fx_raise("new image contained values over max bpc");
     return newImage(result);
 }
 
@@ -120,12 +121,8 @@ PyObject* fx_pyimg_NewCopy(PyObject* self, PyObject* /*args*/)
     CxImageData* image = fx_pyimg_getImageObjectData(self);
     if (!image)
         return nullptr;
-    std::unique_ptr<QObject> clone(image->clone(nullptr, nullptr));
-    auto* copy = qobject_cast<CxImageData*>(clone.get());
-    if (!copy)
-        return fx_img_raise(outOfMemory);
-    static_cast<void>(clone.release());
-    return fx_img_newOwner(std::unique_ptr<CxImageData>(copy));
+    std::unique_ptr<CxImageData> copy = takeAs<CxImageData>(image->clone(nullptr, nullptr));
+    return copy ? fx_img_newOwner(std::move(copy)) : fx_raise(outOfMemory);
 }
 
 PyObject* fx_pyimg_Crop(PyObject* self, PyObject* args)
@@ -246,7 +243,7 @@ PyObject* fx_pyimg_DivideByValue(PyObject* self, PyObject* args)
     if (!target)
         return nullptr;
     CxPicBufAPI::DivideByValue(*target, divisor);
-    return fx_app_none();
+    return fx_none();
 }
 
 // ---- saving ----
@@ -259,11 +256,11 @@ PyObject* fx_pyimg_SaveToFile(PyObject* self, PyObject* args)
     CxImageData* image = fx_pyimg_getImageObjectData(self);
     if (!image)
         return nullptr;
-    const QString path = fx_app_resolvePath(utf8);
+    const QString path = fx_resolvePath(utf8);
     QDir().mkpath(QFileInfo(path).absolutePath());
     const std::unique_ptr<CxImageFileSaver> saver(CxImageFormatManager::instance()->saverForFile(path));
     if (!saver)
         return nullptr;
     saver->saveImage(image, nullptr);
-    return fx_app_none();
+    return fx_none();
 }

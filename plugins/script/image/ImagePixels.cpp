@@ -2,7 +2,6 @@
 
 #include "ImageMethods.h"
 #include "LineDrawing.h"
-#include "app/AppFunctions.h"
 
 namespace {
 
@@ -11,7 +10,7 @@ bool isInRange(int position, std::uint32_t limit, const char* complaint)
 {
     if (position >= 0 && std::uint32_t(position) < limit)
         return true;
-    fx_img_raise(complaint);
+    fx_raise(complaint);
     return false;
 }
 
@@ -86,7 +85,7 @@ PyObject* fx_pyimg_SetPixelValue(PyObject* self, PyObject* args)
     if (!buffer || !pixelExists(*buffer, x, y, channel) || !hasMemory(*buffer))
         return nullptr;
     fx_setPicPixelValue(*buffer, x, y, channel, value);
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyimg_DrawPixelLine(PyObject* self, PyObject* args)
@@ -96,7 +95,7 @@ PyObject* fx_pyimg_DrawPixelLine(PyObject* self, PyObject* args)
     if (!buffer)
         return nullptr;
     fx_drawPicPixelLine(*buffer, line.x1, line.y1, line.x2, line.y2, line.channel, line.value);
-    return fx_app_none();
+    return fx_none();
 }
 
 PyObject* fx_pyimg_DrawPixelRect(PyObject* self, PyObject* args)
@@ -112,5 +111,5 @@ PyObject* fx_pyimg_DrawPixelRect(PyObject* self, PyObject* args)
     draw(rect.x1, rect.y2, rect.x2, rect.y2);
     draw(rect.x1, rect.y1, rect.x1, rect.y2);
     draw(rect.x2, rect.y1, rect.x2, rect.y2);
-    return fx_app_none();
+    return fx_none();
 }

@@ -1,32 +1,36 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
-/// False when the system says that a page of [begin, end) cannot be read. Quick enough to ask about a whole array
-/// before it is copied. Where the system does not answer, and for pages that were used once and locked since, true.
-bool memoryIsThere(std::uint64_t begin, std::uint64_t end);
-
-/// Answers whether addresses of this process can be read, by asking the system and not by trying.
+/// Answers whether memory of this process can be read, by asking the system and not by trying.
 ///
-/// The answer holds for as long as nobody unmaps the memory. One object remembers the pages it has asked about, so it
-/// serves one walk over the data and is then thrown away. One thread at a time.
-class ReadableMemory
+/// from_array() asks before it reads memory that a script points to: about the absent pages of the extent that an array
+/// describes, and about all pages of what lies outside of that extent. An answer holds as long as nobody unmaps the
+/// memory. One thread at a time.
+class MemoryProbe
 {
 public:
-    /// expectedPages  how many different pages the walk returns to; more are allowed and cost a question each.
-    explicit ReadableMemory(std::size_t expectedPages);
+    /// Which pages of a range are probed.
+    enum class Pages {
+        All,
+        Absent, ///< those not in memory; quick for large ranges. A page that was used and then locked counts as
+                ///< readable
+    };
 
-    /// True when every byte of [address, address + size) can be read. Where the system does not answer the question
-    /// (a sandbox may forbid it), nothing counts as readable. An area that wraps around the end of memory is not.
-    bool contains(std::uint64_t address, std::size_t size);
+    MemoryProbe() = default;
+    ~MemoryProbe();
+    MemoryProbe(const MemoryProbe&) = delete;
+    MemoryProbe& operator=(const MemoryProbe&) = delete;
+
+    /// True if all bytes of [begin, end) can be read; true for an empty range. False when the system has no file
+    /// descriptors left to ask with.
+    bool canRead(std::uint64_t begin, std::uint64_t end, Pages pages = Pages::All);
 
 private:
-    bool pageIsReadable(std::uint64_t page);
+    bool canReadPages(std::uint64_t begin, std::uint64_t count);
 
-    std::uint64_t m_pageSize;
-    unsigned m_slotShift;
-    std::vector<std::uint64_t> m_readablePages; ///< page number + 1 at a place given by its hash, 0 for none
-    std::uint64_t m_lastPage = 0;               ///< page number + 1 of the last answer that was yes
+    int m_pipe[2] = {-1, -1};
+    std::uint64_t m_readable = 1; ///< a page that was found readable; 1 is the address of none
 };

@@ -1,0 +1,42 @@
+// What all ways of filling an image from script data have in common.
+
+#include "CxImageData.h"
+#include "ImageMethods.h"
+#include "Narrowing.h"
+
+#include <limits>
+
+bool fx_img_allocate(OwnedPicBuf& target, const ImageSize& size)
+{
+    constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
+    const auto fits = [](std::int64_t number) { return number > 0 && number <= most; };
+    if (!fits(size.width) || !fits(size.height) || !fits(size.channels))
+        return false;
+    SxPicBufInfo info = target.buffer;
+    info.width = std::uint32_t(size.width);
+    info.height = std::uint32_t(size.height);
+    info.channels = std::uint32_t(size.channels);
+    info.storageFormat = ExDataStorageFormat::Interleaved;
+    return target.allocate(info);
+}
+
+// From the call on the pixels are the image's, and what its class leaves in the record does not count.
+static void attach(CxImageData& image, OwnedPicBuf& pixels)
+{
+    SxPicBuf given = pixels.release();
+    image.attachPicBuf(&given);
+}
+
+PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf filled)
+{
+    auto image = std::make_unique<CxImageData>();
+    OwnedPicBuf narrowed;
+    if (fx_img_convertToBestBpc(narrowed.buffer, filled.buffer)) {
+        attach(*image, narrowed);
+        filled.free(); // before the object's image goes
+    } else {
+        attach(*image, filled);
+    }
+    fx_img_installImage(object, std::move(image));
+    return fx_none();
+}

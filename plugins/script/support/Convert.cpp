@@ -1,0 +1,73 @@
+#include "Convert.h"
+
+#include "ErrorLog.h"
+#include "PyRef.h"
+
+namespace {
+
+constexpr int stableAbiVersion = 3; // of the module interface under the limited API
+
+} // namespace
+
+std::optional<QString> fx_textOf(PyObject* object)
+{
+    if (!fx_isText(object))
+        return std::nullopt;
+    const PyRef utf8 = PyRef::take(PyUnicode_AsUTF8String(object));
+    if (!utf8) {
+        PyErr_Clear();
+        return std::nullopt;
+    }
+    return QString::fromUtf8(PyBytes_AsString(utf8.get()), qsizetype(PyBytes_Size(utf8.get())));
+}
+
+PyObject* fx_none()
+{
+    return PyRef::retain(Py_None).release();
+}
+
+PyObject* fx_bool(bool value)
+{
+    return PyBool_FromLong(value);
+}
+
+PyObject* fx_text(const QString& text)
+{
+    const QByteArray utf8 = text.toUtf8();
+    return PyUnicode_FromStringAndSize(utf8.constData(), utf8.size());
+}
+
+PyObject* fx_raise(const char* text)
+{
+    PyErr_SetString(PyExc_Exception, text);
+    return nullptr;
+}
+
+PyObject* fx_makeModule(PyModuleDef& definition)
+{
+    // If a script makes the interpreter import the module twice, this points at a dictionary of the old interpreter.
+    definition.m_base.m_copy = nullptr;
+    return PyModule_Create2(&definition, stableAbiVersion);
+}
+
+PyTypeObject* fx_makeType(PyType_Spec& specification, const char* function, const char* problem, const char* file,
+                          int line)
+{
+    PyObject* type = PyType_FromSpec(&specification);
+    if (!type) {
+        const QString format = QString::fromLatin1(function) + QStringLiteral("(): %1");
+        fx_logError(format.arg(QString::fromLatin1(problem)), file, line);
+    }
+    return reinterpret_cast<PyTypeObject*>(type);
+}
+
+int fx_addType(PyObject* module, const char* name, PyTypeObject* type)
+{
+    if (!type)
+        return 0;
+    PyRef added = PyRef::retain(reinterpret_cast<PyObject*>(type));
+    if (PyModule_AddObject(module, name, added.get()) != 0)
+        return 0;
+    static_cast<void>(added.release());
+    return 1;
+}

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "PythonApi.h"
+
+#include <QtCore/QString>
+
+#include <optional>
+
+// Conversion between Python objects and the types of the host, and the errors that the module raises.
+
+// ---- what an object is; subclasses count ----
+
+inline bool fx_hasTypeFlag(PyObject* object, unsigned long flag)
+{
+    return (PyType_GetFlags(Py_TYPE(object)) & flag) != 0;
+}
+
+// Reading the flags of a type is a call, so the most common types are compared first.
+
+/// True and False count as integers.
+inline bool fx_isInteger(PyObject* object)
+{
+    return Py_TYPE(object) == &PyLong_Type || fx_hasTypeFlag(object, Py_TPFLAGS_LONG_SUBCLASS);
+}
+
+inline bool fx_isFloat(PyObject* object)
+{
+    return Py_TYPE(object) == &PyFloat_Type || PyType_IsSubtype(Py_TYPE(object), &PyFloat_Type);
+}
+
+inline bool fx_isText(PyObject* object)
+{
+    return Py_TYPE(object) == &PyUnicode_Type || fx_hasTypeFlag(object, Py_TPFLAGS_UNICODE_SUBCLASS);
+}
+
+inline bool fx_isList(PyObject* object)
+{
+    return Py_TYPE(object) == &PyList_Type || fx_hasTypeFlag(object, Py_TPFLAGS_LIST_SUBCLASS);
+}
+
+inline bool fx_isTuple(PyObject* object)
+{
+    return fx_hasTypeFlag(object, Py_TPFLAGS_TUPLE_SUBCLASS);
+}
+
+inline bool fx_isDict(PyObject* object)
+{
+    return fx_hasTypeFlag(object, Py_TPFLAGS_DICT_SUBCLASS);
+}
+
+/// The instance record behind an object of the module's own types.
+template<typename Record>
+Record& fx_record(PyObject* object)
+{
+    return *reinterpret_cast<Record*>(object);
+}
+
+// ---- from Python ----
+
+/// The text of a str; nothing for other objects and for a str without a UTF-8 form. Leaves no error.
+std::optional<QString> fx_textOf(PyObject* object);
+
+// ---- to Python: new references, null with an error set when there is no memory ----
+
+PyObject* fx_none();
+PyObject* fx_bool(bool value);
+PyObject* fx_text(const QString& text);
+
+// ---- errors ----
+
+/// Sets an Exception with this text. Returns null.
+PyObject* fx_raise(const char* text);
+
+// ---- modules and types ----
+
+/// Makes a module from its static definition, as a new reference; null with an error set on failure. A definition may
+/// be used again after the interpreter was finalised and started again.
+PyObject* fx_makeModule(PyModuleDef& definition);
+
+/// Makes a type from its specification. On failure logs function + "(): " + problem, as in "fx_pycams_TypeReady(): ...",
+/// and returns null with the interpreter's error still set. The log line names the caller's place.
+PyTypeObject* fx_makeType(PyType_Spec& specification, const char* function, const char* problem,
+                          const char* file = __builtin_FILE(), int line = __builtin_LINE());
+
+/// Adds a type to a module under a name. Returns 1 on success. Returns 0 if the type is null or adding fails; then an
+/// error may be set.
+int fx_addType(PyObject* module, const char* name, PyTypeObject* type);
