@@ -4,6 +4,7 @@
 #include "InterpreterSpy.h"
 #include "ScriptModule.h"
 #include "support/FakeHost.h"
+#include "support/HostContext.h"
 #include "support/TestSettings.h"
 
 #include <QtCore/QStringList>

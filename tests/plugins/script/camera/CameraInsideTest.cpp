@@ -6,6 +6,7 @@
 #include "camera/CameraObject.h"
 #include "support/FakeCameraDevice.h"
 #include "support/FakeHost.h"
+#include "support/HostContext.h"
 #include "support/PyRef.h"
 #include "support/TestSettings.h"
 
