@@ -1,13 +1,13 @@
-# Warnings, sanitizers and the little that every target of this project shares.
+# Options for every target: language version, warnings, sanitizers.
 
 add_library(vantrel_options INTERFACE)
 target_compile_features(vantrel_options INTERFACE cxx_std_20)
 target_compile_options(vantrel_options INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
-    # Log lines name the source file: as it stands in this repository, not on the machine that built it.
+    # Log lines name source files: by their path in this repository, not on the machine that built them.
     "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/="
 )
-# `slots` and `signals` as macros collide with the interpreter's headers.
+# The macros `slots` and `signals` would collide with the interpreter's headers.
 target_compile_definitions(vantrel_options INTERFACE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII)
 
 if(VANTREL_SANITIZE)
@@ -17,7 +17,7 @@ else()
     add_link_options(-Wl,--no-undefined)
 endif()
 
-# An optional help for whoever builds often.
+# Optional: makes repeated builds faster.
 find_program(VANTREL_CCACHE ccache)
 if(VANTREL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${VANTREL_CCACHE}")

@@ -1,4 +1,4 @@
-# What is installed where, the CMake package for host writers, and the Debian package.
+# Installed files, the CMake package for authors of hosts, and the Debian package.
 
 include(CMakePackageConfigHelpers)
 
@@ -41,7 +41,7 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION science)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-# The plugin's own dependency is found by dpkg-shlibdeps; its standard library is not a shared library.
+# dpkg-shlibdeps finds the Python library itself, but not Python's standard library.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libpython3-stdlib, fonts-dejavu-core")
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "python3-numpy")
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${CMAKE_BINARY_DIR}/lib")

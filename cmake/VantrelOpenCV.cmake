@@ -1,5 +1,5 @@
-# The four OpenCV modules that the viewer uses, as the target vantrel::opencv. Looked up one by one, so that the
-# distribution's packages of just these modules are enough.
+# The four OpenCV modules that the core and the viewer use, as the target vantrel::opencv. Each is looked up separately,
+# so that the distribution's packages of these modules are enough.
 
 find_path(VANTREL_OPENCV_INCLUDE_DIR opencv2/imgcodecs.hpp PATH_SUFFIXES opencv4 REQUIRED)
 add_library(vantrel_opencv INTERFACE)

@@ -1,17 +1,17 @@
 # Which Pythons the plugin is built for.
 #
-# VANTREL_PYTHON_ROOT       the interpreter of the product: a folder with include/python3.X and lib/.
-# VANTREL_EXTRA_PYTHON_ROOTS  further ones for the tests; "auto" looks for a 3.8 among the usual places.
+# VANTREL_PYTHON_ROOT         root of the product's Python: a folder with include/python3.X and lib/
+# VANTREL_EXTRA_PYTHON_ROOTS  roots of other Pythons for the tests; "auto" looks for a 3.8 in the usual places
 #
-# Sets VANTREL_PYTHON_VERSIONS, the product's first, and for each version V the target vantrel_py_V and the variable
-# VANTREL_PYTHON_HOME_V.
+# Sets VANTREL_PYTHON_VERSIONS (the product's version first), and for each version V the target vantrel_py_V and the
+# variable VANTREL_PYTHON_HOME_V. VANTREL_PRODUCT_PYTHON is the product's version.
 #
-# Interpreters are found by location and never through PATH, where any other Python may stand first.
+# Interpreters are found by location, not through PATH, because another Python may come first there.
 
 set(VANTREL_PYTHON_ROOT "/usr" CACHE PATH "Root of the Python to embed; the distribution's own by default")
-set(VANTREL_EXTRA_PYTHON_ROOTS "auto" CACHE STRING "Roots of further Pythons to test with, or auto")
+set(VANTREL_EXTRA_PYTHON_ROOTS "auto" CACHE STRING "Roots of other Pythons to test with, or auto")
 
-# The one place that knows what is supported.
+# Only this file knows which versions are supported.
 set(vantrel_offered_pythons 3.11 3.8)
 function(vantrel_why_not_offered version out)
     if(version VERSION_GREATER_EQUAL 3.12)
@@ -23,8 +23,8 @@ function(vantrel_why_not_offered version out)
     endif()
 endfunction()
 
-# Looks below root for an offered version with headers and a shared library. Sets out_version (empty when there is
-# none), out_include, out_library and out_problem.
+# Looks below root for an offered version with headers and a shared library. Sets ${out}_version, ${out}_include and
+# ${out}_library; if there is none, ${out}_version is empty and ${out}_problem says why.
 function(vantrel_probe_python root out)
     set(${out}_version "" PARENT_SCOPE)
     set(problem "no Python headers below ${root}/include")
@@ -64,11 +64,11 @@ endmacro()
 set(VANTREL_PYTHON_VERSIONS "")
 vantrel_probe_python("${VANTREL_PYTHON_ROOT}" probe)
 if(NOT probe_version)
-    message(FATAL_ERROR "${probe_problem}. Offered are Python 3.11 and 3.8: set VANTREL_PYTHON_ROOT to the root of one.")
+    message(FATAL_ERROR "${probe_problem}. Set VANTREL_PYTHON_ROOT to the root of a Python 3.11 or 3.8.")
 endif()
 vantrel_use_python("${VANTREL_PYTHON_ROOT}")
 set(VANTREL_PRODUCT_PYTHON "${probe_version}")
-message(STATUS "Python ${probe_version} below ${VANTREL_PYTHON_ROOT} is embedded")
+message(STATUS "Embedding Python ${probe_version} below ${VANTREL_PYTHON_ROOT}")
 
 if(VANTREL_EXTRA_PYTHON_ROOTS STREQUAL "auto")
     file(GLOB vantrel_candidates "$ENV{PYENV_ROOT}/versions/3.8.*" "$ENV{HOME}/.pyenv/versions/3.8.*"
@@ -80,7 +80,7 @@ foreach(root IN LISTS vantrel_candidates)
     vantrel_probe_python("${root}" probe)
     if(probe_version AND NOT probe_version IN_LIST VANTREL_PYTHON_VERSIONS)
         vantrel_use_python("${root}")
-        message(STATUS "Python ${probe_version} below ${root} is used for tests")
+        message(STATUS "Testing also with Python ${probe_version} below ${root}")
     endif()
 endforeach()
 foreach(version IN LISTS vantrel_offered_pythons)
@@ -88,5 +88,5 @@ foreach(version IN LISTS vantrel_offered_pythons)
         message(STATUS "Python ${version} with a shared library was not found: no test runs on it")
     endif()
 endforeach()
-# For the vantrel command, which says before the tests what they run on.
+# The script vantrel reads this file to say which Pythons the tests run on.
 file(WRITE "${CMAKE_BINARY_DIR}/pythons.txt" "${VANTREL_PYTHON_VERSIONS}\n")

@@ -3,7 +3,7 @@
 
 usage: make_reference.py [--check]
 
-With --check nothing is written: the status is 1 when one of the files is out of date.
+--check writes nothing; the exit status is 1 if a file is out of date.
 """
 
 import pathlib
@@ -25,7 +25,7 @@ DATA_TYPES = [
 
 
 class Entry:
-    """One thing that scripts can use: a function, a method, a type or an attribute."""
+    """A function, a method, a type or an attribute that scripts can use."""
 
     def __init__(self, signature, text):
         self.signature = signature
@@ -38,7 +38,7 @@ class Entry:
 
 
 def read_source():
-    """Returns [(chapter title, [Entry])]."""
+    """Returns the chapters as [(title, [Entry])]."""
     chapters = []
     for block in re.split(r"^(?=(?:===|---) )", SOURCE.read_text(), flags=re.M):
         head, _, text = block.partition("\n")
@@ -50,7 +50,7 @@ def read_source():
 
 
 def markdown_text(text):
-    """The plain text with lists for the arguments."""
+    """Returns the plain text with its arguments as a list."""
     lines = []
     for line in text.split("\n"):
         argument = re.match(r"([a-z]\w*(?:, [a-z]\w*)*): (.*)", line)
@@ -67,12 +67,16 @@ def make_reference(chapters):
     parts = [
         "# Scripting reference",
         "",
-        "Everything that the module `vantrel` offers to scripts. Made from the help texts: `help(vantrel)` in a script",
-        "shows the same.",
+        "Everything that the module `vantrel` offers to scripts. This file is made from the help texts. In a script,",
+        "`help(vantrel)` shows those of the functions and methods.",
         "",
-        "Unless an entry says otherwise, wrong arguments raise `TypeError`; a function that touches windows raises",
-        "`Exception` when the script does not run on the GUI thread; a relative path starts at the working directory; a",
-        "negative view id stands for the active view. Arguments are given by position.",
+        "Unless an entry says otherwise:",
+        "",
+        "- Arguments are given by position.",
+        "- Wrong arguments raise `TypeError`. An integer that does not fit 32 bits with a sign raises `OverflowError`.",
+        "- A function that touches windows raises `Exception` if the script does not run on the GUI thread.",
+        "- A relative path starts at the working directory.",
+        "- A negative view id means the active view.",
         "",
     ]
     for title, entries in chapters:
@@ -92,11 +96,11 @@ def make_reference(chapters):
             parts.append("")
     parts += [
         "## Constants", "",
-        "The application publishes these names to every script:", "",
+        "The application gives these names to every script:", "",
         "| names | values |", "|---|---|",
         "| " + ", ".join(f"`PARAM_{name.upper()}`" for name in CAMERA_PARAMETERS) +
         " | the names of the camera parameters, as in `\"exposure\"` |",
-        "| " + ", ".join(f"`DATA_{name}`" for name in DATA_TYPES) + " | 1 to 11, codes of pixel types |",
+        "| " + ", ".join(f"`DATA_{name}`" for name in DATA_TYPES) + " | the codes of the pixel types, 1 to 11 |",
         "",
     ]
     return "\n".join(parts)
@@ -136,7 +140,8 @@ def make_stubs(chapters):
                 arguments = stub_arguments(entry)
                 parts.append(f"    def {entry.name}(self{', ' + arguments if arguments else ''}) -> {stub_result(entry)}: ...")
         if kind == "Camera":
-            # Writing gives None where no camera is attached; scripts that attach one need not ask for it every time.
+            # Writing returns None if no camera is attached. The type leaves that out, so that scripts which attach a
+            # camera need not check every result.
             for name in CAMERA_PARAMETERS:
                 parts += [
                     f"    def get_{name}(self) -> Optional[ParamValue]: ...",

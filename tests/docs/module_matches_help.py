@@ -26,7 +26,7 @@ def compare(owner, seen):
 
 
 def most_arguments(function):
-    """How many arguments a function takes at the most, as its parser says."""
+    """Returns the largest number of arguments that a function takes, from the error for too many."""
     try:
         function(*[0] * 30)
     except TypeError as error:
@@ -64,7 +64,7 @@ if types["Image"]:
     samples["Image"].alloc(4, 3, 3, 8)
 if types["Camera"]:
     samples["Camera"] = vantrel.Camera()
-    samples["Camera"].open_device()  # some methods look for their camera before their arguments
+    samples["Camera"].open_device()  # some methods check the camera before the arguments
 if types["Graph"]:
     samples["Graph"] = vantrel.Graph()
 for owner, sample in samples.items():
@@ -81,7 +81,7 @@ for entry in entries:
     if function is not None:
         check(entry, function)
 
-# Attributes that images made by scripts have; those of camera frames raise.
+# Attributes of camera frames exist for the other images too, but raise there.
 for entry in entries:
     if entry.is_attribute:
         try:

@@ -1,8 +1,8 @@
-"""Runs the commands that README.md shows, from the repository's root as it says.
+"""Runs the commands that README.md shows, from the root of the repository.
 
 usage: readme_commands.py README PRESET
 
-The command that runs every test is not run a second time from within them: only its presence is checked.
+The command that runs every test is not run, because this script is one of the tests; only its presence is checked.
 """
 
 import os
@@ -30,12 +30,12 @@ def run(command):
 
 
 def start(command, seconds):
-    """Starts a command that a person ends: it must live that long and then go when it is told to."""
+    """Starts a command that a person ends. It must run for that time, and end after the signal to terminate."""
     print("--", command, flush=True)
     process = subprocess.Popen(command.split(), cwd=root, env=environment, stdin=subprocess.DEVNULL)
     time.sleep(seconds)
     if process.poll() is not None:
-        failures.append(f"{command}: ended by itself with status {process.returncode}")
+        failures.append(f"{command}: ended too early, with status {process.returncode}")
     process.terminate()
     process.wait(60)
 
@@ -49,7 +49,7 @@ if tests_all not in blocks:
 calls = re.findall(r"^  ([a-z]+) ", run("./vantrel help"), flags=re.M)
 for command in blocks + inline:
     if not command.startswith("./vantrel ") or command.split()[1] not in calls:
-        failures.append(f"{command}: not a call that ./vantrel help lists")
+        failures.append(f"{command}: not a command that ./vantrel help lists")
 
 for command in dict.fromkeys(blocks + inline):
     if command.startswith("./vantrel view"):
@@ -57,7 +57,7 @@ for command in dict.fromkeys(blocks + inline):
     elif command not in (tests_all, "./vantrel help"):
         run(command)
 
-# The files and folders it names are there.
+# The files and folders that the text names exist.
 for name in re.findall(r"`([\w.]+(?:/[\w.]*)+|[\w-]+\.md)`", text) + re.findall(r"\]\(([\w/.]+)\)", text):
     if not any((folder / name).exists() for folder in (root, root / "docs")):
         failures.append(f"{name} does not exist")

@@ -1,6 +1,6 @@
-"""Runs the code of docs/guide.md: each chapter as one script, in the interpreter that runs this one.
+"""Runs the code of docs/guide.md with the viewer, each chapter as one script.
 
-usage: run_guide.py PROGRAM GUIDE [OPTION...]; the options go to every run.
+usage: run_guide.py PROGRAM GUIDE [OPTION...]; every run gets the options.
 """
 
 import pathlib
@@ -28,5 +28,5 @@ for chapter in chapters:
         failed += 1
         print(f"-- {title}: status {run.returncode}\n{run.stdout}{run.stderr}")
     else:
-        print(f"-- {title}: {'left out, a library is missing' if lacks_library else 'ran'}")
+        print(f"-- {title}: {'skipped, a library is missing' if lacks_library else 'ran'}")
 sys.exit(1 if failed else 0)

@@ -1,5 +1,7 @@
 #!/usr/bin/env bash
-# usage: make_package.sh BUILD_FOLDER FOLDER: makes the Debian package in FOLDER and prints its path.
+# usage: make_package.sh BUILD_FOLDER FOLDER
+#
+# Makes the Debian package in FOLDER and prints its path.
 set -euo pipefail
 mkdir -p "$2"
 cpack --config "$1/CPackConfig.cmake" -B "$2" >"$2/cpack.log" 2>&1 || {

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # usage: package_test.sh BUILD_FOLDER
 #
-# Makes the Debian package, installs it into an empty root, runs a script and an example with the installed viewer, builds
-# and runs the minimal host against the installed files, and removes the package.
+# Makes the Debian package and installs it into an empty root. Runs a script and an example with the installed viewer,
+# builds and runs the minimal host with the installed files, and removes the package.
 set -euo pipefail
 
 build=$1
@@ -20,7 +20,7 @@ fail() {
 step 'make the package'
 package=$("$(dirname -- "$0")/make_package.sh" "$build" "$work/package") || fail 'cpack'
 
-step 'its dependencies are packages of the distribution'
+step 'check that its dependencies are packages of the distribution'
 dpkg-deb -f "$package" Depends | tr ',' '\n' | sed 's/ *(.*//; s/^ *//' | while read -r name; do
     dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null | grep -q installed || fail "depends on $name, which is not installed here"
 done
@@ -48,7 +48,7 @@ PYTHON
 [ -s "$work/out.tif" ] || fail 'the installed viewer saved no file'
 grep -q 'Wait while the application keeps working' "$work/run.out" || fail 'the installed viewer has no help texts'
 
-step 'run an installed example, in a copy as its reader makes one'
+step 'run a copy of an installed example'
 cp -r "$root/usr/share/vantrel/examples" "$work/examples"
 "$root/usr/bin/vantrel" run "$work/examples/first_light.py" >"$work/run.out" 2>"$work/run.err" || {
     cat "$work/run.out" "$work/run.err"
@@ -57,7 +57,7 @@ cp -r "$root/usr/share/vantrel/examples" "$work/examples"
 [ "$(grep -c 'read back with the same values: True' "$work/run.out")" = 2 ] || fail 'first_light.py read other values'
 [ -s "$work/examples/first_light/scene.tif" ] || fail 'first_light.py saved nothing'
 
-step 'build the minimal host against the installed files'
+step 'build the minimal host with the installed files'
 cmake -S "$root/usr/share/vantrel/examples/minimal_host" -B "$work/host" -G Ninja \
     -DCMAKE_PREFIX_PATH="$root/usr" >"$work/cmake.log" 2>&1 && cmake --build "$work/host" >>"$work/cmake.log" 2>&1 || {
     cat "$work/cmake.log"
@@ -66,7 +66,7 @@ cmake -S "$root/usr/share/vantrel/examples/minimal_host" -B "$work/host" -G Ninj
 echo 'print("the answer is", ANSWER)' >"$work/answer.py"
 [ "$("$work/host/minimal_host" "$work/answer.py")" = 'the answer is 42' ] || fail 'the minimal host'
 
-step 'remove it'
+step 'remove the package'
 manage --purge vantrel
 left=$(find "$root" -not -type d -not -path "$root/var/lib/dpkg/*")
 [ -z "$left" ] || fail "left behind: $left"
