@@ -2,6 +2,7 @@
 
 #include "ErrorLog.h"
 #include "NativeGuard.h"
+#include "PyRef.h"
 
 #include <QtCore/QString>
 
@@ -115,14 +116,11 @@ static void install(const char* name, PyObject*& instance, PyObject*& saved, Wri
     if (!TxPyStdOutType)
         return;
     if (!instance) {
-        saved = PySys_GetObject(name);
+        PyRef current = PyRef::retain(PySys_GetObject(name));
         instance = PyObject_CallObject(TxPyStdOutType, nullptr);
-        if (!instance) {
-            // Without an object to write to, the stream stays as it is.
-            PyErr_Clear();
-            return;
-        }
-        Py_XINCREF(saved);
+        saved = instance ? current.release() : nullptr;
+        if (!instance)
+            return PyErr_Clear(); // without an object to write to, the stream stays as it is
     }
     // The old function goes when everything is in place: its release may run anything.
     std::swap(record(instance).fnWrite, write);
