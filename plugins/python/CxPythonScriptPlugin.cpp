@@ -95,6 +95,7 @@ void CxPythonScriptPlugin::startInterpreter(IxScriptEnvironment* pEnv, const QSt
     PyImport_AppendInittab("emb", PyInit_emb);
     fx_pyapp_register();
     Py_Initialize();
+    ExitReport::writeWhenInterpreterEnds();
 
     PyObject* main = PyImport_AddModule("__main__");
     if (pEnv && main) {
