@@ -127,4 +127,5 @@ void CxPythonScriptPlugin::dumpLocalVariables()
             QMessageLogger(nullptr, 0, nullptr).critical()
                 << QStringLiteral("%1: %2").arg(text(keyText.get()), text(valueText.get()));
     }
+    fx_forgetNativeException();
 }
