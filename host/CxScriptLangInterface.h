@@ -38,11 +38,14 @@ public:
     ///              running thread and while the script runs. Its second argument is always false.
     ///
     /// Returns what the script wrote to its standard error, tracebacks included; empty when it wrote nothing. A C++
-    /// exception from an operation of the host or from a callback ends the run: what was collected is dropped, the
-    /// result is "Python rasied exception", and a log line says so. A script that raises SystemExit ends the process:
-    /// then the call does not return.
+    /// exception from an operation of the host or from a callback ends the script and the run: the script's handlers do
+    /// not run, nothing of the script reaches the host any more, what was collected is dropped, the result is
+    /// "Python rasied exception", and a log line says so. A script that raises SystemExit ends the process: then the
+    /// call does not return, and what was collected goes to the process's standard error.
     ///
-    /// Calls from several threads run one after another. Not reentrant: a run must not start another one on its thread.
+    /// Calls from several threads run one after another. Give all runs to one thread all the same: compiled modules
+    /// that ask for the interpreter lock by themselves wait for ever in a run on another thread than that of the first
+    /// run. Not reentrant: a run must not start another one on its thread.
     virtual QString runScript(const QString& script, IxScriptEnvironment* environment, const QString& pythonHome,
                               void (*started)(void*, void*), void* startedData,
                               void (*output)(const QString&, bool)) = 0;

@@ -88,6 +88,7 @@ void CxPythonScriptPlugin::startInterpreter(IxScriptEnvironment* pEnv, const QSt
     PyImport_AppendInittab("emb", PyInit_emb);
     fx_pyapp_register();
     Py_Initialize();
+    ExitReport::writeWhenInterpreterEnds();
 
     PyObject* main = PyImport_AddModule("__main__");
     if (pEnv && main) {
@@ -144,12 +145,11 @@ QString CxPythonScriptPlugin::evaluate(const std::string& script, void (*fnStart
 void CxPythonScriptPlugin::addImageVariable(const QString& name, CxImageData* image)
 {
     PyRef object = PyRef::take(fx_pyimg_createNewImageObject(image, false));
-    if (!object)
-        return PyErr_Clear();
-    PyObject* main = PyImport_AddModule("__main__");
-    if (!main || PyModule_AddObject(main, name.toUtf8().constData(), object.get()) < 0)
-        return PyErr_Clear();
-    static_cast<void>(object.release());
+    PyObject* main = object ? PyImport_AddModule("__main__") : nullptr;
+    if (main && PyModule_AddObject(main, name.toUtf8().constData(), object.get()) == 0)
+        static_cast<void>(object.release());
+    PyErr_Clear();
+    fx_forgetNativeException(); // from a finaliser of what the name stood for
 }
 
 void CxPythonScriptPlugin::addHelpToPythonFunctions(const char* moduleName, PyMethodDef* moduleFuncs,

@@ -1,7 +1,10 @@
 #include "ExitReport.h"
 
+#include "support/PythonApi.h"
+
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace {
 
@@ -9,17 +12,23 @@ const std::string* collected = nullptr; // of the run in progress
 
 void writeCollected()
 {
-    if (!collected)
+    const std::string* text = std::exchange(collected, nullptr);
+    if (!text)
         return;
-    std::fwrite(collected->data(), 1, collected->size(), stderr);
+    std::fwrite(text->data(), 1, text->size(), stderr);
     std::fflush(stderr);
 }
 
 } // namespace
 
+void ExitReport::writeWhenInterpreterEnds()
+{
+    Py_AtExit(writeCollected);
+}
+
 ExitReport::ExitReport(const std::string& errors)
 {
-    // Goes with the library, should that be unloaded first.
+    // For host code that calls exit() itself. Goes with the library, should that be unloaded first.
     static const bool registered = std::atexit(writeCollected) == 0;
     static_cast<void>(registered);
     collected = &errors;

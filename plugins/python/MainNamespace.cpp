@@ -112,4 +112,5 @@ void CxPythonScriptPlugin::dumpLocalVariables()
             QMessageLogger(nullptr, 0, nullptr).critical() << QStringLiteral("%1: %2").arg(
                 fx_textOf(keyText.get()).value_or(QString()), fx_textOf(valueText.get()).value_or(QString()));
     }
+    fx_forgetNativeException();
 }

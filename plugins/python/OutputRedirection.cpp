@@ -2,6 +2,7 @@
 
 #include "support/Convert.h"
 #include "support/NativeGuard.h"
+#include "support/PyRef.h"
 
 #include <QtCore/QString>
 
@@ -102,14 +103,11 @@ static void install(const char* name, PyObject*& instance, PyObject*& saved, Wri
     if (!TxPyStdOutType)
         return;
     if (!instance) {
-        saved = PySys_GetObject(name);
+        PyRef current = PyRef::retain(PySys_GetObject(name));
         instance = PyObject_CallObject(TxPyStdOutType, nullptr);
-        if (!instance) {
-            // Without an object to write to, the stream stays as it is.
-            PyErr_Clear();
-            return;
-        }
-        Py_XINCREF(saved);
+        saved = instance ? current.release() : nullptr;
+        if (!instance)
+            return PyErr_Clear(); // without an object to write to, the stream stays as it is
     }
     // The old function goes when everything is in place: its release may run anything.
     std::swap(fx_record<TxPyStdOut>(instance).fnWrite, write);

@@ -48,17 +48,22 @@ PyObject* py_app_moduleInit()
     return guarded<makeModule>(); // the help texts come from the host
 }
 
-void fx_pyapp_RunPythonString(const char* text)
+static void runText(const char* text)
 {
     const PyRef code = PyRef::take(Py_CompileString(text, "<string>", Py_file_input));
     PyRef result;
     if (PyObject* main = code ? PyImport_AddModule("__main__") : nullptr) {
         PyObject* globals = PyModule_GetDict(main);
         result = PyRef::take(PyEval_EvalCode(code.get(), globals, globals));
-        fx_rethrowNativeException();
     }
-    if (PyErr_Occurred())
+    if (PyErr_Occurred() && !fx_isNativeExceptionKept())
         PyErr_Print();
+}
+
+void fx_pyapp_RunPythonString(const char* text)
+{
+    fx_rethrowNativeException();
+    runText(text);
     fx_rethrowNativeException();
 }
 

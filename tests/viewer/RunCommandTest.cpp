@@ -66,6 +66,17 @@ TEST_P(RunOnEitherThread, SystemExitEndsTheProcessWithItsCode)
     }
 }
 
+TEST_P(RunOnEitherThread, ATextGivenToSysExitIsShownInEveryRun)
+{
+    const QString good = write("good.py", "print('good')\n");
+    for (const int before : {0, 1, 2}) {
+        const Outcome outcome =
+            run("import sys\nsys.stderr.write('first\\n')\nsys.exit('a text')\n", thread() + QStringList(before, good));
+        EXPECT_EQ(outcome.errors, "first\na text\n") << "after " << before << " runs";
+        EXPECT_EQ(outcome.status, 1);
+    }
+}
+
 TEST_P(RunOnEitherThread, AnInterruptStopsAScriptThatComputes)
 {
     const Outcome outcome = run("print('begun')\nwhile True: pass\n", thread(), interrupt);

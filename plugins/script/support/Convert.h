@@ -77,8 +77,8 @@ PyObject* fx_raise(const char* text);
 /// be used again after the interpreter was finalised and started again.
 PyObject* fx_makeModule(PyModuleDef& definition);
 
-/// Makes a type from its specification. On failure logs function + "(): " + problem, as in "fx_pycams_TypeReady(): ...",
-/// and returns null with the interpreter's error still set. The log line names the caller's place.
+/// Makes a type from its specification. On failure logs function + "(): " + problem, as in "fx_pycams_TypeReady():
+/// ...", and returns null with the interpreter's error still set. The log line names the caller's place.
 PyTypeObject* fx_makeType(PyType_Spec& specification, const char* function, const char* problem,
                           const char* file = __builtin_FILE(), int line = __builtin_LINE());
 

@@ -1,30 +1,66 @@
 #include "NativeGuard.h"
 
+#include "PyRef.h"
+#include "ScriptUnwinding.h"
+
 #include <exception>
+#include <thread>
 #include <utility>
 
 namespace {
 // One for the process: scripts run one at a time.
 std::exception_ptr keptException;
+std::thread::id runningThread;
 } // namespace
 
 void fx_keepNativeException() noexcept
 {
     if (!keptException)
         keptException = std::current_exception();
-    // Not an Exception, so that a script's `except Exception` does not swallow it and work on with a broken host.
-    PyErr_SetString(PyExc_BaseException, "native exception");
+    if (runningThread != std::this_thread::get_id())
+        fx_beginUnwindingOnMainThread(); // it may wait in a loop for what this thread does no more
+    fx_refuseAfterNativeException();
+}
+
+bool fx_isNativeExceptionKept() noexcept
+{
+    return keptException != nullptr;
+}
+
+void fx_refuseAfterNativeException() noexcept
+{
+    PyErr_Clear();
+    fx_beginUnwinding();
+    fx_raiseNativeException();
+}
+
+void fx_raiseNativeException() noexcept
+{
+    // Not an Exception, so that a script's `except Exception` does not swallow it and work on with a broken host. Put
+    // in place without the error being handled as its context, for which the interpreter would run code.
+    PyErr_Restore(PyRef::retain(PyExc_BaseException).release(), PyUnicode_FromString("native exception"), nullptr);
 }
 
 void fx_rethrowNativeException()
 {
     if (!keptException)
         return;
-    PyErr_Clear();
+    PyErr_Clear(); // releases what the script held, whose finalisers may not go on either
+    fx_endUnwinding();
     std::rethrow_exception(std::exchange(keptException, nullptr));
+}
+
+void fx_forgetNativeException() noexcept
+{
+    if (!keptException)
+        return;
+    PyErr_Clear();
+    fx_endUnwinding();
+    keptException = nullptr;
 }
 
 bool fx_dropNativeException() noexcept
 {
+    runningThread = std::this_thread::get_id();
     return std::exchange(keptException, nullptr) != nullptr;
 }

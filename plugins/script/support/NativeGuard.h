@@ -9,15 +9,32 @@
 // Host code and the standard library may throw while a script is calling into the plugin. Such an exception must not
 // unwind the interpreter's own frames: they would leave its frame chain pointing at dead stack. So every function that
 // the interpreter calls is wrapped: the exception is kept, the interpreter sees a BaseException and unwinds itself, and
-// whoever started the evaluation throws the kept exception again.
+// the code that started the evaluation throws the kept exception again. Until then nothing of the script reaches the
+// host: a wrapped function raises at its entry, only deallocation goes on. A script that swallows the error does not
+// get far, since its next line or call raises the error again (ScriptUnwinding.h).
 
 /// Keeps the exception in flight (the first one of a run wins) and sets a Python error. Called in a catch block.
 void fx_keepNativeException() noexcept;
 
-/// Throws the kept exception, if there is one, and clears the Python error that stands for it.
+/// Whether an exception is kept.
+bool fx_isNativeExceptionKept() noexcept;
+
+/// What a function does at its entry while an exception is kept: sets the Python error and sees to it that the script
+/// on this thread ends.
+void fx_refuseAfterNativeException() noexcept;
+
+/// Sets the Python error that stands for a native exception, in place of the one that is set.
+void fx_raiseNativeException() noexcept;
+
+/// Throws the kept exception, if there is one, and clears the Python error that stands for it. No Python code may run
+/// between this and the end of the run, or the next fx_keepNativeException().
 void fx_rethrowNativeException();
 
-/// Forgets a kept exception; true when there was one. Needs no interpreter.
+/// Forgets a kept exception, and clears the Python error that stands for it.
+void fx_forgetNativeException() noexcept;
+
+/// Forgets a kept exception; true when there was one. Needs no interpreter: called before one starts and after its end,
+/// on the thread that runs scripts next.
 bool fx_dropNativeException() noexcept;
 
 namespace native_guard {
@@ -29,11 +46,22 @@ template<auto Function, typename Result, typename... Arguments>
 struct Guarded<Function, Result (*)(Arguments...)> {
     static Result call(Arguments... arguments) noexcept
     {
+        // Deallocation, which alone returns nothing, always does its work.
+        if (!std::is_void_v<Result> && fx_isNativeExceptionKept()) {
+            fx_refuseAfterNativeException();
+            return failure();
+        }
         try {
             return Function(arguments...);
         } catch (...) {
             fx_keepNativeException();
         }
+        return failure();
+    }
+
+private:
+    static Result failure() noexcept
+    {
         if constexpr (std::is_pointer_v<Result>)
             return nullptr;
         else if constexpr (!std::is_void_v<Result>)

@@ -116,6 +116,14 @@ TEST(ScriptThatExitsWithAText, ShowsItAndTheErrorsBeforeIt)
     EXPECT_EQ(left.errors, "first\na text\n");
 }
 
+TEST(ScriptThatExitsWithAText, ShowsItWhenTheHostHasItsOwnWayToLeave)
+{
+    const Left left = leaveAt("script_after_others_of_a_host_that_leaves_by_itself",
+                              "import sys\nsys.stderr.write('first\\n')\nsys.exit('a text')");
+    EXPECT_EQ(left.status, 1);
+    EXPECT_EQ(left.errors, "first\na text\n");
+}
+
 // Which modules of compiled code load, although Qt loads the plugin with local symbols.
 class ExtensionModule : public testing::TestWithParam<const char*>
 {

@@ -141,6 +141,36 @@ TEST_F(Fault, WhileAStreamIsReplacedLeavesNoErrorBehind)
     expectWorkingRun();
 }
 
+TEST_F(Fault, WhileAStreamIsReplacedKeepsNothingOfAStreamThatStays)
+{
+    const PyRef before = PyRef::retain(PySys_GetObject("stdout"));
+    int stayed = 0;
+    long n = 1;
+    for (bool happened = true; happened && n < tooMany; ++n) {
+        // Held by `sys` alone, so that it goes when another one takes its place.
+        PySys_SetObject("stdout", PyRef::take(PyList_New(0)).get());
+        PyObject* stream = PySys_GetObject("stdout");
+        {
+            const AllocationFault fault(n);
+            emb::set_stdout([](const std::string&) {});
+            happened = fault.happened();
+        }
+        if (PySys_GetObject("stdout") == stream && Py_REFCNT(stream) == 1) {
+            ++stayed;
+            const PyRef other = PyRef::take(PyList_New(0));
+            PySys_SetObject("stdout", other.get());
+            emb::reset_stdout();
+            EXPECT_EQ(PySys_GetObject("stdout"), other.get()) << "allocation " << n;
+        } else {
+            emb::reset_stdout();
+        }
+        PySys_SetObject("stdout", before.get());
+    }
+    EXPECT_LT(n, tooMany);
+    EXPECT_GT(stayed, 0);
+    expectWorkingRun();
+}
+
 // From the first line of the script to the end of the clean-up; the interpreter's own compiler is not part of it.
 TEST_F(Fault, WhileAScriptRunsIsItsOwnAffair)
 {

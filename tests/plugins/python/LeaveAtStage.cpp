@@ -17,6 +17,7 @@
 #include <memory>
 #include <stdexcept>
 #include <thread>
+#include <unistd.h>
 
 // As for the test programs: see support/Main.cpp.
 extern "C" Q_DECL_EXPORT const char* __asan_default_options();
@@ -218,6 +219,14 @@ const std::map<QString, std::function<void(Host&)>> stages = {
      [](Host& host) {
          host.initialised();
          std::thread([&host] { host.run(givenScript); }).join();
+     }},
+    {QStringLiteral("script_after_others_of_a_host_that_leaves_by_itself"),
+     [](Host& host) {
+         const auto leaveFirst = [](void*, void*) { on_exit([](int status, void*) { _exit(status); }, nullptr); };
+         host.initialised();
+         host.run(QStringLiteral("pass"), writeOut, leaveFirst);
+         host.run(QStringLiteral("pass"), writeOut, leaveFirst);
+         host.run(givenScript, writeOut, leaveFirst);
      }},
     {QStringLiteral("script_without_output_callback"),
      [](Host& host) {
