@@ -3,6 +3,7 @@
 #include "CxGraphData.h"
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
+#include "GraphLine.h"
 #include "GraphPoints.h"
 
 #include <QtCore/QScopeGuard>
@@ -25,7 +26,7 @@ void setColors(QCPAxis& axis, const QColor& color, const QPen& axisPen, const QP
 void addLines(QCustomPlot& plot, const CxGraphData& graph)
 {
     for (const CxGraphData::CxSeries& series : graph.series) {
-        QCPGraph* line = plot.addGraph();
+        auto* line = new GraphLine(plot.xAxis, plot.yAxis); // the plot's
         line->data()->set(fx_graph_plottablePoints(series.points), false);
         line->setPen(
             QPen(QBrush(series.lineColor, Qt::SolidPattern), 2.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
@@ -52,7 +53,13 @@ QCPRange spanOfLines(const QCustomPlot& plot, bool& found, RangeOfLine rangeOfLi
     return span;
 }
 
-void chooseRanges(QCustomPlot& plot, const CxGraphData& graph)
+bool covers(const QCPAxis& axis, const QCPRange& span)
+{
+    return axis.range().contains(span.lower) && axis.range().contains(span.upper);
+}
+
+// False when points lie outside of the ranges.
+bool chooseRanges(QCustomPlot& plot, const CxGraphData& graph)
 {
     plot.rescaleAxes(false);
     bool found = false;
@@ -70,6 +77,7 @@ void chooseRanges(QCustomPlot& plot, const CxGraphData& graph)
         plot.xAxis->setRange(graph.xMin, graph.xMax);
     if (!graph.autoY)
         plot.yAxis->setRange(graph.yMin, graph.yMax);
+    return covers(*plot.xAxis, keys) && covers(*plot.yAxis, values);
 }
 
 void paint(QCustomPlot& plot, QImage& image)
@@ -114,8 +122,7 @@ void fx_script_DrawIntoImage(CxGraphData* graph, CxImageData* image)
     setColors(*plot.xAxis, graph->axesColor, axisPen, gridPen);
     setColors(*plot.yAxis, graph->axesColor, axisPen, gridPen);
     addLines(plot, *graph);
-    chooseRanges(plot, *graph);
-    if (!graph->autoX || !graph->autoY) {
+    if (!chooseRanges(plot, *graph)) {
         for (int i = 0; i < plot.graphCount(); ++i)
             fx_graph_cutFarParts(*plot.graph(i)->data(), plot.xAxis->range(), plot.yAxis->range());
     }

@@ -8,15 +8,12 @@ namespace {
 
 constexpr double gap = std::numeric_limits<double>::quiet_NaN();
 
-// A range over values up to here is still one that the library takes.
-constexpr double largestValue = 1e249;
-
 // Lines reach this many visible ranges beyond the visible one; the painter is exact for pixels up to about 1e12.
 constexpr double reach = 1e6;
 
 bool fitsOnAxis(double value)
 {
-    return std::abs(value) <= largestValue;
+    return std::abs(value) < QCPRange::maxRange;
 }
 
 struct Box {
@@ -85,10 +82,11 @@ QList<QCPGraphData> fx_graph_plottablePoints(const QList<QPointF>& points)
 
 void fx_graph_makeRoomForEqualValues(QCPAxis& axis, const QCPRange& data)
 {
-    if (axis.range().contains(data.lower) && axis.range().contains(data.upper))
+    if (data.size() > 0 || axis.range().contains(data.lower))
         return;
-    const double middle = data.center();
-    axis.setRange(middle - std::abs(middle) / 2, middle + std::abs(middle) / 2);
+    const double value = data.center();
+    const double room = std::min(std::abs(value), QCPRange::maxRange - std::abs(value)) / 2;
+    axis.setRange(value - room, value + room);
 }
 
 void fx_graph_cutFarParts(QCPGraphDataContainer& line, const QCPRange& visibleX, const QCPRange& visibleY)

@@ -1,6 +1,6 @@
 // Graphs with points and ranges that no axis can show: the rest is drawn all the same.
 
-#include "DrawnGraph.h"
+#include "BarePlot.h"
 
 #include <gtest/gtest.h>
 
@@ -36,7 +36,7 @@ TEST(GraphOddValues, DrawsTheFrameForNoPointOnePointAndEqualPoints)
 
 TEST(GraphOddValues, CentresAValueThatAllPointsShare)
 {
-    for (const double value : {0.0, 5.0, -3e7, 1e16, 1e17, -1e20, 1e200}) {
+    for (const double value : {0.0, 5.0, -3e7, 1e16, 1e17, -1e20, 1e200, 5e249, -9.9e249}) {
         EXPECT_TRUE(DrawnGraph(graphOf({{0, value}, {1, value}})).passes(Qt::red, 0.5, 0.5)) << value;
         EXPECT_TRUE(DrawnGraph(graphOf({{value, 0}, {value, 1}})).passes(Qt::red, 0.5, 0.5)) << value;
     }
@@ -91,6 +91,24 @@ TEST(GraphOddValues, KeepsTheFittedRangeForOneThatIsEmptyOrNotFinite)
                                    {infinity, -infinity},
                                    {0.0, 1e-300}})
         EXPECT_TRUE(samePicture(fitted, DrawnGraph(withRanges(graph, from, to, from, to)))) << from << ", " << to;
+}
+
+TEST(GraphOddValues, ShowsAllValuesThatTheLibraryTakes)
+{
+    for (const double value : {1e249, -1.5e249, 5e249, 9.999e249, -9.999e249}) {
+        EXPECT_EQ(differenceFromBarePlot(graphOf({{0, 0}, {1, value}, {2, value / 2}}), 640, 480).bytes, 0) << value;
+        EXPECT_EQ(differenceFromBarePlot(graphOf({{0, 0}, {value, 1}, {value / 2, 2}}), 640, 480).bytes, 0) << value;
+        EXPECT_EQ(differenceFromBarePlot(graphOf({{value, value}, {value / 2, 0}}), 640, 480).bytes, 0) << value;
+        EXPECT_GT(DrawnGraph(graphOf({{0, 0}, {1, value}})).count(Qt::red), 500) << value;
+    }
+}
+
+TEST(GraphOddValues, LeavesTheRangeAsItIsForValuesTooFarApart)
+{
+    const CxGraphData graph = graphOf({{0, -6e249}, {1, 6e249}});
+    const DrawnGraph drawn(graph);
+    EXPECT_GT(drawn.right - drawn.left, 500);
+    EXPECT_TRUE(drawn.passes(Qt::red, 0.5, 0.5));
 }
 
 TEST(GraphOddValues, TurnsARangeThatIsTheWrongWayRound)
