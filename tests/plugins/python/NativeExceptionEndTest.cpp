@@ -1,6 +1,6 @@
 // A C++ exception of the host ends the script: what the script would do with the error does not count.
 
-#include "CameraTest.h"
+#include "plugins/support/CameraTest.h"
 #include "support/LogCapture.h"
 #include "support/TestSettings.h"
 
