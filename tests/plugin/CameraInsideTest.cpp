@@ -47,6 +47,8 @@ protected:
         manager->addCamera(handle, parameters.get());
         plugin->init();
         run("");
+        writes.clear();
+        statusToGive = 0;
     }
     ~CameraInside() override
     {

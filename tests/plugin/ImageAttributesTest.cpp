@@ -93,7 +93,7 @@ const Row rows[] = {
      }},
 };
 
-class ImageAttribute : public ScriptTest, public testing::WithParamInterface<Row>
+class ImageAttribute : public SharedScriptTest, public testing::WithParamInterface<Row>
 {
 protected:
     std::string attribute(const char* object) { return value(std::string(object) + "." + GetParam().name); }
@@ -128,7 +128,7 @@ TEST_P(ImageAttribute, AsksOnlyForTheRecordThatItNeeds)
 INSTANTIATE_TEST_SUITE_P(Rows, ImageAttribute, testing::ValuesIn(rows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-class ImageAttributes : public ScriptTest
+class ImageAttributes : public SharedScriptTest
 {
 };
 

@@ -16,10 +16,17 @@
 class PluginHost
 {
 public:
-    PluginHost();
+    /// Which interpreter serves the runs. NumPy does not survive a second start of one: tests that use NumPy share the
+    /// one that lives until the process ends.
+    enum Interpreter { OfItsOwn, Shared };
 
-    /// Destroys the plugin object, and with it the interpreter.
+    explicit PluginHost(Interpreter interpreter = OfItsOwn);
+
+    /// Destroys the plugin object, and with it the interpreter, unless it is shared.
     ~PluginHost();
+
+    /// Destroys the shared interpreter, if there is one.
+    static void endShared();
 
     PluginHost(const PluginHost&) = delete;
     PluginHost& operator=(const PluginHost&) = delete;
@@ -31,7 +38,7 @@ public:
     /// Everything printed by the latest run.
     QString printed() const { return output.join(QString()); }
 
-    /// Destroys the plugin object and makes a new one.
+    /// Destroys the plugin object and makes a new one; not for a shared interpreter.
     void restart();
 
     QPluginLoader loader;
@@ -41,6 +48,11 @@ public:
 
     static QStringList output;                                 ///< the pieces given to the output callback
     static std::function<void(const QString&, bool)> onOutput; ///< called for each of them
+
+private:
+    void load();
+
+    Interpreter m_interpreter;
 };
 
 /// A test with a host. Afterwards no host image may be left.
@@ -48,6 +60,13 @@ class PluginTest : public testing::Test
 {
 protected:
     PluginHost host;
+};
+
+/// The same with the shared interpreter.
+class SharedPluginTest : public testing::Test
+{
+protected:
+    PluginHost host{PluginHost::Shared};
 };
 
 /// Compares a run's result with nothing, and shows it when there is something.

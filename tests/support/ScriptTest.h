@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 /// A copy of this image fails, in one of the two ways a host can fail it.
 class UncopyableImage : public CxImageData
@@ -28,10 +29,20 @@ private:
 };
 
 /// A test whose interpreter has been started, with helpers to look at values of a script.
-class ScriptTest : public PluginTest
+template<typename Base>
+class ScriptTestOn : public Base
 {
 protected:
-    ScriptTest() { host.run(""); }
+    using Base::host;
+
+    ScriptTestOn() { host.run(""); }
+
+    // A published name would stay, and keep what later scripts bind to it.
+    ~ScriptTestOn() override
+    {
+        for (const QString& name : std::as_const(m_published))
+            host.run(QStringLiteral("globals().pop('%1', None)").arg(name));
+    }
 
     /// What `repr` says of a Python expression, or "ExceptionType: message" of the exception that it raises. A call
     /// that fails without an exception gives "SystemError" alone: the interpreter's wording differs by version.
@@ -53,8 +64,15 @@ protected:
     void publish(const char* name, CxImageData& image)
     {
         host.plugin->addImageVariable(QString::fromUtf8(name), &image);
+        m_published.append(QString::fromUtf8(name));
     }
+
+private:
+    QStringList m_published;
 };
+
+using ScriptTest = ScriptTestOn<PluginTest>;
+using SharedScriptTest = ScriptTestOn<SharedPluginTest>;
 
 /// An image with cleared pixels and every field of the record as given; a line stride of 0 is chosen by the library.
 inline std::unique_ptr<CxImageData> makeImage(const SxPicBufInfo& info)
