@@ -2,6 +2,7 @@
 
 #include "CxImageData.h"
 #include "Leftovers.h"
+#include "PluginHost.h"
 #include "TestSettings.h"
 
 #include <QtWidgets/QApplication>
@@ -50,8 +51,12 @@ int main(int argc, char** argv)
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
+    // As in the viewer: a test that closes its window must not end the event loops of later ones.
+    QApplication::setQuitOnLastWindowClosed(false);
     testing::InitGoogleTest(&argc, argv);
     TestSettings::read(application.arguments());
     testing::UnitTest::GetInstance()->listeners().Append(new LeftoverCheck);
-    return RUN_ALL_TESTS();
+    const int result = RUN_ALL_TESTS();
+    PluginHost::endShared();
+    return result;
 }

@@ -2,10 +2,14 @@
 
 #include "TestSettings.h"
 
+#include <utility>
+
 QStringList PluginHost::output;
 std::function<void(const QString&, bool)> PluginHost::onOutput;
 
 namespace {
+
+bool sharedLives = false;
 
 void collect(const QString& text, bool flag)
 {
@@ -16,26 +20,47 @@ void collect(const QString& text, bool flag)
 
 } // namespace
 
-PluginHost::PluginHost()
+PluginHost::PluginHost(Interpreter interpreter)
     : loader(TestSettings::pluginFile)
+    , m_interpreter(interpreter)
 {
     onOutput = nullptr;
-    restart();
+    load();
+    if (interpreter == OfItsOwn || !sharedLives)
+        plugin->init();
+    sharedLives = interpreter == Shared;
 }
 
 PluginHost::~PluginHost()
 {
-    delete loader.instance();
+    if (m_interpreter == OfItsOwn) {
+        delete loader.instance();
+        return;
+    }
+    // The interpreter keeps the frames of the latest exception, and with them the images of their variables.
+    run(QStringLiteral("import gc, sys\n"
+                       "sys.last_type = sys.last_value = sys.last_traceback = None\n"
+                       "gc.collect()\n"));
+}
+
+void PluginHost::endShared()
+{
+    if (std::exchange(sharedLives, false))
+        delete QPluginLoader(TestSettings::pluginFile).instance();
 }
 
 void PluginHost::restart()
 {
-    if (plugin)
-        delete loader.instance();
+    delete loader.instance();
+    load();
+    plugin->init();
+}
+
+void PluginHost::load()
+{
     plugin = qobject_cast<CxScriptLangInterface*>(loader.instance());
     if (!plugin)
         qFatal("cannot load the plugin: %s", qPrintable(loader.errorString()));
-    plugin->init();
 }
 
 QString PluginHost::run(const QString& script)

@@ -15,10 +15,17 @@
 class PluginHost
 {
 public:
-    PluginHost();
+    /// Which interpreter serves the runs. NumPy does not survive a second start of one: tests that use NumPy share the
+    /// one that lives until the process ends.
+    enum Interpreter { OfItsOwn, Shared };
 
-    /// Destroys the plugin object, and with it the interpreter.
+    explicit PluginHost(Interpreter interpreter = OfItsOwn);
+
+    /// Destroys the plugin object, and with it the interpreter, unless it is shared.
     ~PluginHost();
+
+    /// Destroys the shared interpreter, if there is one.
+    static void endShared();
 
     PluginHost(const PluginHost&) = delete;
     PluginHost& operator=(const PluginHost&) = delete;
@@ -30,7 +37,7 @@ public:
     /// Everything printed by the latest run.
     QString printed() const { return output.join(QString()); }
 
-    /// Destroys the plugin object and creates a new one.
+    /// Destroys the plugin object and creates a new one. Not for a shared interpreter.
     void restart();
 
     QPluginLoader loader;
@@ -40,6 +47,11 @@ public:
 
     static QStringList output;                                 ///< the texts that the output callback has received
     static std::function<void(const QString&, bool)> onOutput; ///< called for each of these texts
+
+private:
+    void load();
+
+    Interpreter m_interpreter;
 };
 
 /// A test with a plugin host. It must leave no host image behind.
@@ -47,6 +59,13 @@ class PluginTest : public testing::Test
 {
 protected:
     PluginHost host;
+};
+
+/// The same with the interpreter that the tests of the process share.
+class SharedPluginTest : public testing::Test
+{
+protected:
+    PluginHost host{PluginHost::Shared};
 };
 
 /// Expects a run without errors; a failure shows the run's error text.

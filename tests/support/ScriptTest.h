@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 /// An image that cannot be copied: clone() fails in one of the two ways in which a host can fail.
 class UncopyableImage : public CxImageData
@@ -28,10 +29,20 @@ private:
 };
 
 /// A test with a running interpreter and helpers that read values from scripts.
-class ScriptTest : public PluginTest
+template<typename Base>
+class ScriptTestOn : public Base
 {
 protected:
-    ScriptTest() { host.run(""); }
+    using Base::host;
+
+    ScriptTestOn() { host.run(""); }
+
+    // A published name would stay, and keep what later scripts bind to it.
+    ~ScriptTestOn() override
+    {
+        for (const QString& name : std::as_const(m_published))
+            host.run(QStringLiteral("globals().pop('%1', None)").arg(name));
+    }
 
     /// The `repr` of a Python expression, or "ExceptionType: message" if the expression raises. A SystemError gives
     /// only its message, and only "SystemError" for a call that fails without an exception: that wording differs by
@@ -54,8 +65,15 @@ protected:
     void publish(const char* name, CxImageData& image)
     {
         host.plugin->addImageVariable(QString::fromUtf8(name), &image);
+        m_published.append(QString::fromUtf8(name));
     }
+
+private:
+    QStringList m_published;
 };
+
+using ScriptTest = ScriptTestOn<PluginTest>;
+using SharedScriptTest = ScriptTestOn<SharedPluginTest>;
 
 /// An image with the given record and cleared pixels, or null on failure. A line stride of 0 lets the library choose.
 inline std::unique_ptr<CxImageData> makeImage(const SxPicBufInfo& info)

@@ -40,6 +40,7 @@ class Saver : public ScriptTest
 
 TEST_F(Saver, IsAskedOnceForTheViewsOwnImageWithoutOptionsAndIsGoneAfterwards)
 {
+    steps.clear();
     host.environment.directory = QStringLiteral("/tmp");
     const int id = host.delegate.addView(makeTestImage(4, 3));
     EXPECT_CLEAN_RUN("print(vantrel.save_to_file('picture.any'))");

@@ -48,6 +48,8 @@ protected:
         manager->addCamera(handle, parameters.get());
         plugin->init();
         run("");
+        writes.clear();
+        statusToGive = 0;
     }
     ~CameraInside() override
     {

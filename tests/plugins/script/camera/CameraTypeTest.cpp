@@ -34,6 +34,7 @@ TEST(CameraType, IsNotAddedAndLogsOneLineWhenItCannotBeMade)
 {
     qputenv("PYTHONHOME", TestSettings::pythonHome.toUtf8());
     Py_InitializeEx(0);
+    logged.clear();
     typesFail = true;
     const QtMessageHandler before =
         qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {

@@ -18,6 +18,7 @@ QStringList logged;
 
 TEST(GraphType, IsNotAddedAndLogsOneLineWhenItCannotBeMade)
 {
+    logged.clear();
     const QtMessageHandler before =
         qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
             logged.append((type == QtCriticalMsg ? QStringLiteral("critical ") : QStringLiteral("other ")) + text);

@@ -4,7 +4,7 @@
 
 namespace {
 
-class ImageAlloc : public ScriptTest
+class ImageAlloc : public SharedScriptTest
 {
 protected:
     /// The error of an alloc with these arguments on an image of 5 x 3, and what the image shows afterwards.

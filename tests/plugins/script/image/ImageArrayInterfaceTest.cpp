@@ -6,7 +6,7 @@
 
 namespace {
 
-class ArrayInterface : public ScriptTest
+class ArrayInterface : public SharedScriptTest
 {
 };
 
@@ -75,7 +75,7 @@ void PrintTo(const TypeRow& row, std::ostream* stream)
     *stream << row.type << ' ' << row.typestr;
 }
 
-class ArrayType : public ScriptTest, public testing::WithParamInterface<TypeRow>
+class ArrayType : public SharedScriptTest, public testing::WithParamInterface<TypeRow>
 {
 };
 
@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(Types, ArrayType,
 // ---- NumPy ----
 
 /// Skips where the interpreter has no NumPy.
-class NumPy : public ScriptTest
+class NumPy : public SharedScriptTest
 {
 protected:
     void SetUp() override

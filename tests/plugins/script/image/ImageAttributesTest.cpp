@@ -111,7 +111,7 @@ public:
     QStringList asked;
 };
 
-class ImageAttribute : public ScriptTest, public testing::WithParamInterface<Row>
+class ImageAttribute : public SharedScriptTest, public testing::WithParamInterface<Row>
 {
 protected:
     std::string attribute(const char* object) { return value(std::string(object) + "." + GetParam().name); }
@@ -162,7 +162,7 @@ TEST_P(ImageAttribute, IsThereWhenTheRecordThatItNeedsIs)
 INSTANTIATE_TEST_SUITE_P(Rows, ImageAttribute, testing::ValuesIn(rows),
                          [](const auto& row) { return std::string(row.param.name); });
 
-class ImageAttributes : public ScriptTest
+class ImageAttributes : public SharedScriptTest
 {
 };
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-class ImageMeasure : public ScriptTest
+class ImageMeasure : public SharedScriptTest
 {
 };
 

@@ -6,7 +6,7 @@
 
 namespace {
 
-class ImageDataNumpy : public ScriptTest
+class ImageDataNumpy : public SharedScriptTest
 {
 };
 

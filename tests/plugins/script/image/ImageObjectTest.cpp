@@ -4,7 +4,7 @@
 
 namespace {
 
-class ImageObject : public ScriptTest
+class ImageObject : public SharedScriptTest
 {
 protected:
     ImageObject()
@@ -58,7 +58,7 @@ void PrintTo(const TypeWord& row, std::ostream* stream)
     *stream << row.type << ' ' << row.word;
 }
 
-class ImageText : public ScriptTest, public testing::WithParamInterface<TypeWord>
+class ImageText : public SharedScriptTest, public testing::WithParamInterface<TypeWord>
 {
 };
 

@@ -84,7 +84,7 @@ const NewImage newImages[] = {
     {"NewCopy", "img.new_copy()", [](SxPicBufInfo&) {}},
 };
 
-class ImageOperations : public ScriptTest
+class ImageOperations : public SharedScriptTest
 {
 protected:
     ImageOperations()

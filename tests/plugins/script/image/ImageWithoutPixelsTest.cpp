@@ -110,7 +110,7 @@ const Call calls[] = {
     {"vantrel.Graph().draw_into_image(img)", {noError, notRgb, notRgb, "None"}},
 };
 
-class ImageWithoutPixels : public ScriptTest
+class ImageWithoutPixels : public SharedScriptTest
 {
 protected:
     ImageWithoutPixels()

@@ -18,7 +18,7 @@ qlonglong setting(const char* name, qlonglong usual)
     return isNumber ? value : usual;
 }
 
-class ImageFuzz : public PluginTest
+class ImageFuzz : public SharedPluginTest
 {
 };
 

@@ -6,7 +6,7 @@ namespace {
 
 QStringList records;
 
-class ImageLog : public PluginTest
+class ImageLog : public SharedPluginTest
 {
 protected:
     void SetUp() override

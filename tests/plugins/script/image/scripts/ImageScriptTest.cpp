@@ -43,7 +43,7 @@ std::vector<ScriptFunction> scriptFunctions()
     return tests;
 }
 
-class ImageScript : public PluginTest, public testing::WithParamInterface<ScriptFunction>
+class ImageScript : public SharedPluginTest, public testing::WithParamInterface<ScriptFunction>
 {
 };
 
