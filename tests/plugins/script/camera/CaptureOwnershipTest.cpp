@@ -1,6 +1,6 @@
 // Who owns a captured image at which moment: the record, its pixels and the image made of them.
 
-#include "CameraTest.h"
+#include "plugins/support/CameraTest.h"
 #include "CxPicBufAPI.h"
 #include "plugins/support/HeapWatch.h"
 #include "support/LogCapture.h"
