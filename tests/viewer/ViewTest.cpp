@@ -185,7 +185,7 @@ TEST_P(Views, AnImageThatCannotBeShownStaysTheCallersAndNoViewIsLeft)
     auto image = std::make_unique<BrokenImage>();
     EXPECT_THROW(delegate.newViewWithImage(image.get(), QStringLiteral("broken")), std::runtime_error);
     ASSERT_EQ(CxImageData::liveCount(), before + 1);
-    EXPECT_EQ(window.viewIds(), std::vector<int>{first});
+    EXPECT_EQ(window.views().ids(), std::vector<int>{first});
     EXPECT_EQ(delegate.activeViewId(), first);
     EXPECT_EQ(existingViews(), 1);
     settle();
