@@ -45,6 +45,10 @@ public:
         return CxPicBufAPI::AllocPicBufFromHeap(buffer, info, true, 0);
     }
 
+    /// Makes a copy of pixels, with a row length of the library's choice, and of the rest of their record. Pixels held
+    /// so far are freed. False when there is no memory.
+    bool copyFrom(const SxPicBuf& pixels) { return allocate(pixels) && CxPicBufAPI::CopyPicBuf(buffer, pixels, true); }
+
     /// Frees the pixels and empties the record.
     void free()
     {

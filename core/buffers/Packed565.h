@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SxPicBuf.h"
+
 #include <array>
 #include <cstdint>
 
@@ -39,3 +41,10 @@ struct Packed565 {
 
     std::uint16_t pack() const { return std::uint16_t(blue | unsigned(green) << 5U | unsigned(red) << 11U); }
 };
+
+/// Stores the components of packed colours as values of a UInt8 buffer of equal size with three channels, blue first.
+/// The values keep their ranges of 5 and 6 bits.
+void unpackComponents(const SxPicBuf& packed, SxPicBuf& components);
+
+/// Undoes unpackComponents().
+void packComponents(const SxPicBuf& components, SxPicBuf& packed);

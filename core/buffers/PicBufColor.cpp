@@ -39,7 +39,7 @@ void swapFirstAndThird(SxPicBuf& buffer)
 {
     for (std::uint32_t y = 0; y < buffer.height; ++y) {
         std::uint8_t* row = buffer.row(y);
-        for (std::size_t i = 0; i < valuesPerRow(buffer); i += buffer.channels) {
+        for (std::size_t i = 0; i < buffer.valuesPerRow(); i += buffer.channels) {
             const T first = loadValue<T>(row, i);
             storeValue(row, i, loadValue<T>(row, i + 2));
             storeValue(row, i + 2, first);
@@ -78,7 +78,7 @@ void unpackToRgb(const SxPicBuf& src, SxPicBuf& dst)
 /// The channels that count for a colour: one of grey, three of colour, or four with alpha.
 SxPicBuf visibleChannels(const SxPicBuf& src, OwnedPicBuf& copied)
 {
-    if (src.channels == 1 || src.channels == 3 || src.channels == 4)
+    if (src.channels == 1 || SxPicBufInfo::isColorChannelCount(src.channels))
         return src;
     SxPicBufInfo info = src;
     info.channels = src.channels == 2 ? 1 : 3;
@@ -122,7 +122,7 @@ SxPicBuf asBytes(const SxPicBuf& src, OwnedPicBuf& converted)
 
 bool CxPicBufAPI::SwapRedAndBlue(SxPicBuf& buffer)
 {
-    if (!hasPixels(buffer) || (buffer.channels != 3 && buffer.channels != 4) ||
+    if (!hasPixels(buffer) || !SxPicBufInfo::isColorChannelCount(buffer.channels) ||
         buffer.dataType == ExImageDataType::Packed565)
         return refuse("SwapRedAndBlue", "the buffer has no red and blue channels");
     const std::size_t bytes = SxPicBufInfo::bytesPerValue(buffer.dataType);
@@ -141,7 +141,7 @@ bool CxPicBufAPI::ConvertPicToRGB(const SxPicBuf& src, SxPicBuf& dst)
 {
     if (!hasPixels(src) || !hasPixels(dst) || !sameSize(src, dst))
         return refuse("ConvertPicToRGB", "the buffers differ in size");
-    if (dst.dataType != ExImageDataType::UInt8 || (dst.channels != 3 && dst.channels != 4))
+    if (dst.dataType != ExImageDataType::UInt8 || !SxPicBufInfo::isColorChannelCount(dst.channels))
         return refuse("ConvertPicToRGB", "the destination is not 8-bit colour");
     if (overlap(src, dst))
         return refuse("ConvertPicToRGB", "source and destination share memory");

@@ -96,7 +96,7 @@ std::optional<std::uint64_t> bitsInUse(const SxPicBuf& buffer, std::uint32_t row
     std::optional<std::uint64_t> result;
     visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
         if constexpr (std::is_integral_v<T>) {
-            const std::size_t values = valuesPerRow(buffer);
+            const std::size_t values = buffer.valuesPerRow();
             const bool gapless = rowStep == 1 && buffer.lineStride == values * sizeof(T);
             const std::uint64_t step = gapless ? buffer.height : rowStep; // then all rows are one
             std::make_unsigned_t<T> bits = 0;
@@ -118,7 +118,7 @@ bool CxPicBufAPI::DetectNegativePixelValue(const SxPicBuf& buffer)
     visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
         if constexpr (std::is_signed_v<T>)
             for (std::uint32_t y = 0; y < buffer.height && !found; ++y)
-                found = hasNegative<T>(buffer.row(y), valuesPerRow(buffer));
+                found = hasNegative<T>(buffer.row(y), buffer.valuesPerRow());
     });
     return found;
 }
@@ -142,7 +142,7 @@ std::uint64_t CxPicBufAPI::DetectMaxAbsValue(const SxPicBuf& buffer)
     const auto type = buffer.dataType == ExImageDataType::Packed565 ? ExImageDataType::UInt16 : buffer.dataType;
     visitNumberType(type, [&]<typename T>(std::type_identity<T>) {
         for (std::uint32_t y = 0; y < buffer.height; ++y)
-            largest = std::max(largest, maxOfRow<T>(buffer.row(y), valuesPerRow(buffer)));
+            largest = std::max(largest, maxOfRow<T>(buffer.row(y), buffer.valuesPerRow()));
     });
     return largest;
 }

@@ -23,7 +23,7 @@ QList<QString> namesOf(std::uint32_t channels)
         return {QStringLiteral("Mono")};
     const QList<QString> colours = {QStringLiteral("Blue"), QStringLiteral("Green"), QStringLiteral("Red"),
                                     QStringLiteral("Alpha")};
-    if (channels == 3 || channels == 4)
+    if (SxPicBufInfo::isColorChannelCount(channels))
         return colours.first(qsizetype(channels));
     QList<QString> names;
     for (std::uint32_t c = 0; c < channels; ++c)
@@ -50,15 +50,7 @@ SxPicBuf measuredPart(const CxImageData* image, const QRect& rect, OwnedPicBuf& 
     info.bpc = 6;
     if (!unpacked.allocate(info))
         throw std::bad_alloc();
-    for (std::uint32_t y = 0; y < part.height; ++y) {
-        std::uint8_t* out = unpacked.buffer.row(y);
-        for (std::size_t x = 0; x < part.width; ++x, out += 3) {
-            const Packed565 colour = Packed565::unpack(loadValue<std::uint16_t>(part.row(y), x));
-            out[0] = colour.blue;
-            out[1] = colour.green;
-            out[2] = colour.red;
-        }
-    }
+    unpackComponents(part, unpacked.buffer);
     return unpacked.buffer;
 }
 
@@ -88,7 +80,7 @@ public:
     Binning(const SxPicBufInfo& info, double blackLevel)
     {
         visitNumberType(info.dataType, [&]<typename T>(std::type_identity<T>) {
-            double span = double(fullScale(info));
+            double span = double(info.fullScale());
             if constexpr (std::is_integral_v<T>)
                 span += 1;
             if constexpr (std::is_integral_v<T> && std::is_signed_v<T>) {
@@ -210,7 +202,7 @@ void measureColumns(CxProfileData& result, const SxPicBuf& part)
     // Some columns at a time, each copied into a run of its own: reading down single columns would fetch every row
     // from memory again for each of them.
     constexpr std::size_t together = 64;
-    const std::size_t columns = valuesPerRow(part);
+    const std::size_t columns = part.valuesPerRow();
     std::vector<T> runs(together * part.height);
     for (std::size_t first = 0; first < columns; first += together) {
         const std::size_t count = std::min(together, columns - first);
@@ -247,7 +239,7 @@ bool CxPicBufMeas::measureHistogram(CxHistoData& result, const CxImageData* imag
     return measure(image, rect, [&]<typename T>(std::type_identity<T>, const SxPicBuf& part) {
         result.channelNames = namesOf(part.channels);
         measureChannels<T>(result, part, flags);
-        if (flags.testFlag(CxHistoData::Luminance) && (part.channels == 3 || part.channels == 4))
+        if (flags.testFlag(CxHistoData::Luminance) && SxPicBufInfo::isColorChannelCount(part.channels))
             measureBrightness<T>(result, part, flags);
     });
 }
