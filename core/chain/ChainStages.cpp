@@ -3,9 +3,10 @@
 #include "ChainStages.h"
 
 #include "CxImageData.h"
-#include "CxPicBufAPI.h"
 #include "CxRTTI.h"
+#include "OwnedPicBuf.h"
 #include "StagePixels.h"
+#include "buffers/PicBufChecks.h"
 
 #include <QtCore/QLoggingCategory>
 
@@ -67,40 +68,27 @@ private:
     QString m_stage;
 };
 
-/// Whether every value lies where the machine reads values of its type.
-bool isAligned(const SxPicBuf& buffer)
-{
-    const std::uint32_t size = SxPicBufInfo::bytesPerValue(buffer.dataType);
-    return buffer.lineStride % size == 0 && reinterpret_cast<std::uintptr_t>(buffer.data) % size == 0;
-}
-
-/// A copy with rows as the library lays them out; `data` is null when there is no memory.
-SxPicBuf alignedCopy(const SxPicBuf& buffer)
-{
-    SxPicBufInfo info = buffer;
-    info.lineStride = 0;
-    SxPicBuf copy;
-    if (CxPicBufAPI::AllocPicBufFromHeap(copy, info, true, 0))
-        CxPicBufAPI::CopyPicBuf(copy, buffer, false);
-    return copy;
-}
-
 template<typename Stage>
-void registerStage(CxRTTI& registry, const QString& name)
+void registerStage(const QString& name)
 {
-    registry.registerClass(Stage::staticMetaObject, name, [] { return new Stage; });
+    CxRTTI::instance()->registerClass(Stage::staticMetaObject, name, [] { return new Stage; });
 }
+
+bool registerStages()
+{
+    registerStage<GainStage>(QStringLiteral("Gain"));
+    registerStage<InvertStage>(QStringLiteral("Invert"));
+    registerStage<FlipStage>(QStringLiteral("Flip"));
+    registerStage<GaussianBlurStage>(QStringLiteral("Gaussian Blur"));
+    registerStage<ThresholdStage>(QStringLiteral("Threshold"));
+    return true;
+}
+
+// Stages are known from the moment that this library is loaded. The first use makes the registry, so the order in which
+// static objects are initialised does not matter.
+[[maybe_unused]] const bool areRegistered = registerStages();
 
 } // namespace
-
-void registerChainStages(CxRTTI& registry)
-{
-    registerStage<GainStage>(registry, QStringLiteral("Gain"));
-    registerStage<InvertStage>(registry, QStringLiteral("Invert"));
-    registerStage<FlipStage>(registry, QStringLiteral("Flip"));
-    registerStage<GaussianBlurStage>(registry, QStringLiteral("Gaussian Blur"));
-    registerStage<ThresholdStage>(registry, QStringLiteral("Threshold"));
-}
 
 // ---- all stages ----
 
@@ -117,19 +105,18 @@ void ImageStage::process(CxImageData& image)
         const bool isPacked = buffer->dataType == ExImageDataType::Packed565;
         if (isAligned(*buffer) && !isPacked)
             return processPixels(*buffer);
-        CxImageData aligned;
-        aligned.setPicBuf(alignedCopy(*buffer));
-        CxImageData unpacked;
-        if (isPacked && aligned.picBuf()->data)
-            unpacked.setPicBuf(stage_pixels::unpack565(*aligned.picBuf()));
-        SxPicBuf* work = isPacked ? unpacked.picBuf() : aligned.picBuf();
-        if (!work || !work->data)
+        OwnedPicBuf aligned;
+        OwnedPicBuf unpacked;
+        if (aligned.copyFrom(*buffer) && isPacked)
+            unpacked = OwnedPicBuf(stage_pixels::unpack565(aligned.buffer));
+        SxPicBuf& work = isPacked ? unpacked.buffer : aligned.buffer;
+        if (!work.data)
             return complainOnce(QStringLiteral("there is no memory to work in"));
-        processPixels(*work);
+        processPixels(work);
         if (isPacked)
-            stage_pixels::pack565(*work, *aligned.picBuf());
-        buffer->colorFilterArray = work->colorFilterArray;
-        CxPicBufAPI::CopyPicBuf(*buffer, *aligned.picBuf(), false);
+            stage_pixels::pack565(work, aligned.buffer);
+        buffer->colorFilterArray = work.colorFilterArray;
+        CxPicBufAPI::CopyPicBuf(*buffer, aligned.buffer, false);
     } catch (const std::exception& error) {
         complainOnce(QString::fromUtf8(error.what()));
     }

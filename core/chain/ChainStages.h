@@ -9,11 +9,6 @@
 
 #include <optional>
 
-class CxRTTI;
-
-/// Makes the stages below known under the names a user sees.
-void registerChainStages(CxRTTI& registry);
-
 /// A stage that changes the pixels of every image.
 ///
 /// Packed 5-6-5 pixels are worked on as colours of 8 bits. The alpha channel of colour images takes no part where

@@ -32,10 +32,11 @@ VANTREL_HOST_EXPORT void flip(SxPicBuf& buffer, bool horizontal, bool vertical);
 /// integers are exact to 53 bits.
 VANTREL_HOST_EXPORT void blur(SxPicBuf& buffer, double sigma);
 
-/// A new 8-bit colour buffer with 3 channels from packed 5-6-5 pixels; `data` is null when there is no memory.
+/// A new buffer, owned by the caller, with packed 5-6-5 colours as 8-bit colours with three channels. `data` is null if
+/// there is not enough memory.
 VANTREL_HOST_EXPORT SxPicBuf unpack565(const SxPicBuf& packed);
 
-/// The way back, into a packed buffer of the same size.
+/// Packs colours from unpack565() into a packed buffer of the same size.
 VANTREL_HOST_EXPORT void pack565(const SxPicBuf& colour, SxPicBuf& packed);
 
 } // namespace stage_pixels
