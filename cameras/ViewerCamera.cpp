@@ -1,5 +1,6 @@
 #include "ViewerCamera.h"
 
+#include "CameraParamNames.h"
 #include "CxCameraManager.h"
 #include "CxCameraParameters.h"
 #include "CxImageData.h"
@@ -61,7 +62,7 @@ void ViewerCamera::stop()
 
 double ViewerCamera::frameRate() const
 {
-    const CxCameraParam* rate = parameters() ? parameters()->findParam(QStringLiteral("framerate"), false) : nullptr;
+    const CxCameraParam* rate = parameters() ? parameters()->findParam(CameraParamNames::frameRate, false) : nullptr;
     return rate ? double(rate->paramValue().toFloat()) : 0.0;
 }
 
@@ -89,8 +90,8 @@ void ViewerCamera::takeFrame()
 
 void ViewerCamera::noteParam(const QString& name)
 {
-    if (name == u"trigger_mode" || name == u"framerate")
+    if (name == CameraParamNames::triggerMode || name == CameraParamNames::frameRate)
         schedule();
-    if (name == u"framerate")
+    if (name == CameraParamNames::frameRate)
         Q_EMIT frameRateChanged(frameRate());
 }

@@ -2,6 +2,7 @@
 
 #include "CxCameraParameters.h"
 
+#include "CameraParamNames.h"
 #include "CameraSettingsFile.h"
 #include "IxCameraDevice.h"
 
@@ -10,7 +11,6 @@
 #include <QtCore/QRecursiveMutex>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -29,14 +29,6 @@ struct CxCameraParameters::Private {
 };
 
 namespace {
-
-bool isDescription(const QString& name)
-{
-    static const std::array<QString, 6> keys = {QStringLiteral("device_name"),     QStringLiteral("device_type"),
-                                                QStringLiteral("device_model_id"), QStringLiteral("device_sn"),
-                                                QStringLiteral("device_user_id"),  QStringLiteral("device_inst_path")};
-    return std::find(keys.begin(), keys.end(), name) != keys.end();
-}
 
 /// The name without the suffix of a limit; the whole name when it has none.
 QString withoutSuffix(const QString& name)
@@ -69,8 +61,6 @@ void store(int* status, CxCameraParameters::ExWriteStatus result)
 }
 
 } // namespace
-
-IxCameraDevice::~IxCameraDevice() = default;
 
 CxCameraParameters::CxCameraParameters(const SxCameraInfo& info, const QSize& sensor, IxCameraDevice* device)
     : d(std::make_unique<Private>())
@@ -136,7 +126,8 @@ bool CxCameraParameters::setParamDirect(const QString& name, const CxValue& valu
         // What can be read in another way is known, and cannot be written.
         const QString base = withoutSuffix(name);
         CxValue ignored;
-        const bool known = findParam(base, false) || isDescription(base) || getParamDirect(base, ignored, nullptr);
+        const bool known = findParam(base, false) || CameraParamNames::isDescriptionKey(base) ||
+                           getParamDirect(base, ignored, nullptr);
         store(status, known ? ReadOnly : Unknown);
         return false;
     }
