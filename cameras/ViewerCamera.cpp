@@ -28,7 +28,7 @@ bool ViewerCamera::open(int position)
         qWarning("A camera cannot be opened");
         return false;
     }
-    // A script on another thread writes parameters, too: what follows from it is done on this one.
+    // Scripts on other threads write parameters too. The slot runs on this thread.
     connect(parameters(), &CxCameraParameters::paramChanged, this, &ViewerCamera::noteParam);
     m_handle = CxCameraManager::instance()->newHandle();
     CxCameraManager::instance()->addCamera(m_handle, m_backend->parameters(), position);
@@ -41,7 +41,7 @@ void ViewerCamera::close()
         return;
     stop();
     CxCameraManager::instance()->removeCamera(std::exchange(m_handle, nullptr));
-    // A script on another thread may use the store beyond this: its ways back to this object and the back end end here.
+    // A script on another thread may still use the store. It must not reach this object or the back end any more.
     parameters()->disconnect(this);
     parameters()->releaseDevice();
     m_backend->close();
@@ -82,7 +82,7 @@ void ViewerCamera::schedule()
 void ViewerCamera::takeFrame()
 {
     std::shared_ptr<CxImageData> frame = m_backend->nextFrame();
-    // First, since whoever gets the frame may stop or close the camera.
+    // Before the signal, because a receiver may stop or close the camera.
     schedule();
     if (frame)
         Q_EMIT frameArrived(std::move(frame));

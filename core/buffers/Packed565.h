@@ -20,8 +20,8 @@ struct Packed565 {
         return {std::uint8_t(word & 31U), std::uint8_t((word >> 5U) & 63U), std::uint8_t(word >> 11U)};
     }
 
-    /// The components as 8-bit values, blue first: full scale becomes 255, rounded to the nearest, as every conversion
-    /// of depth in this library does it. The one meaning of such a colour in 8 bits; fromBytes() undoes it exactly.
+    /// The components as 8-bit values, blue first: full scale becomes 255, rounded to the nearest, as in every
+    /// conversion of depth in this library. fromBytes() undoes this exactly.
     std::array<std::uint8_t, 3> bytes() const
     {
         const auto widened = [](unsigned value, unsigned maximum) {
@@ -30,7 +30,7 @@ struct Packed565 {
         return {widened(blue, maxBlue), widened(green, maxGreen), widened(red, maxRed)};
     }
 
-    /// The colour that comes nearest to 8-bit values, of which the first is blue.
+    /// The colour nearest to three 8-bit values, blue first.
     static Packed565 fromBytes(const std::uint8_t* bytes)
     {
         const auto narrowed = [](unsigned value, unsigned maximum) {

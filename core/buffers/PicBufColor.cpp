@@ -1,4 +1,4 @@
-// Colours and their channels.
+// Conversion to colour, and operations on single channels.
 
 #include "CxPicBufAPI.h"
 
@@ -17,8 +17,8 @@
 
 namespace {
 
-/// Calls visit with the std::type_identity of an integer as large as the values of a type, for work that only moves
-/// values.
+/// Calls visit with the std::type_identity of an unsigned integer of the same size as the type. For moving values,
+/// which does not change their bits.
 template<typename Visitor>
 void visitValueSize(ExImageDataType type, Visitor&& visit)
 {
@@ -47,8 +47,8 @@ void swapFirstAndThird(SxPicBuf& buffer)
     }
 }
 
-/// Copies as many channels as dst has, from a given one on. Slower than OpenCV, but for any number of channels and for
-/// rows at any address.
+/// Copies dst.channels channels, beginning with the channel `first`. Slower than OpenCV, but works with any number of
+/// channels and with rows at any address.
 void copyChannels(const SxPicBuf& src, std::size_t first, SxPicBuf& dst)
 {
     visitValueSize(src.dataType, [&]<typename T>(std::type_identity<T>) {
@@ -75,7 +75,8 @@ void unpackToRgb(const SxPicBuf& src, SxPicBuf& dst)
     }
 }
 
-/// The channels that count for a colour: one of grey, three of colour, or four with alpha.
+/// The channels that are shown: one for grey, three for colour, or four for colour with alpha. `copied` owns the memory
+/// if other channels had to be left out.
 SxPicBuf visibleChannels(const SxPicBuf& src, OwnedPicBuf& copied)
 {
     if (src.channels == 1 || SxPicBufInfo::isColorChannelCount(src.channels))
@@ -104,7 +105,8 @@ void toColour(const cv::Mat& pixels, cv::Mat& colour)
     }
 }
 
-/// Values of any number type as 8 bits, full scale to 255. Bytes of full depth are taken as they stand.
+/// The values as 8-bit values; full scale becomes 255. Returns src itself if it already holds 8-bit values of full
+/// depth, otherwise a copy that `converted` owns.
 SxPicBuf asBytes(const SxPicBuf& src, OwnedPicBuf& converted)
 {
     if (src.dataType == ExImageDataType::UInt8 && (src.bpc == 0 || src.bpc >= 8))
@@ -129,7 +131,7 @@ bool CxPicBufAPI::SwapRedAndBlue(SxPicBuf& buffer)
     const std::optional<cv::Mat> pixels =
         bytes == 8 ? std::nullopt : wrapMat(buffer, bytes == 4 ? CV_32F : moveDepth(buffer.dataType));
     if (pixels) {
-        cv::Mat swapped = *pixels; // a header of its own: OpenCV copies first when it is given one for both
+        cv::Mat swapped = *pixels; // a second header: with the same one for both, OpenCV would copy the pixels first
         cv::cvtColor(*pixels, swapped, buffer.channels == 3 ? cv::COLOR_BGR2RGB : cv::COLOR_BGRA2RGBA);
     } else {
         visitValueSize(buffer.dataType, [&]<typename T>(std::type_identity<T>) { swapFirstAndThird<T>(buffer); });

@@ -18,10 +18,10 @@
 struct CxCameraParameters::Private {
     SxCameraInfo info;
     QSize sensor;
-    IxCameraDevice* device = nullptr; // guarded by the mutex, as is the next one
-    bool deviceIsReleased = false;
+    IxCameraDevice* device = nullptr; // guarded by the mutex
+    bool deviceIsReleased = false;    // guarded by the mutex
     std::vector<std::unique_ptr<CxCameraParam>> params;
-    // Held while the device is talked to; recursive, since a device reports values back from within a write.
+    // Held during calls to the device. Recursive, because a device may report values back from within a write.
     mutable QRecursiveMutex mutex;
     QRect region;
 
@@ -30,7 +30,7 @@ struct CxCameraParameters::Private {
 
 namespace {
 
-/// The name without the suffix of a limit; the whole name when it has none.
+/// The name without the suffix of a limit, such as ":min"; otherwise the whole name.
 QString withoutSuffix(const QString& name)
 {
     for (const char* suffix : {":min", ":max", ":inc", ":info"})
@@ -39,7 +39,7 @@ QString withoutSuffix(const QString& name)
     return name;
 }
 
-/// Brings a value within the parameter's limits; true when it was outside.
+/// Clips a value to the parameter's limits. True if the value was outside.
 bool clip(CxValue& value, const CxCameraParam& param)
 {
     const auto below = [](const CxValue& a, const CxValue& b) {
@@ -107,7 +107,7 @@ QList<CxCameraParam*> CxCameraParameters::params() const
 
 CxCameraParam* CxCameraParameters::findParam(const QString& name, bool ignoreCase) const
 {
-    // Plain equality first: it is quick, and scripts ask all the time.
+    // The exact name first: this is fast, and scripts ask often.
     for (const auto& param : d->params)
         if (param->name() == name)
             return param.get();
@@ -123,7 +123,7 @@ bool CxCameraParameters::setParamDirect(const QString& name, const CxValue& valu
 {
     CxCameraParam* param = findParam(name, false);
     if (!param) {
-        // What can be read in another way is known, and cannot be written.
+        // A name that can be read in another way is known but read-only.
         const QString base = withoutSuffix(name);
         CxValue ignored;
         const bool known = findParam(base, false) || CameraParamNames::isDescriptionKey(base) ||
@@ -166,7 +166,7 @@ void CxCameraParameters::reportParam(const QString& name, const CxValue& value)
 
 bool CxCameraParameters::setROIRectParams(int x, int y, int width, int height, bool commit, bool refresh)
 {
-    // In 64 bits, since any four integers may come.
+    // In 64 bits, because sums of any two integers must fit.
     const qint64 left = std::max<qint64>(x, 0);
     const qint64 top = std::max<qint64>(y, 0);
     const qint64 right = std::min<qint64>(qint64(x) + width, d->sensor.width());
@@ -210,9 +210,9 @@ bool CxCameraParameters::loadParamValuesFromFile(const QString& path, CxCameraPa
         return false;
     for (const auto& [name, value] : settings->values) {
         CxCameraParam* param = findParam(name, false);
-        const bool taken = param && param->visibility <= visibility && fitsType(value, param->type()) &&
-                           d->write(*param, value, commit) >= 0;
-        if (taken)
+        const bool isAccepted = param && param->visibility <= visibility && fitsType(value, param->type()) &&
+                                d->write(*param, value, commit) >= 0;
+        if (isAccepted)
             Q_EMIT paramChanged(name);
         else if (failed)
             failed->append(name);

@@ -1,4 +1,4 @@
-// The stages of a processing chain: their settings, and what all of them do before they touch pixels.
+// The stages of a processing chain: their settings, and the preparation of pixels that all of them share.
 
 #include "ChainStages.h"
 
@@ -17,9 +17,9 @@
 namespace {
 
 constexpr double hugeNumber = 1e15;
-constexpr double largestSigma = 50.0; // pixels; more takes seconds an image
+constexpr double largestSigma = 50.0; // pixels; larger ones take seconds per image
 
-/// The attributes of a "conf" element, read with their defaults.
+/// Reads the attributes of a "conf" element.
 class Settings
 {
 public:
@@ -29,7 +29,7 @@ public:
     {
     }
 
-    /// A number from min to max; none when the attribute is missing or wrong.
+    /// A number from min to max. Nothing if the attribute is missing or, with a log line, if it is invalid.
     std::optional<double> number(const QString& name, double min, double max) const
     {
         if (!m_conf.hasAttribute(name))
@@ -43,23 +43,23 @@ public:
         return std::nullopt;
     }
 
-    bool flag(const QString& name, bool byDefault) const
+    bool flag(const QString& name, bool defaultValue) const
     {
         if (!m_conf.hasAttribute(name))
-            return byDefault;
+            return defaultValue;
         const QString text = m_conf.attribute(name);
         if (text == QLatin1String("1") || text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0)
             return true;
         if (text == QLatin1String("0") || text.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
             return false;
         complain(name, text, QStringLiteral("1, 0, true or false"));
-        return byDefault;
+        return defaultValue;
     }
 
 private:
     void complain(const QString& name, const QString& text, const QString& wanted) const
     {
-        constexpr qsizetype shown = 60; // a wrong value may be of any length
+        constexpr qsizetype shown = 60; // characters; an invalid value may have any length
         qWarning().noquote() << QStringLiteral("%1: %2 cannot be \"%3\", only %4; the default is used")
                                     .arg(m_stage, name, text.left(shown), wanted);
     }
@@ -84,8 +84,8 @@ bool registerStages()
     return true;
 }
 
-// Stages are known from the moment that this library is loaded. The first use makes the registry, so the order in which
-// static objects are initialised does not matter.
+// Registers the stages when this library is loaded. CxRTTI::instance() creates the registry on first use, so the order
+// of static initialisation does not matter.
 [[maybe_unused]] const bool areRegistered = registerStages();
 
 } // namespace
@@ -127,7 +127,7 @@ QString ImageStage::displayName() const
     return CxRTTI::instance()->customNameForClass(QString::fromLatin1(metaObject()->className()));
 }
 
-// Frames come many times a second; their complaints would fill the log.
+// Frames come many times a second. A line for each of them would flood the log.
 void ImageStage::complainOnce(const QString& reason)
 {
     if (reason == std::exchange(m_lastComplaint, reason))
@@ -192,7 +192,7 @@ QString FlipStage::summary() const
 void FlipStage::process(CxImageData& image)
 {
     ImageStage::process(image);
-    // What describes the frame follows the pixels.
+    // Keep the metadata in step with the pixels.
     if (image.picBuf() && image.imageMetadata())
         image.imageMetadata()->colorFilterArray = image.picBuf()->colorFilterArray;
 }

@@ -17,7 +17,7 @@
 
 namespace {
 
-/// Replaces every value by change(value); alpha stays as it is.
+/// Replaces every value by change(value), except for alpha.
 template<typename T, typename Change>
 void changeValues(SxPicBuf& buffer, Change change)
 {
@@ -45,7 +45,8 @@ T saturated(Number value, T min, T max)
     return T(value < 0 ? value - Number(0.5) : value + Number(0.5));
 }
 
-// The colour filters, as the colour of the first row and column is found at (row, column) of RGGB.
+// RGGB, GRBG, GBRG and BGGR are numbered so that mirroring columns flips the lowest bit of (code - 1), and mirroring
+// rows the next bit.
 ExColorFilterArray mirrored(ExColorFilterArray filters, bool columns, bool rows)
 {
     const auto code = std::uint32_t(filters);
@@ -84,12 +85,12 @@ namespace stage_pixels {
 void applyGain(SxPicBuf& buffer, double gain, double offset)
 {
     if (gain == 1.0 && offset == 0.0)
-        return; // also for values above the full scale that the buffer claims
+        return; // also leaves values above full scale unchanged
     visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
         if constexpr (std::is_floating_point_v<T>) {
             changeValues<T>(buffer, [gain, offset](T value) { return T(double(value) * gain + offset); });
         } else {
-            // Doubles hold no 64-bit integer exactly.
+            // A double cannot hold every 64-bit integer.
             using Number = std::conditional_t<sizeof(T) == 8, long double, double>;
             const T min = std::numeric_limits<T>::min();
             const T max = std::is_signed_v<T> ? std::numeric_limits<T>::max() : static_cast<T>(buffer.fullScale());
@@ -132,12 +133,11 @@ void flip(SxPicBuf& buffer, bool horizontal, bool vertical)
     constexpr int bothWays = -1;
     constexpr int upsideDown = 0;
     constexpr int leftToRight = 1;
-    // Whole pixels are moved, whatever they hold.
     const cv::Mat pixels = matOn(buffer, moveDepth(buffer.dataType));
     cv::Mat result;
     cv::flip(pixels, result, !vertical ? leftToRight : !horizontal ? upsideDown : bothWays);
     result.copyTo(pixels);
-    // An odd number of columns or rows has the same colour at both ends.
+    // With an odd number of columns or rows, both ends have the same colour.
     buffer.colorFilterArray =
         mirrored(buffer.colorFilterArray, horizontal && buffer.width % 2 == 0, vertical && buffer.height % 2 == 0);
 }

@@ -31,11 +31,11 @@ QList<QString> namesOf(std::uint32_t channels)
     return names;
 }
 
-/// The part of the image's buffer that lies in a rectangle; without pixels when nothing does. Packed colours are
-/// unpacked to three channels in memory of the given holder.
+/// The part of the image inside a rectangle. It has no pixels if the rectangle lies outside the image. Packed colours
+/// are unpacked to three channels, in memory that `unpacked` owns.
 SxPicBuf measuredPart(const CxImageData* image, const QRect& rect, OwnedPicBuf& unpacked)
 {
-    const SxPicBuf* buffer = image ? const_cast<CxImageData*>(image)->picBuf() : nullptr; // which reads only
+    const SxPicBuf* buffer = image ? const_cast<CxImageData*>(image)->picBuf() : nullptr; // picBuf() changes nothing
     if (!buffer || !hasPixels(*buffer) || rect.right() < 0 || rect.bottom() < 0 || !rect.isValid())
         return SxPicBuf();
     const auto left = unsigned(std::max(rect.left(), 0));
@@ -54,7 +54,7 @@ SxPicBuf measuredPart(const CxImageData* image, const QRect& rect, OwnedPicBuf& 
     return unpacked.buffer;
 }
 
-/// Light is measured above black; alpha is no light.
+/// The value to subtract from a channel. Alpha has no black level.
 double blackLevelOf(const SxPicBuf& part, std::size_t channel, CxHistoData::ExHistoDataFlags flags)
 {
     const bool subtract = flags.testFlag(CxHistoData::SubtractBlackLevel) && channel != alphaChannel;
@@ -73,7 +73,7 @@ CxHistoData::CxPixelStats pixelStats(const ValueSummary& summary, double blackLe
     return stats;
 }
 
-/// Counts values into equal bins over full scale.
+/// Sorts values into bins of equal width that span the full scale.
 class Binning
 {
 public:
@@ -97,7 +97,7 @@ public:
     {
         for (std::size_t i = 0; i < count; ++i) {
             const double bin = std::floor((double(loadValue<T>(values, i)) - m_lowest) * m_perValue);
-            if (bin == bin) // not for what is not a number
+            if (bin == bin) // false for NaN
                 ++bins[qsizetype(std::clamp(bin, 0.0, double(histogramBins - 1)))];
         }
     }
@@ -116,7 +116,7 @@ void brightnessOfRow(const std::uint8_t* row, std::size_t channels, std::vector<
     }
 }
 
-/// What is measured of one channel.
+/// The statistics and the histogram of one channel.
 template<typename T>
 class ChannelMeasurement
 {
@@ -199,8 +199,7 @@ void measureRows(CxProfileData& result, const SxPicBuf& part)
 template<typename T>
 void measureColumns(CxProfileData& result, const SxPicBuf& part)
 {
-    // Some columns at a time, each copied into a run of its own: reading down single columns would fetch every row
-    // from memory again for each of them.
+    // Copies several columns at a time, so that each row is fetched from memory once for all of them.
     constexpr std::size_t together = 64;
     const std::size_t columns = part.valuesPerRow();
     std::vector<T> runs(together * part.height);
@@ -217,7 +216,7 @@ void measureColumns(CxProfileData& result, const SxPicBuf& part)
     }
 }
 
-/// Runs a measurement on the part of an image in a rectangle; false where there is none.
+/// Runs a measurement on the part of an image inside a rectangle. False if there is no such part, or no memory.
 template<typename Measurement>
 bool measure(const CxImageData* image, const QRect& rect, Measurement measurement)
 {
