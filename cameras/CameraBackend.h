@@ -16,7 +16,7 @@ class CxImageData;
 class CameraBackend : public IxCameraDevice
 {
 public:
-    ~CameraBackend() override;
+    ~CameraBackend() override = default;
 
     /// Opens the camera with its default settings. False if the camera cannot be reached.
     virtual bool open() = 0;

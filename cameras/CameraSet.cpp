@@ -56,7 +56,7 @@ void CameraSet::restart(void* handle)
 
 void CameraSet::reopen(ViewerCamera* camera)
 {
-    // Cameras that are away do not count for the place in the list.
+    // Only open cameras are in the list of the camera manager.
     int position = 0;
     for (const auto& other : m_cameras) {
         if (other.get() == camera)

@@ -14,24 +14,24 @@ class CameraSet : public QObject
 {
     Q_OBJECT
 public:
-    /// restartTime is how long a camera stays away when it is restarted.
+    /// restartTime is the time for which a camera stays closed when it is restarted.
     explicit CameraSet(std::chrono::milliseconds restartTime = std::chrono::seconds(1));
     ~CameraSet() override;
 
-    /// Opens simulated cameras, from the first model on.
+    /// Opens that many simulated cameras, beginning with the first model; at most one of each model.
     void openSimulated(int count);
 
-    /// Opens one more camera; null, with a log line, when it cannot be reached.
+    /// Opens one more camera. Null, with a log line, if the camera cannot be reached.
     ViewerCamera* open(std::unique_ptr<CameraBackend> backend);
 
-    /// The camera with that handle, or null for a handle that is not in use (any more).
+    /// The camera with that handle, or null if no open camera has it.
     ViewerCamera* camera(void* handle) const;
 
-    /// All cameras, also one that is away for its restart.
+    /// All cameras, including those that are closed for a restart.
     std::vector<ViewerCamera*> cameras() const;
 
-    /// Closes a camera and, while the event loop runs, opens it again with default settings, at its old place and
-    /// under a new handle. An unknown handle does nothing.
+    /// Closes a camera and later, from the event loop, opens it again with default settings, at its old place and under
+    /// a new handle. Does nothing for an unknown handle.
     void restart(void* handle);
 
 private:

@@ -1,5 +1,6 @@
 #include "ViewerCamera.h"
 
+#include "CameraParamNames.h"
 #include "CxCameraManager.h"
 #include "CxCameraParameters.h"
 #include "CxImageData.h"
@@ -27,7 +28,7 @@ bool ViewerCamera::open(int position)
         qWarning("A camera cannot be opened");
         return false;
     }
-    // A script on another thread writes parameters, too: what follows from it is done on this one.
+    // Scripts on other threads write parameters too. The slot runs on this thread.
     connect(parameters(), &CxCameraParameters::paramChanged, this, &ViewerCamera::noteParam);
     m_handle = CxCameraManager::instance()->newHandle();
     CxCameraManager::instance()->addCamera(m_handle, m_backend->parameters(), position);
@@ -40,7 +41,7 @@ void ViewerCamera::close()
         return;
     stop();
     CxCameraManager::instance()->removeCamera(std::exchange(m_handle, nullptr));
-    // A script on another thread may use the store beyond this: its ways back to this object and the back end end here.
+    // A script on another thread may still use the store. It must not reach this object or the back end any more.
     parameters()->disconnect(this);
     parameters()->releaseDevice();
     m_backend->close();
@@ -61,7 +62,7 @@ void ViewerCamera::stop()
 
 double ViewerCamera::frameRate() const
 {
-    const CxCameraParam* rate = parameters() ? parameters()->findParam(QStringLiteral("framerate"), false) : nullptr;
+    const CxCameraParam* rate = parameters() ? parameters()->findParam(CameraParamNames::frameRate, false) : nullptr;
     return rate ? double(rate->paramValue().toFloat()) : 0.0;
 }
 
@@ -81,7 +82,7 @@ void ViewerCamera::schedule()
 void ViewerCamera::takeFrame()
 {
     std::shared_ptr<CxImageData> frame = m_backend->nextFrame();
-    // First, since whoever gets the frame may stop or close the camera.
+    // Before the signal, because a receiver may stop or close the camera.
     schedule();
     if (frame)
         Q_EMIT frameArrived(std::move(frame));
@@ -89,8 +90,8 @@ void ViewerCamera::takeFrame()
 
 void ViewerCamera::noteParam(const QString& name)
 {
-    if (name == u"trigger_mode" || name == u"framerate")
+    if (name == CameraParamNames::triggerMode || name == CameraParamNames::frameRate)
         schedule();
-    if (name == u"framerate")
+    if (name == CameraParamNames::frameRate)
         Q_EMIT frameRateChanged(frameRate());
 }

@@ -5,9 +5,9 @@
 #include <QtCore/QObject>
 #include <QtCore/QTimer>
 
-/// A camera of the application: its back end, the handle that scripts know it by, and its frames as they arrive.
+/// A camera of the application: its back end, the handle by which scripts know it, and its frames as they arrive.
 ///
-/// One object for each camera, which stays the same over restarts. GUI thread only.
+/// The object stays the same when its camera is restarted. GUI thread only.
 class ViewerCamera : public QObject
 {
     Q_OBJECT
@@ -15,35 +15,34 @@ public:
     explicit ViewerCamera(std::unique_ptr<CameraBackend> backend);
     ~ViewerCamera() override;
 
-    /// Opens the camera with default settings and lists it among the opened ones under a new handle, before the camera
-    /// that stands at the given place (negative: at the end). False, with a log line, when it cannot be reached.
+    /// Opens the camera with default settings and adds it to the opened cameras under a new handle, at the given place
+    /// of the list (negative: at the end). Returns false and logs a line if the camera cannot be reached.
     bool open(int position = -1);
 
-    /// Ends the acquisition, takes the handle back and closes the camera.
+    /// Ends the acquisition, invalidates the handle and closes the camera.
     void close();
 
-    /// The handle, null while closed.
+    /// The handle; null while closed.
     void* handle() const { return m_handle; }
 
     /// Null while closed.
     CxCameraParameters* parameters() const { return m_backend->parameters().get(); }
 
-    /// Starts the acquisition; true when it runs.
+    /// Starts the acquisition. True if it is running afterwards.
     bool start();
     void stop();
     bool isRunning() const { return m_backend->isRunning(); }
 
-    /// True while frames arrive by themselves: the acquisition runs and waits for no trigger.
+    /// True while frames arrive by themselves: the acquisition is running and does not wait for triggers.
     bool isLive() const { return m_isLive; }
 
-    /// Frames per second as set.
+    /// The set number of frames per second; 0 while closed.
     double frameRate() const;
 
 Q_SIGNALS:
-    /// A frame has arrived.
     void frameArrived(std::shared_ptr<CxImageData> frame);
 
-    /// Frames began or ceased to arrive by themselves.
+    /// isLive() has changed.
     void liveChanged(bool live);
 
     void frameRateChanged(double framesPerSecond);

@@ -1,7 +1,6 @@
 // The registry of classes that are known by name at run time.
 
 #include "CxRTTI.h"
-#include "chain/ChainStages.h"
 
 #include <algorithm>
 #include <utility>
@@ -25,10 +24,7 @@ CxRTTI* CxRTTI::instance()
     return &registry;
 }
 
-CxRTTI::CxRTTI()
-{
-    registerChainStages(*this);
-}
+CxRTTI::CxRTTI() = default;
 
 QStringList CxRTTI::classesForInterface(const QString& interfaceName, bool creatableOnly) const
 {

@@ -5,12 +5,15 @@
 #include "CxImageFileSaver.h"
 #include "CxMdiView.h"
 #include "CxScriptLangInterface.h"
+#include "IxCameraDevice.h"
 
 CxScriptLangInterface::~CxScriptLangInterface() = default;
 
 CxImageFileLoader::~CxImageFileLoader() = default;
 
 CxImageFileSaver::~CxImageFileSaver() = default;
+
+IxCameraDevice::~IxCameraDevice() = default;
 
 CxMdiView::~CxMdiView() = default;
 

@@ -10,8 +10,7 @@ class CxCameraParameters;
 
 /// The cameras that the host has opened, one manager per process. Any thread.
 ///
-/// Cameras are known by opaque handles. A handle that the host has taken back, and the null handle, are answered like
-/// any unknown one.
+/// Cameras are identified by opaque handles. The null handle and the handle of a closed camera are unknown handles.
 class VANTREL_HOST_EXPORT CxCameraManager
 {
 public:
@@ -24,30 +23,30 @@ public:
     /// Number of opened cameras.
     int openedCameraCount() const;
 
-    /// The parameter store of a camera, or null for a handle that is not (or no longer) listed. To be asked for at
-    /// every use, since the camera may be closed in between.
+    /// The parameter store of a camera, or null for an unknown handle. Callers ask for it at every use, because the
+    /// camera may be closed in between.
     ///
-    /// A store that is listed with shared ownership stays alive, also when its camera is removed and its host lets it
-    /// go, until the calling thread calls this again (for any camera) or ends. Any thread may be the one that then
-    /// deletes it.
+    /// A store with shared ownership stays alive until the calling thread calls this function again (for any camera) or
+    /// ends, even if the camera is removed in the meantime. Any thread may delete the store then.
     CxCameraParameters* cameraParameters(void* camera) const;
 
-    /// A handle that was never given out before in this process, so that outdated ones stay outdated.
+    /// A handle that this process has not used before, so that outdated handles stay unknown.
     void* newHandle();
 
-    /// Lists a camera and shares the ownership of its store. For the host.
+    /// Adds a camera to the list and shares the ownership of its store. For the host.
     ///
-    /// camera      its handle, from newHandle() or of the host's own making.
-    /// parameters  its store. A host that deletes the device behind it calls CxCameraParameters::releaseDevice() first.
-    /// position    place in the list; the end when negative or beyond it.
+    /// camera      its handle, from newHandle() or chosen by the host.
+    /// parameters  its store. Before the host deletes the device, it calls CxCameraParameters::releaseDevice().
+    /// position    place in the list; at the end if negative or too large.
     void addCamera(void* camera, std::shared_ptr<CxCameraParameters> parameters, int position = -1);
 
-    /// The same for a store that stays the host's alone, or for null while the camera has none. Only for a host that
-    /// closes cameras on the thread that runs its scripts: such a store is not kept alive for anybody. The host removes
-    /// the camera before it deletes the store.
+    /// Adds a camera whose store the host alone owns, or null if the camera has no store. The manager does not keep
+    /// such a store alive, so this is only for hosts that close cameras on the thread that runs scripts. The host
+    /// removes the camera before it deletes the store.
     void addCamera(void* camera, CxCameraParameters* parameters, int position = -1);
 
-    /// Takes a camera off the list, and gives up the manager's share in its store; does nothing for an unknown one.
+    /// Removes a camera from the list and gives up the manager's share of its store. Does nothing for an unknown
+    /// handle.
     void removeCamera(void* camera);
 
 private:

@@ -42,15 +42,14 @@ public:
     /// A store without parameters.
     ///
     /// sensor  size in pixels; at first the region of interest is the whole sensor.
-    /// device  the camera behind the store, or null if there is no camera to write to. The device must outlive the
-    /// store,
-    ///         or its owner calls releaseDevice() before deleting the device.
+    /// device  the camera behind the store, or null if there is no camera to write to. The device must
+    ///         outlive the store, or its owner calls releaseDevice() before deleting the device.
     CxCameraParameters(const SxCameraInfo& info, const QSize& sensor, IxCameraDevice* device);
     ~CxCameraParameters() override;
 
-    /// The camera is closed and its device goes: from when this returns the store does not use the device any more. A
-    /// call of the device that is under way on another thread is waited for. What would go to the camera is refused
-    /// from now on (Refused, false); what is stored can still be read. Any thread, any number of times.
+    /// Detaches the store from its device, for a camera that is being closed. Waits for a call to the device on another
+    /// thread; after the return the store never uses the device again. Later writes to the camera fail (Refused,
+    /// false). Stored values can still be read. May be called on any thread and more than once.
     void releaseDevice();
 
     /// The camera's description.

@@ -13,13 +13,12 @@ class VANTREL_HOST_EXPORT CxChainManager
 public:
     static CxChainManager* instance();
 
-    /// Inserts an object into a chain, just before another object of the same chain; before null means at the end. True
-    /// on success. With null, with an object that is in a chain already, and with a viewObject of another chain nothing
-    /// changes but for a log line (false).
+    /// Inserts newObject into a chain, just before viewObject, or at the end if viewObject is null. Returns true on
+    /// success. Returns false, logs a line and changes nothing if chain or newObject is null, if newObject is already
+    /// in a chain, or if viewObject is not in this chain.
     ///
-    /// An object belongs to the chain that its chain() names, and to the caller while that is null. So after true the
-    /// chain owns newObject; after false, and after a throw, chain() tells. Deleting an object takes it out of its
-    /// chain.
+    /// After true the chain owns newObject. After false or an exception, look at newObject->chain(): that chain owns
+    /// the object, or the caller does if it is null. Deleting an object removes it from its chain.
     bool insertBefore(CxChain* chain, CxChainable* newObject, CxChainable* viewObject);
 
 private:

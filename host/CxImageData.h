@@ -10,9 +10,9 @@
 
 class QThread;
 
-/// An image of the host: a picture buffer that it owns, and perhaps the metadata of a camera frame.
+/// An image of the host: a picture buffer, which the image owns, and optionally the metadata of a camera frame.
 ///
-/// Not locked: one thread at a time.
+/// Not thread-safe: use an image on one thread at a time.
 class VANTREL_HOST_EXPORT CxImageData : public QObject
 {
     Q_OBJECT
@@ -23,31 +23,32 @@ public:
     /// Frees the picture buffer.
     ~CxImageData() override;
 
-    /// A new independent image with its own pixels and the same metadata, owned by the caller; null when memory runs
-    /// out. The copy gets the parent and lives in the given thread (null: the calling one).
+    /// An independent copy with its own pixels and the same metadata, owned by the caller. Null if there is not enough
+    /// memory. The copy gets the parent and lives in the given thread (null: the calling thread).
     virtual QObject* clone(QObject* parent, QThread* thread);
 
-    /// A new image copied from this one, owned by the caller; null when memory runs out. With infoOnly the copy has
+    /// A copy of this image, owned by the caller. Null if there is not enough memory. With infoOnly, the copy has
     /// geometry and metadata but no pixels.
     virtual QObject* copy(bool infoOnly);
 
-    /// The picture buffer, or null when the image has none. Stays owned by the image.
+    /// The picture buffer, or null if the image has none. Owned by the image.
     virtual SxPicBuf* picBuf();
 
-    /// Takes over the pixels of a buffer record, also when the call throws, and frees the ones held so far. The caller
-    /// keeps the record and must not free the pixels, whatever `data` says afterwards (this class sets it to null).
+    /// Takes over the pixels of a record, even if the call throws, and frees those held so far. The caller keeps the
+    /// record itself. The caller must not free the pixels even if `data` still points to them; this class sets `data`
+    /// to null.
     virtual void attachPicBuf(SxPicBuf* buffer);
 
-    /// The acquisition metadata, or null when the image has none. Stays owned by the image.
+    /// The acquisition metadata, or null if the image has none. Owned by the image.
     virtual SxImageMetadata* imageMetadata();
 
-    /// Copies the record into the image; null removes what is there.
+    /// Copies metadata into the image; null removes the metadata.
     virtual void setImageMetadata(SxImageMetadata* metadata);
 
-    /// Takes over the pixels of a record in the same way, also when the call throws, and leaves the record as it is.
+    /// Takes over the pixels like attachPicBuf(), even if the call throws, but leaves the record unchanged.
     void setPicBuf(const SxPicBuf& buffer);
 
-    /// Number of images that exist in the process at this moment. For tests and diagnostics; any thread.
+    /// Number of images that currently exist in the process. For tests and diagnostics. Any thread.
     static int liveCount();
 
 private:

@@ -2,10 +2,10 @@
 
 #include "CxPicBufAPI.h"
 
-/// The owner of a picture buffer: frees the pixels at its end, unless they were given away before.
+/// Owns a picture buffer and frees the pixels in its destructor, unless they were released.
 ///
-/// An operation of CxPicBufAPI may allocate or change `buffer` in place. Pixels are given to an image in this way, so
-/// that they have one owner at every moment, whatever throws:
+/// Operations of CxPicBufAPI may allocate or change `buffer` directly. To give the pixels to an image, create the image
+/// first, so that the pixels always have exactly one owner, whatever throws:
 ///
 ///     auto image = std::make_unique<CxImageData>();
 ///     image->setPicBuf(pixels.release());
@@ -36,14 +36,18 @@ public:
 
     ~OwnedPicBuf() { free(); }
 
-    /// Takes memory for a geometry, with a row length of the library's choice and without clearing it. Pixels held so
-    /// far are freed. False when there is no memory: `buffer.data` is then null.
+    /// Frees the pixels held so far and allocates memory for a geometry. The library chooses the line stride; the
+    /// memory is not cleared. False if there is not enough memory; `buffer.data` is then null.
     bool allocate(SxPicBufInfo info)
     {
         free();
         info.lineStride = 0;
         return CxPicBufAPI::AllocPicBufFromHeap(buffer, info, true, 0);
     }
+
+    /// Frees the pixels held so far and copies a buffer: its pixels, and its record except for the line stride. False
+    /// if the buffer has no pixels or there is not enough memory.
+    bool copyFrom(const SxPicBuf& pixels) { return allocate(pixels) && CxPicBufAPI::CopyPicBuf(buffer, pixels, true); }
 
     /// Frees the pixels and empties the record.
     void free()
@@ -53,7 +57,7 @@ public:
         buffer = SxPicBuf();
     }
 
-    /// Gives the pixels away with a copy of the record, which is empty afterwards.
+    /// Returns the record, whose pixels the caller then owns, and empties this object.
     [[nodiscard]] SxPicBuf release() noexcept
     {
         const SxPicBuf given = buffer;

@@ -51,8 +51,53 @@ struct VANTREL_HOST_EXPORT SxPicBufInfo {
     /// Size of one value of a type in bytes; 1 for None and for unknown types.
     static std::uint32_t bytesPerValue(ExImageDataType type);
 
+    /// True for Float and Double.
+    static constexpr bool isFloating(ExImageDataType type)
+    {
+        return type == ExImageDataType::Float || type == ExImageDataType::Double;
+    }
+
+    /// True for the signed integer types.
+    static constexpr bool isSigned(ExImageDataType type)
+    {
+        return type == ExImageDataType::Int8 || type == ExImageDataType::Int16 || type == ExImageDataType::Int32 ||
+               type == ExImageDataType::Int64;
+    }
+
+    /// True for the unsigned integer types. Packed colours are not integers.
+    static constexpr bool isUnsigned(ExImageDataType type)
+    {
+        return type == ExImageDataType::UInt8 || type == ExImageDataType::UInt16 || type == ExImageDataType::UInt32 ||
+               type == ExImageDataType::UInt64;
+    }
+
+    /// The smallest of UInt8, UInt16 and UInt32 that holds values of this many bits; UInt32 for more than 32.
+    static constexpr ExImageDataType unsignedTypeForBits(std::uint32_t bits)
+    {
+        return bits <= 8 ? ExImageDataType::UInt8 : bits <= 16 ? ExImageDataType::UInt16 : ExImageDataType::UInt32;
+    }
+
+    /// True if this many channels are colours where nothing else says so: three, or four with alpha.
+    static constexpr bool isColorChannelCount(std::uint32_t channels) { return channels == 3 || channels == 4; }
+
+    /// True if an array or a list of numbers in this form is a colour picture: three channels of UInt8 or UInt16.
+    static constexpr bool isColorArray(std::uint32_t channels, ExImageDataType type)
+    {
+        return channels == 3 && (type == ExImageDataType::UInt8 || type == ExImageDataType::UInt16);
+    }
+
     /// Size of one pixel with all its channels, in bytes.
     std::uint32_t bytesPerPixel() const;
+
+    /// Number of values in a row, all channels together.
+    std::size_t valuesPerRow() const { return std::size_t(width) * channels; }
+
+    /// Size of a row's pixels in bytes, without the padding.
+    std::size_t rowBytes() const { return std::size_t(bytesPerPixel()) * width; }
+
+    /// The value of full brightness. For integers: the largest value of bpc bits, or of the type if bpc is 0 or too
+    /// large. For floating types: the saturation, or 1 if it is 0. For other types: 1.
+    long double fullScale() const;
 };
 
 /// A picture buffer: geometry and pixel memory.

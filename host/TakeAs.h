@@ -4,10 +4,12 @@
 
 #include <memory>
 
-/// Takes over an object that a host function returns as a QObject and that should be a T. Returns null for null.
-/// Deletes an object of another class and returns null.
+/// Takes over an object that is known as a QObject only, such as the result of CxImageData::clone().
+///
+/// Returns the object as its class or interface T (what qobject_cast accepts, with a virtual destructor). Returns null
+/// if the object is null or not a T; it is then deleted.
 template<typename T>
-std::unique_ptr<T> takeAs(QObject* object)
+[[nodiscard]] std::unique_ptr<T> takeAs(QObject* object)
 {
     std::unique_ptr<QObject> owned(object);
     std::unique_ptr<T> result(qobject_cast<T*>(object));

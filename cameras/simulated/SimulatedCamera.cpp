@@ -1,5 +1,6 @@
 #include "SimulatedCamera.h"
 
+#include "CameraParamNames.h"
 #include "CxCameraParameters.h"
 #include "CxImageData.h"
 #include "OwnedPicBuf.h"
@@ -13,13 +14,7 @@ namespace {
 
 using std::chrono::microseconds;
 
-const QString exposureName = QStringLiteral("exposure");
-const QString gainName = QStringLiteral("gain");
-const QString blackLevelName = QStringLiteral("black_level");
-const QString frameRateName = QStringLiteral("framerate");
-const QString autoExposureName = QStringLiteral("auto_exposure");
-const QString triggerModeName = QStringLiteral("trigger_mode");
-const QString frameCountName = QStringLiteral("frame_count");
+namespace Names = CameraParamNames;
 
 constexpr int shortestExposure = 10;
 constexpr int longestExposure = 1000000;
@@ -41,16 +36,16 @@ std::shared_ptr<CxCameraParameters> defaultParameters(const SimulatedSensor& sen
     const auto integer = [](int value) { return CxValue::fromInt(value); };
     const auto floating = [](float value) { return CxValue::fromFloat(value); };
     auto store = std::make_shared<CxCameraParameters>(sensor.info, sensor.size, device);
-    addNumber(*store, exposureName,
+    addNumber(*store, Names::exposure,
               {integer(10000), integer(shortestExposure), integer(longestExposure), integer(exposureStep)});
-    addNumber(*store, gainName, {floating(0.0F), floating(0.0F), floating(24.0F), floating(0.1F)});
-    addNumber(*store, blackLevelName, {integer(0), integer(0), integer(255), integer(1)});
-    addNumber(*store, frameRateName, {floating(30.0F), floating(1.0F), floating(120.0F), floating(0.5F)});
-    store->addParam(autoExposureName, CxValue::fromBool(false));
-    store->addParam(triggerModeName, CxValue::fromString(QStringLiteral("off")))->choices = {
+    addNumber(*store, Names::gain, {floating(0.0F), floating(0.0F), floating(24.0F), floating(0.1F)});
+    addNumber(*store, Names::blackLevel, {integer(0), integer(0), integer(255), integer(1)});
+    addNumber(*store, Names::frameRate, {floating(30.0F), floating(1.0F), floating(120.0F), floating(0.5F)});
+    store->addParam(Names::autoExposure, CxValue::fromBool(false));
+    store->addParam(Names::triggerMode, CxValue::fromString(QStringLiteral("off")))->choices = {
         QStringLiteral("off"), QStringLiteral("software"), QStringLiteral("line0")};
-    store->addParam(frameCountName, CxValue::fromInt(0))->readOnly = true;
-    store->addParam(QStringLiteral("cooling"), CxValue::fromBool(false))->notSupported = true;
+    store->addParam(Names::frameCount, CxValue::fromInt(0))->readOnly = true;
+    store->addParam(Names::cooling, CxValue::fromBool(false))->notSupported = true;
     return store;
 }
 
@@ -60,8 +55,6 @@ CxValue valueOf(const CxCameraParameters& store, const QString& name)
 }
 
 } // namespace
-
-CameraBackend::~CameraBackend() = default;
 
 SimulatedCamera::SimulatedCamera(const SimulatedSensor& sensor, Clock clock)
     : m_sensor(sensor)
@@ -98,7 +91,7 @@ bool SimulatedCamera::start()
     m_framesSinceStart = 0;
     m_cameraTime = microseconds(0);
     m_lastDue = m_clock();
-    m_parameters->reportParam(frameCountName, CxValue::fromInt(0));
+    m_parameters->reportParam(Names::frameCount, CxValue::fromInt(0));
     return true;
 }
 
@@ -110,7 +103,7 @@ void SimulatedCamera::stop()
 std::optional<microseconds> SimulatedCamera::timeToNextFrame() const
 {
     // In the trigger modes no frame comes, since nothing triggers a simulated camera.
-    if (!m_running || valueOf(*m_parameters, triggerModeName).toString() != u"off")
+    if (!m_running || valueOf(*m_parameters, Names::triggerMode).toString() != u"off")
         return std::nullopt;
     return std::max(m_lastDue + period() - m_clock(), microseconds(0));
 }
@@ -143,7 +136,7 @@ std::unique_ptr<CxImageData> SimulatedCamera::nextFrame()
     metadata.gainDb = now.gainDb;
     frame->setPicBuf(pixels.release());
     frame->setImageMetadata(&metadata);
-    m_parameters->reportParam(frameCountName, CxValue::fromInt(m_framesSinceStart));
+    m_parameters->reportParam(Names::frameCount, CxValue::fromInt(m_framesSinceStart));
     return frame;
 }
 
@@ -154,9 +147,9 @@ bool SimulatedCamera::writeParam(const QString& /*name*/, const CxValue& /*value
 
 bool SimulatedCamera::readParam(const QString& name, CxValue& value)
 {
-    if (name == u"sensor_temperature")
+    if (name == Names::sensorTemperature)
         value = CxValue::fromFloat(35.5F);
-    else if (name == u"link_speed")
+    else if (name == Names::linkSpeed)
         value = CxValue::fromInt(5000);
     else
         return false;
@@ -175,28 +168,28 @@ microseconds SimulatedCamera::steadyClock()
 
 microseconds SimulatedCamera::period() const
 {
-    return microseconds(std::lround(1e6F / valueOf(*m_parameters, frameRateName).toFloat()));
+    return microseconds(std::lround(1e6F / valueOf(*m_parameters, Names::frameRate).toFloat()));
 }
 
 void SimulatedCamera::adjustExposure()
 {
-    if (!valueOf(*m_parameters, autoExposureName).toBool())
+    if (!valueOf(*m_parameters, Names::autoExposure).toBool())
         return;
     if (!m_scene)
         m_scene = std::make_unique<SimulatedScene>(m_sensor);
-    const double wanted = m_scene->exposureForHalfScale(valueOf(*m_parameters, gainName).toFloat());
+    const double wanted = m_scene->exposureForHalfScale(valueOf(*m_parameters, Names::gain).toFloat());
     const int rounded = int(std::lround(std::min(wanted, double(longestExposure)) / exposureStep)) * exposureStep;
     const CxValue exposure = CxValue::fromInt(std::max(rounded, shortestExposure));
-    if (!(valueOf(*m_parameters, exposureName) == exposure))
-        m_parameters->reportParam(exposureName, exposure);
+    if (!(valueOf(*m_parameters, Names::exposure) == exposure))
+        m_parameters->reportParam(Names::exposure, exposure);
 }
 
 SimulatedScene::Settings SimulatedCamera::settings() const
 {
     SimulatedScene::Settings now;
-    now.exposureUs = valueOf(*m_parameters, exposureName).toInt();
-    now.gainDb = valueOf(*m_parameters, gainName).toFloat();
-    now.blackLevel = valueOf(*m_parameters, blackLevelName).toInt();
+    now.exposureUs = valueOf(*m_parameters, Names::exposure).toInt();
+    now.gainDb = valueOf(*m_parameters, Names::gain).toFloat();
+    now.blackLevel = valueOf(*m_parameters, Names::blackLevel).toInt();
     now.region = m_parameters->currentROIRectParams().constFirst();
     return now;
 }
@@ -211,7 +204,7 @@ SxPicBufInfo SimulatedCamera::frameInfo(const SimulatedScene::Settings& settings
     info.blackLevel = std::uint32_t(settings.blackLevel);
     info.dataType = m_sensor.dataType;
     info.storageFormat = ExDataStorageFormat::Interleaved;
-    info.isColor = m_sensor.channels > 1;
-    info.saturation = m_sensor.dataType == ExImageDataType::Float ? m_sensor.fullScale : 0.0F;
+    info.isColor = SxPicBufInfo::isColorChannelCount(m_sensor.channels);
+    info.saturation = SxPicBufInfo::isFloating(m_sensor.dataType) ? m_sensor.fullScale : 0.0F;
     return info;
 }

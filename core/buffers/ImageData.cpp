@@ -1,6 +1,7 @@
 #include "CxImageData.h"
 
 #include "OwnedPicBuf.h"
+#include "TakeAs.h"
 
 #include <QtCore/QThread>
 
@@ -28,14 +29,14 @@ int CxImageData::liveCount()
 
 QObject* CxImageData::clone(QObject* parent, QThread* thread)
 {
-    auto* image = qobject_cast<CxImageData*>(copy(false));
+    std::unique_ptr<CxImageData> image = takeAs<CxImageData>(copy(false));
     if (!image)
         return nullptr;
     if (thread)
         image->moveToThread(thread);
     if (parent)
         image->setParent(parent);
-    return image;
+    return image.release();
 }
 
 QObject* CxImageData::copy(bool infoOnly)
@@ -52,7 +53,7 @@ QObject* CxImageData::copy(bool infoOnly)
     }
     OwnedPicBuf pixels;
     // Clear the memory if rows have padding: padding is not copied and must not show what was in the memory before.
-    const bool isDense = std::size_t(m_buffer.bytesPerPixel()) * m_buffer.width == m_buffer.lineStride;
+    const bool isDense = m_buffer.rowBytes() == m_buffer.lineStride;
     if (!CxPicBufAPI::AllocPicBufFromHeap(pixels.buffer, m_buffer, isDense, 0))
         return nullptr;
     CxPicBufAPI::CopyPicBuf(pixels.buffer, m_buffer, true);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "SxPicBuf.h"
+
 #include <array>
 #include <cstdint>
 
@@ -18,8 +20,8 @@ struct Packed565 {
         return {std::uint8_t(word & 31U), std::uint8_t((word >> 5U) & 63U), std::uint8_t(word >> 11U)};
     }
 
-    /// The components as 8-bit values, blue first: full scale becomes 255, rounded to the nearest, as every conversion
-    /// of depth in this library does it. The one meaning of such a colour in 8 bits; fromBytes() undoes it exactly.
+    /// The components as 8-bit values, blue first: full scale becomes 255, rounded to the nearest, as in every
+    /// conversion of depth in this library. fromBytes() undoes this exactly.
     std::array<std::uint8_t, 3> bytes() const
     {
         const auto widened = [](unsigned value, unsigned maximum) {
@@ -28,7 +30,7 @@ struct Packed565 {
         return {widened(blue, maxBlue), widened(green, maxGreen), widened(red, maxRed)};
     }
 
-    /// The colour that comes nearest to 8-bit values, of which the first is blue.
+    /// The colour nearest to three 8-bit values, blue first.
     static Packed565 fromBytes(const std::uint8_t* bytes)
     {
         const auto narrowed = [](unsigned value, unsigned maximum) {
@@ -39,3 +41,10 @@ struct Packed565 {
 
     std::uint16_t pack() const { return std::uint16_t(blue | unsigned(green) << 5U | unsigned(red) << 11U); }
 };
+
+/// Stores the components of packed colours as values of a UInt8 buffer of equal size with three channels, blue first.
+/// The values keep their ranges of 5 and 6 bits.
+void unpackComponents(const SxPicBuf& packed, SxPicBuf& components);
+
+/// Undoes unpackComponents().
+void packComponents(const SxPicBuf& components, SxPicBuf& packed);

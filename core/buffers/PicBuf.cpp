@@ -1,30 +1,37 @@
 #include "SxPicBuf.h"
 
+#include "PixelTypes.h"
 #include "zuCore.h"
+
+#include <cmath>
+#include <limits>
 
 std::uint32_t SxPicBufInfo::bytesPerValue(ExImageDataType type)
 {
-    switch (type) {
-    case ExImageDataType::Int16:
-    case ExImageDataType::UInt16:
-    case ExImageDataType::Packed565:
-        return 2;
-    case ExImageDataType::Int32:
-    case ExImageDataType::UInt32:
-    case ExImageDataType::Float:
-        return 4;
-    case ExImageDataType::Int64:
-    case ExImageDataType::UInt64:
-    case ExImageDataType::Double:
-        return 8;
-    default:
-        return 1;
-    }
+    std::uint32_t bytes = type == ExImageDataType::Packed565 ? 2 : 1;
+    visitNumberType(type, [&bytes]<typename T>(std::type_identity<T>) { bytes = sizeof(T); });
+    return bytes;
 }
 
 std::uint32_t SxPicBufInfo::bytesPerPixel() const
 {
     return channels * bytesPerValue(dataType);
+}
+
+long double SxPicBufInfo::fullScale() const
+{
+    long double full = 1;
+    visitNumberType(dataType, [this, &full]<typename T>(std::type_identity<T>) {
+        if constexpr (std::is_floating_point_v<T>) {
+            if (saturation > 0)
+                full = static_cast<long double>(saturation);
+        } else {
+            full = static_cast<long double>(std::numeric_limits<T>::max());
+            if (bpc > 0 && bpc < std::uint32_t(std::numeric_limits<T>::digits))
+                full = std::ldexp(1.0L, int(bpc)) - 1;
+        }
+    });
+    return full;
 }
 
 std::size_t SxPicBuf::dataSize() const
@@ -64,16 +71,7 @@ int zuCore_GetZuCfaFromColorFilterArray(ExColorFilterArray array)
 
 int zuCore_GetZuDataSmFromDataType(ExImageDataType dataType)
 {
-    switch (dataType) {
-    case ExImageDataType::Int8:
-    case ExImageDataType::Int16:
-    case ExImageDataType::Int32:
-    case ExImageDataType::Int64:
-        return 1;
-    case ExImageDataType::Float:
-    case ExImageDataType::Double:
+    if (SxPicBufInfo::isFloating(dataType))
         return 2;
-    default:
-        return 0;
-    }
+    return SxPicBufInfo::isSigned(dataType) ? 1 : 0;
 }

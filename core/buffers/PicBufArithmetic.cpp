@@ -66,7 +66,7 @@ template<typename T>
 T highestOf(const SxPicBufInfo& info)
 {
     if constexpr (std::is_unsigned_v<T>)
-        return static_cast<T>(fullScale(info));
+        return static_cast<T>(info.fullScale());
     else
         return std::numeric_limits<T>::max();
 }
@@ -101,7 +101,7 @@ bool combine(const char* name, SxPicBuf& dst, const SxPicBuf& src)
     if (!hasPixels(dst) || !hasPixels(src) || !sameKind(dst, src))
         return refuse(name, "a buffer has no pixels, or the buffers differ in channels or type");
     const std::uint32_t height = std::min(dst.height, src.height);
-    const std::size_t count = std::min(valuesPerRow(dst), valuesPerRow(src));
+    const std::size_t count = std::min(dst.valuesPerRow(), src.valuesPerRow());
     if (dst.dataType == ExImageDataType::Packed565) {
         for (std::uint32_t y = 0; y < height; ++y)
             combinePackedRow<Operation>(dst.row(y), src.row(y), count);
@@ -189,7 +189,7 @@ bool CxPicBufAPI::DivideByValue(SxPicBuf& buffer, int divisor)
     }
     const bool known = visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
         for (std::uint32_t y = 0; y < buffer.height; ++y)
-            divideRow<T>(buffer.row(y), valuesPerRow(buffer), divisor);
+            divideRow<T>(buffer.row(y), buffer.valuesPerRow(), divisor);
     });
     return known || refuse("DivideByValue", "the type is unknown");
 }

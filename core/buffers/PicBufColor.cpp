@@ -1,4 +1,4 @@
-// Colours and their channels.
+// Conversion to colour, and operations on single channels.
 
 #include "CxPicBufAPI.h"
 
@@ -17,8 +17,8 @@
 
 namespace {
 
-/// Calls visit with the std::type_identity of an integer as large as the values of a type, for work that only moves
-/// values.
+/// Calls visit with the std::type_identity of an unsigned integer of the same size as the type. For moving values,
+/// which does not change their bits.
 template<typename Visitor>
 void visitValueSize(ExImageDataType type, Visitor&& visit)
 {
@@ -39,7 +39,7 @@ void swapFirstAndThird(SxPicBuf& buffer)
 {
     for (std::uint32_t y = 0; y < buffer.height; ++y) {
         std::uint8_t* row = buffer.row(y);
-        for (std::size_t i = 0; i < valuesPerRow(buffer); i += buffer.channels) {
+        for (std::size_t i = 0; i < buffer.valuesPerRow(); i += buffer.channels) {
             const T first = loadValue<T>(row, i);
             storeValue(row, i, loadValue<T>(row, i + 2));
             storeValue(row, i + 2, first);
@@ -47,8 +47,8 @@ void swapFirstAndThird(SxPicBuf& buffer)
     }
 }
 
-/// Copies as many channels as dst has, from a given one on. Slower than OpenCV, but for any number of channels and for
-/// rows at any address.
+/// Copies dst.channels channels, beginning with the channel `first`. Slower than OpenCV, but works with any number of
+/// channels and with rows at any address.
 void copyChannels(const SxPicBuf& src, std::size_t first, SxPicBuf& dst)
 {
     visitValueSize(src.dataType, [&]<typename T>(std::type_identity<T>) {
@@ -75,10 +75,11 @@ void unpackToRgb(const SxPicBuf& src, SxPicBuf& dst)
     }
 }
 
-/// The channels that count for a colour: one of grey, three of colour, or four with alpha.
+/// The channels that are shown: one for grey, three for colour, or four for colour with alpha. `copied` owns the memory
+/// if other channels had to be left out.
 SxPicBuf visibleChannels(const SxPicBuf& src, OwnedPicBuf& copied)
 {
-    if (src.channels == 1 || src.channels == 3 || src.channels == 4)
+    if (src.channels == 1 || SxPicBufInfo::isColorChannelCount(src.channels))
         return src;
     SxPicBufInfo info = src;
     info.channels = src.channels == 2 ? 1 : 3;
@@ -104,7 +105,8 @@ void toColour(const cv::Mat& pixels, cv::Mat& colour)
     }
 }
 
-/// Values of any number type as 8 bits, full scale to 255. Bytes of full depth are taken as they stand.
+/// The values as 8-bit values; full scale becomes 255. Returns src itself if it already holds 8-bit values of full
+/// depth, otherwise a copy that `converted` owns.
 SxPicBuf asBytes(const SxPicBuf& src, OwnedPicBuf& converted)
 {
     if (src.dataType == ExImageDataType::UInt8 && (src.bpc == 0 || src.bpc >= 8))
@@ -122,14 +124,14 @@ SxPicBuf asBytes(const SxPicBuf& src, OwnedPicBuf& converted)
 
 bool CxPicBufAPI::SwapRedAndBlue(SxPicBuf& buffer)
 {
-    if (!hasPixels(buffer) || (buffer.channels != 3 && buffer.channels != 4) ||
+    if (!hasPixels(buffer) || !SxPicBufInfo::isColorChannelCount(buffer.channels) ||
         buffer.dataType == ExImageDataType::Packed565)
         return refuse("SwapRedAndBlue", "the buffer has no red and blue channels");
     const std::size_t bytes = SxPicBufInfo::bytesPerValue(buffer.dataType);
     const std::optional<cv::Mat> pixels =
         bytes == 8 ? std::nullopt : wrapMat(buffer, bytes == 4 ? CV_32F : moveDepth(buffer.dataType));
     if (pixels) {
-        cv::Mat swapped = *pixels; // a header of its own: OpenCV copies first when it is given one for both
+        cv::Mat swapped = *pixels; // a second header: with the same one for both, OpenCV would copy the pixels first
         cv::cvtColor(*pixels, swapped, buffer.channels == 3 ? cv::COLOR_BGR2RGB : cv::COLOR_BGRA2RGBA);
     } else {
         visitValueSize(buffer.dataType, [&]<typename T>(std::type_identity<T>) { swapFirstAndThird<T>(buffer); });
@@ -141,7 +143,7 @@ bool CxPicBufAPI::ConvertPicToRGB(const SxPicBuf& src, SxPicBuf& dst)
 {
     if (!hasPixels(src) || !hasPixels(dst) || !sameSize(src, dst))
         return refuse("ConvertPicToRGB", "the buffers differ in size");
-    if (dst.dataType != ExImageDataType::UInt8 || (dst.channels != 3 && dst.channels != 4))
+    if (dst.dataType != ExImageDataType::UInt8 || !SxPicBufInfo::isColorChannelCount(dst.channels))
         return refuse("ConvertPicToRGB", "the destination is not 8-bit colour");
     if (overlap(src, dst))
         return refuse("ConvertPicToRGB", "source and destination share memory");

@@ -69,7 +69,7 @@ D sameValue(S value)
 template<typename D, typename S>
 void keepValues(const SxPicBuf& src, SxPicBuf& dst)
 {
-    const std::size_t count = valuesPerRow(src);
+    const std::size_t count = src.valuesPerRow();
     for (std::uint32_t y = 0; y < src.height; ++y) {
         const std::uint8_t* in = src.row(y);
         std::uint8_t* out = dst.row(y);
@@ -112,13 +112,13 @@ template<typename D, typename S>
 void scaleValues(const SxPicBuf& src, SxPicBuf& dst)
 {
     using W = Wide<S, D>;
-    const auto highest = static_cast<W>(fullScale(dst));
-    const auto factor = static_cast<W>(fullScale(dst) / fullScale(src));
-    const std::size_t count = valuesPerRow(src);
+    const auto highest = static_cast<W>(dst.fullScale());
+    const auto factor = static_cast<W>(dst.fullScale() / src.fullScale());
+    const std::size_t count = src.valuesPerRow();
     for (std::uint32_t y = 0; y < src.height; ++y) {
         if constexpr (std::is_unsigned_v<S> && std::is_unsigned_v<D> && sizeof(S) <= 2 && sizeof(D) <= 2) {
             if (factor <= 1) {
-                scaleDown<D, S>(src.row(y), dst.row(y), count, bitsOf(fullScale(src)), std::uint32_t(highest));
+                scaleDown<D, S>(src.row(y), dst.row(y), count, bitsOf(src.fullScale()), std::uint32_t(highest));
                 continue;
             }
         }

@@ -1,4 +1,4 @@
-// What the stored values tell: bits in use, largest value, sign.
+// Properties of the stored values: bits in use, largest value, sign.
 
 #include "CxPicBufAPI.h"
 
@@ -28,7 +28,7 @@ bool usesAllBits(Unsigned bits)
     return bits >> (sizeof(bits) * 8 - 1) != 0;
 }
 
-/// All magnitudes or-ed together: the highest bit set in any of them is the highest of the result.
+/// The bitwise or of all magnitudes. Its highest bit is the highest bit of any of them.
 template<typename T>
 [[gnu::always_inline]] inline std::make_unsigned_t<T> orOfMagnitudes(const std::uint8_t* values, std::size_t count)
 {
@@ -38,7 +38,7 @@ template<typename T>
     return bits;
 }
 
-/// The same, up to the block of values in which the highest bit of the type appears: the others cannot change it.
+/// The same, but stops after the block in which the highest bit of the type appears. The other values cannot raise it.
 template<typename T>
 std::make_unsigned_t<T> bitsOfValues(const std::uint8_t* values, std::size_t count)
 {
@@ -58,12 +58,12 @@ template<typename T>
 bool hasNegative(const std::uint8_t* row, std::size_t count)
 {
     if constexpr (std::is_floating_point_v<T>) {
-        int found = 0; // no early end, so that the loop runs in vectors
+        int found = 0; // no early exit, so that the loop vectorises
         for (std::size_t i = 0; i < count; ++i)
             found |= int(loadValue<T>(row, i) < 0);
         return found != 0;
     } else {
-        T bits = 0; // the sign bit is set when it is in any value
+        T bits = 0; // has the sign bit if any value has it
         for (std::size_t i = 0; i < count; ++i)
             bits |= loadValue<T>(row, i);
         return bits < 0;
@@ -77,7 +77,7 @@ std::uint64_t maxOfRow(const std::uint8_t* row, std::size_t count)
         T largest = 0;
         for (std::size_t i = 0; i < count; ++i) {
             const T value = std::fabs(loadValue<T>(row, i));
-            largest = value > largest ? value : largest; // in this order a not-a-number never wins
+            largest = value > largest ? value : largest; // this order ignores NaN
         }
         constexpr T tooLarge = T(18446744073709551616.0); // 2 to the power 64
         return largest >= tooLarge ? std::numeric_limits<std::uint64_t>::max() : static_cast<std::uint64_t>(largest);
@@ -89,16 +89,16 @@ std::uint64_t maxOfRow(const std::uint8_t* row, std::size_t count)
     }
 }
 
-/// The magnitudes of all integer values or-ed together, at least as far as the highest bit tells; nothing for other
-/// types.
+/// A value whose highest bit is the highest bit of any magnitude in the rows read. Nothing for types other than
+/// integers. rowStep is 1 for every row, 4 for every fourth row.
 std::optional<std::uint64_t> bitsInUse(const SxPicBuf& buffer, std::uint32_t rowStep)
 {
     std::optional<std::uint64_t> result;
     visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
         if constexpr (std::is_integral_v<T>) {
-            const std::size_t values = valuesPerRow(buffer);
+            const std::size_t values = buffer.valuesPerRow();
             const bool gapless = rowStep == 1 && buffer.lineStride == values * sizeof(T);
-            const std::uint64_t step = gapless ? buffer.height : rowStep; // then all rows are one
+            const std::uint64_t step = gapless ? buffer.height : rowStep; // without gaps all rows are one run
             std::make_unsigned_t<T> bits = 0;
             for (std::uint64_t y = 0; y < buffer.height && !usesAllBits(bits); y += step)
                 bits |= bitsOfValues<T>(buffer.row(std::uint32_t(y)), gapless ? values * buffer.height : values);
@@ -118,7 +118,7 @@ bool CxPicBufAPI::DetectNegativePixelValue(const SxPicBuf& buffer)
     visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
         if constexpr (std::is_signed_v<T>)
             for (std::uint32_t y = 0; y < buffer.height && !found; ++y)
-                found = hasNegative<T>(buffer.row(y), valuesPerRow(buffer));
+                found = hasNegative<T>(buffer.row(y), buffer.valuesPerRow());
     });
     return found;
 }
@@ -142,7 +142,7 @@ std::uint64_t CxPicBufAPI::DetectMaxAbsValue(const SxPicBuf& buffer)
     const auto type = buffer.dataType == ExImageDataType::Packed565 ? ExImageDataType::UInt16 : buffer.dataType;
     visitNumberType(type, [&]<typename T>(std::type_identity<T>) {
         for (std::uint32_t y = 0; y < buffer.height; ++y)
-            largest = std::max(largest, maxOfRow<T>(buffer.row(y), valuesPerRow(buffer)));
+            largest = std::max(largest, maxOfRow<T>(buffer.row(y), buffer.valuesPerRow()));
     });
     return largest;
 }

@@ -22,7 +22,7 @@ namespace {
 /// Copies rows of equal length. The order of the rows allows the buffers to overlap.
 void moveRows(const SxPicBuf& src, SxPicBuf& dst)
 {
-    const std::size_t bytes = rowBytes(src);
+    const std::size_t bytes = src.rowBytes();
     const bool lastFirst = reinterpret_cast<std::uintptr_t>(dst.data) > reinterpret_cast<std::uintptr_t>(src.data);
     for (std::uint32_t i = 0; i < src.height; ++i) {
         const std::uint32_t y = lastFirst ? src.height - 1 - i : i;
@@ -68,36 +68,6 @@ SxPicBufInfo scalingInfo(const SxPicBufInfo& info)
     result.channels = info.dataType == ExImageDataType::Packed565 ? 3 : info.channels;
     result.bpc = 0;
     return result;
-}
-
-void unpackComponents(const SxPicBuf& src, SxPicBuf& dst)
-{
-    for (std::uint32_t y = 0; y < src.height; ++y) {
-        std::uint8_t* out = dst.row(y);
-        for (std::size_t x = 0; x < src.width; ++x, out += 3) {
-            const Packed565 colour = Packed565::unpack(loadValue<std::uint16_t>(src.row(y), x));
-            out[0] = colour.blue;
-            out[1] = colour.green;
-            out[2] = colour.red;
-        }
-    }
-}
-
-void packComponents(const SxPicBuf& src, SxPicBuf& dst)
-{
-    for (std::uint32_t y = 0; y < src.height; ++y) {
-        const std::uint8_t* in = src.row(y);
-        for (std::size_t x = 0; x < src.width; ++x, in += 3)
-            storeValue(dst.row(y), x, Packed565{in[0], in[1], in[2]}.pack());
-    }
-}
-
-SxPicBuf copied(const SxPicBuf& src, OwnedPicBuf& copy)
-{
-    if (!copy.allocate(src))
-        throw std::bad_alloc();
-    CxPicBufAPI::CopyPicBuf(copy.buffer, src, false);
-    return copy.buffer;
 }
 
 /// Converts to another type, scales, and converts back.
@@ -169,7 +139,9 @@ bool CxPicBufAPI::ResizeRect(const SxPicBuf& src, unsigned x, unsigned y, unsign
         return refuse("ResizeRect", "the type is unknown");
     try {
         OwnedPicBuf copy;
-        const SxPicBuf source = overlap(from, to) ? copied(from, copy) : from;
+        if (overlap(from, to) && !copy.copyFrom(from))
+            throw std::bad_alloc();
+        const SxPicBuf source = copy.buffer.data ? copy.buffer : from;
         if (scaleWidePixels(source, to))
             return true;
         if (scalingType(from.dataType) == from.dataType)

@@ -1,64 +1,50 @@
 #include "PicBufMat.h"
 
 #include "CxPicBufAPI.h"
+#include "PicBufChecks.h"
 
 #include <opencv2/core.hpp>
 
+#include <array>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace {
 
-bool fitsMat(const SxPicBuf& buffer)
+/// The OpenCV depths, each with the type of its values.
+constexpr std::array<std::pair<ExImageDataType, int>, 7> depths = {{
+    {ExImageDataType::Int8, CV_8S},
+    {ExImageDataType::UInt8, CV_8U},
+    {ExImageDataType::Int16, CV_16S},
+    {ExImageDataType::UInt16, CV_16U},
+    {ExImageDataType::Int32, CV_32S},
+    {ExImageDataType::Float, CV_32F},
+    {ExImageDataType::Double, CV_64F},
+}};
+
+bool fitsMat(const SxPicBufInfo& info)
 {
     constexpr std::uint32_t maxSide = std::uint32_t(std::numeric_limits<int>::max());
-    return buffer.width <= maxSide && buffer.height <= maxSide && buffer.channels <= CV_CN_MAX;
+    return info.width <= maxSide && info.height <= maxSide && info.channels <= CV_CN_MAX;
 }
 
 } // namespace
 
 int matDepth(ExImageDataType type)
 {
-    switch (type) {
-    case ExImageDataType::Int8:
-        return CV_8S;
-    case ExImageDataType::UInt8:
-        return CV_8U;
-    case ExImageDataType::Int16:
-        return CV_16S;
-    case ExImageDataType::UInt16:
-        return CV_16U;
-    case ExImageDataType::Int32:
-        return CV_32S;
-    case ExImageDataType::Float:
-        return CV_32F;
-    case ExImageDataType::Double:
-        return CV_64F;
-    default:
-        return -1;
-    }
+    for (const auto& [valueType, depth] : depths)
+        if (valueType == type)
+            return depth;
+    return -1;
 }
 
 ExImageDataType dataTypeOfDepth(int depth)
 {
-    switch (depth) {
-    case CV_8S:
-        return ExImageDataType::Int8;
-    case CV_8U:
-        return ExImageDataType::UInt8;
-    case CV_16S:
-        return ExImageDataType::Int16;
-    case CV_16U:
-        return ExImageDataType::UInt16;
-    case CV_32S:
-        return ExImageDataType::Int32;
-    case CV_32F:
-        return ExImageDataType::Float;
-    case CV_64F:
-        return ExImageDataType::Double;
-    default:
-        return ExImageDataType::None;
-    }
+    for (const auto& [type, valueDepth] : depths)
+        if (valueDepth == depth)
+            return type;
+    return ExImageDataType::None;
 }
 
 int moveDepth(ExImageDataType type)
@@ -77,10 +63,7 @@ int moveDepth(ExImageDataType type)
 
 std::optional<cv::Mat> wrapMat(const SxPicBuf& buffer, int depth)
 {
-    const std::size_t valueBytes = SxPicBufInfo::bytesPerValue(buffer.dataType);
-    const bool aligned =
-        reinterpret_cast<std::uintptr_t>(buffer.data) % valueBytes == 0 && buffer.lineStride % valueBytes == 0;
-    if (!aligned || !fitsMat(buffer))
+    if (!isAligned(buffer) || !fitsMat(buffer))
         return std::nullopt;
     return cv::Mat(int(buffer.height), int(buffer.width), CV_MAKETYPE(depth, int(buffer.channels)), buffer.data,
                    buffer.lineStride);
@@ -93,17 +76,15 @@ cv::Mat readMat(const SxPicBuf& buffer, int depth)
     if (!fitsMat(buffer))
         CV_Error(cv::Error::StsOutOfRange, "the image is too large");
     cv::Mat copy(int(buffer.height), int(buffer.width), CV_MAKETYPE(depth, int(buffer.channels)));
-    const std::size_t rowBytes = std::size_t(buffer.bytesPerPixel()) * buffer.width;
     for (std::uint32_t y = 0; y < buffer.height; ++y)
-        std::memcpy(copy.ptr(int(y)), buffer.row(y), rowBytes);
+        std::memcpy(copy.ptr(int(y)), buffer.row(y), buffer.rowBytes());
     return copy;
 }
 
 void storeMat(const cv::Mat& mat, SxPicBuf& buffer)
 {
-    const std::size_t rowBytes = std::size_t(buffer.bytesPerPixel()) * buffer.width;
     for (std::uint32_t y = 0; y < buffer.height; ++y)
-        std::memcpy(buffer.row(y), mat.ptr(int(y)), rowBytes);
+        std::memcpy(buffer.row(y), mat.ptr(int(y)), buffer.rowBytes());
 }
 
 SxPicBuf picBufFromMat(const cv::Mat& mat)
@@ -115,7 +96,7 @@ SxPicBuf picBufFromMat(const cv::Mat& mat)
     info.dataType = dataTypeOfDepth(mat.depth());
     info.bpc = SxPicBufInfo::bytesPerValue(info.dataType) * 8;
     info.storageFormat = ExDataStorageFormat::Interleaved;
-    info.isColor = info.channels == 3 || info.channels == 4;
+    info.isColor = SxPicBufInfo::isColorChannelCount(info.channels);
     SxPicBuf buffer;
     if (CxPicBufAPI::AllocPicBufFromHeap(buffer, info, true, 0))
         storeMat(mat, buffer);

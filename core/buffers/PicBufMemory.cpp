@@ -120,7 +120,7 @@ bool CxPicBufAPI::CopyPicBuf(SxPicBuf& dst, const SxPicBuf& src, bool withInfo)
 {
     if (!hasPixels(dst) || !hasPixels(src) || !sameSize(dst, src) || !sameKind(dst, src))
         return refuse("CopyPicBuf", "a buffer has no pixels, or the buffers differ in size, channels or type");
-    const std::size_t bytes = rowBytes(src);
+    const std::size_t bytes = src.rowBytes();
     if (dst.data != src.data) {
         if (dst.lineStride == bytes && src.lineStride == bytes)
             std::memcpy(dst.data, src.data, src.dataSize());

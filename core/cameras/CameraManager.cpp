@@ -32,7 +32,7 @@ namespace {
 
 thread_local bool threadIsEnding = false;
 
-/// The store that the thread asked for last.
+/// Keeps the store alive that the thread asked for last.
 struct Lease {
     ~Lease() { threadIsEnding = true; }
     std::shared_ptr<CxCameraParameters> store;
@@ -73,7 +73,7 @@ CxCameraParameters* CxCameraManager::cameraParameters(void* camera) const
 {
     std::shared_ptr<CxCameraParameters> store = camera ? d->find(camera) : nullptr;
     CxCameraParameters* found = store.get();
-    // What runs at the very end of a thread finds no lease any more to put the store into.
+    // Code that runs after the thread's lease is destroyed must not use it.
     if (!threadIsEnding) {
         thread_local Lease lease;
         lease.store.swap(store);
@@ -83,7 +83,7 @@ CxCameraParameters* CxCameraManager::cameraParameters(void* camera) const
 
 void* CxCameraManager::newHandle()
 {
-    // A number and no address: memory is used again, and an outdated handle would then name another camera.
+    // Handles are numbers, not addresses: memory is reused, and an outdated handle would then name another camera.
     const QMutexLocker lock(&d->mutex);
     return reinterpret_cast<void*>(++d->lastHandle);
 }
@@ -97,13 +97,13 @@ void CxCameraManager::addCamera(void* camera, std::shared_ptr<CxCameraParameters
 
 void CxCameraManager::addCamera(void* camera, CxCameraParameters* parameters, int position)
 {
-    // Points to the store and owns nothing.
+    // Points to the store without owning it.
     addCamera(camera, std::shared_ptr<CxCameraParameters>(std::shared_ptr<void>(), parameters), position);
 }
 
 void CxCameraManager::removeCamera(void* camera)
 {
-    Private::Entry removed; // goes after the lock: a store tells its listeners when it is deleted
+    Private::Entry removed; // destroyed after the lock: a store notifies its listeners when it is deleted
     const QMutexLocker lock(&d->mutex);
     for (qsizetype i = 0; i < d->entries.size(); ++i) {
         if (d->entries[i].camera == camera) {

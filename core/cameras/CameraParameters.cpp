@@ -2,6 +2,7 @@
 
 #include "CxCameraParameters.h"
 
+#include "CameraParamNames.h"
 #include "CameraSettingsFile.h"
 #include "IxCameraDevice.h"
 
@@ -10,7 +11,6 @@
 #include <QtCore/QRecursiveMutex>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -18,10 +18,10 @@
 struct CxCameraParameters::Private {
     SxCameraInfo info;
     QSize sensor;
-    IxCameraDevice* device = nullptr; // guarded by the mutex, as is the next one
-    bool deviceIsReleased = false;
+    IxCameraDevice* device = nullptr; // guarded by the mutex
+    bool deviceIsReleased = false;    // guarded by the mutex
     std::vector<std::unique_ptr<CxCameraParam>> params;
-    // Held while the device is talked to; recursive, since a device reports values back from within a write.
+    // Held during calls to the device. Recursive, because a device may report values back from within a write.
     mutable QRecursiveMutex mutex;
     QRect region;
 
@@ -30,15 +30,7 @@ struct CxCameraParameters::Private {
 
 namespace {
 
-bool isDescription(const QString& name)
-{
-    static const std::array<QString, 6> keys = {QStringLiteral("device_name"),     QStringLiteral("device_type"),
-                                                QStringLiteral("device_model_id"), QStringLiteral("device_sn"),
-                                                QStringLiteral("device_user_id"),  QStringLiteral("device_inst_path")};
-    return std::find(keys.begin(), keys.end(), name) != keys.end();
-}
-
-/// The name without the suffix of a limit; the whole name when it has none.
+/// The name without the suffix of a limit, such as ":min"; otherwise the whole name.
 QString withoutSuffix(const QString& name)
 {
     for (const char* suffix : {":min", ":max", ":inc", ":info"})
@@ -47,7 +39,7 @@ QString withoutSuffix(const QString& name)
     return name;
 }
 
-/// Brings a value within the parameter's limits; true when it was outside.
+/// Clips a value to the parameter's limits. True if the value was outside.
 bool clip(CxValue& value, const CxCameraParam& param)
 {
     const auto below = [](const CxValue& a, const CxValue& b) {
@@ -69,8 +61,6 @@ void store(int* status, CxCameraParameters::ExWriteStatus result)
 }
 
 } // namespace
-
-IxCameraDevice::~IxCameraDevice() = default;
 
 CxCameraParameters::CxCameraParameters(const SxCameraInfo& info, const QSize& sensor, IxCameraDevice* device)
     : d(std::make_unique<Private>())
@@ -117,7 +107,7 @@ QList<CxCameraParam*> CxCameraParameters::params() const
 
 CxCameraParam* CxCameraParameters::findParam(const QString& name, bool ignoreCase) const
 {
-    // Plain equality first: it is quick, and scripts ask all the time.
+    // The exact name first: this is fast, and scripts ask often.
     for (const auto& param : d->params)
         if (param->name() == name)
             return param.get();
@@ -133,10 +123,11 @@ bool CxCameraParameters::setParamDirect(const QString& name, const CxValue& valu
 {
     CxCameraParam* param = findParam(name, false);
     if (!param) {
-        // What can be read in another way is known, and cannot be written.
+        // A name that can be read in another way is known but read-only.
         const QString base = withoutSuffix(name);
         CxValue ignored;
-        const bool known = findParam(base, false) || isDescription(base) || getParamDirect(base, ignored, nullptr);
+        const bool known = findParam(base, false) || CameraParamNames::isDescriptionKey(base) ||
+                           getParamDirect(base, ignored, nullptr);
         store(status, known ? ReadOnly : Unknown);
         return false;
     }
@@ -175,7 +166,7 @@ void CxCameraParameters::reportParam(const QString& name, const CxValue& value)
 
 bool CxCameraParameters::setROIRectParams(int x, int y, int width, int height, bool commit, bool refresh)
 {
-    // In 64 bits, since any four integers may come.
+    // In 64 bits, because sums of any two integers must fit.
     const qint64 left = std::max<qint64>(x, 0);
     const qint64 top = std::max<qint64>(y, 0);
     const qint64 right = std::min<qint64>(qint64(x) + width, d->sensor.width());
@@ -219,9 +210,9 @@ bool CxCameraParameters::loadParamValuesFromFile(const QString& path, CxCameraPa
         return false;
     for (const auto& [name, value] : settings->values) {
         CxCameraParam* param = findParam(name, false);
-        const bool taken = param && param->visibility <= visibility && fitsType(value, param->type()) &&
-                           d->write(*param, value, commit) >= 0;
-        if (taken)
+        const bool isAccepted = param && param->visibility <= visibility && fitsType(value, param->type()) &&
+                                d->write(*param, value, commit) >= 0;
+        if (isAccepted)
             Q_EMIT paramChanged(name);
         else if (failed)
             failed->append(name);

@@ -1,5 +1,7 @@
 #include "CameraSettingsFile.h"
 
+#include "CameraParamNames.h"
+
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
@@ -118,8 +120,8 @@ bool writeCameraSettings(const QString& path, const SxCameraInfo& camera, const 
     QJsonObject root;
     root[QStringLiteral("format")] = formatName;
     root[QStringLiteral("version")] = formatVersion;
-    root[QStringLiteral("camera")] = QJsonObject{{QStringLiteral("device_name"), camera.deviceName},
-                                                 {QStringLiteral("device_sn"), camera.serialNumber}};
+    root[QStringLiteral("camera")] = QJsonObject{{CameraParamNames::deviceName, camera.deviceName},
+                                                 {CameraParamNames::deviceSerialNumber, camera.serialNumber}};
     root[QStringLiteral("parameters")] = parameters;
     if (const auto& region = settings.region)
         root[QStringLiteral("region")] = QJsonArray{(*region)[0], (*region)[1], (*region)[2], (*region)[3]};

@@ -1,13 +1,13 @@
 #include "CxShadingPreset.h"
 
+#include "CameraParamNames.h"
 #include "CxCameraParameters.h"
 
 #include <array>
 
 namespace {
 // The parameters that a reference image depends on.
-const std::array<QString, 3> savedParams = {QStringLiteral("exposure"), QStringLiteral("gain"),
-                                            QStringLiteral("black_level")};
+constexpr std::array savedParams = {CameraParamNames::exposure, CameraParamNames::gain, CameraParamNames::blackLevel};
 } // namespace
 
 CxShadingPreset::CxShadingPreset() = default;
@@ -17,7 +17,7 @@ void CxShadingPreset::saveCurrentValuesFrom(CxCameraParameters* parameters)
     if (!parameters)
         return;
     values.clear();
-    for (const QString& param : savedParams)
+    for (const QLatin1String param : savedParams)
         if (const CxCameraParam* found = parameters->findParam(param, false); found && !found->notSupported)
             values.append({param, found->paramValue()});
     rects = parameters->currentROIRectParams();

@@ -1,4 +1,4 @@
-// Processing chains: their objects, the order of these, and who owns them.
+// Processing chains: their objects, the order of the objects, and ownership.
 
 #include "CxChain.h"
 #include "CxChainManager.h"
@@ -43,7 +43,7 @@ CxChain::CxChain(QObject* parent)
 
 CxChain::~CxChain()
 {
-    // Each is forgotten before it is deleted, so that none looks for the chain that is going away.
+    // Detach each object before deleting it, so that it does not use the chain that is being destroyed.
     for (CxChainable* object : std::exchange(m_objects, {})) {
         object->m_chain = nullptr;
         delete object;
@@ -112,7 +112,7 @@ bool CxChainManager::insertBefore(CxChain* chain, CxChainable* newObject, CxChai
         return false;
     }
     if (newObject->chain()) {
-        qWarning("insertBefore: the object is in a chain already");
+        qWarning("insertBefore: the object is already in a chain");
         return false;
     }
     const qsizetype position = viewObject ? chain->m_objects.indexOf(viewObject) : chain->m_objects.size();

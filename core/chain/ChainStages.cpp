@@ -1,11 +1,12 @@
-// The stages of a processing chain: their settings, and what all of them do before they touch pixels.
+// The stages of a processing chain: their settings, and the preparation of pixels that all of them share.
 
 #include "ChainStages.h"
 
 #include "CxImageData.h"
-#include "CxPicBufAPI.h"
 #include "CxRTTI.h"
+#include "OwnedPicBuf.h"
 #include "StagePixels.h"
+#include "buffers/PicBufChecks.h"
 
 #include <QtCore/QLoggingCategory>
 
@@ -16,9 +17,9 @@
 namespace {
 
 constexpr double hugeNumber = 1e15;
-constexpr double largestSigma = 50.0; // pixels; more takes seconds an image
+constexpr double largestSigma = 50.0; // pixels; larger ones take seconds per image
 
-/// The attributes of a "conf" element, read with their defaults.
+/// Reads the attributes of a "conf" element.
 class Settings
 {
 public:
@@ -28,7 +29,7 @@ public:
     {
     }
 
-    /// A number from min to max; none when the attribute is missing or wrong.
+    /// A number from min to max. Nothing if the attribute is missing or, with a log line, if it is invalid.
     std::optional<double> number(const QString& name, double min, double max) const
     {
         if (!m_conf.hasAttribute(name))
@@ -42,23 +43,23 @@ public:
         return std::nullopt;
     }
 
-    bool flag(const QString& name, bool byDefault) const
+    bool flag(const QString& name, bool defaultValue) const
     {
         if (!m_conf.hasAttribute(name))
-            return byDefault;
+            return defaultValue;
         const QString text = m_conf.attribute(name);
         if (text == QLatin1String("1") || text.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0)
             return true;
         if (text == QLatin1String("0") || text.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
             return false;
         complain(name, text, QStringLiteral("1, 0, true or false"));
-        return byDefault;
+        return defaultValue;
     }
 
 private:
     void complain(const QString& name, const QString& text, const QString& wanted) const
     {
-        constexpr qsizetype shown = 60; // a wrong value may be of any length
+        constexpr qsizetype shown = 60; // characters; an invalid value may have any length
         qWarning().noquote() << QStringLiteral("%1: %2 cannot be \"%3\", only %4; the default is used")
                                     .arg(m_stage, name, text.left(shown), wanted);
     }
@@ -67,40 +68,27 @@ private:
     QString m_stage;
 };
 
-/// Whether every value lies where the machine reads values of its type.
-bool isAligned(const SxPicBuf& buffer)
-{
-    const std::uint32_t size = SxPicBufInfo::bytesPerValue(buffer.dataType);
-    return buffer.lineStride % size == 0 && reinterpret_cast<std::uintptr_t>(buffer.data) % size == 0;
-}
-
-/// A copy with rows as the library lays them out; `data` is null when there is no memory.
-SxPicBuf alignedCopy(const SxPicBuf& buffer)
-{
-    SxPicBufInfo info = buffer;
-    info.lineStride = 0;
-    SxPicBuf copy;
-    if (CxPicBufAPI::AllocPicBufFromHeap(copy, info, true, 0))
-        CxPicBufAPI::CopyPicBuf(copy, buffer, false);
-    return copy;
-}
-
 template<typename Stage>
-void registerStage(CxRTTI& registry, const QString& name)
+void registerStage(const QString& name)
 {
-    registry.registerClass(Stage::staticMetaObject, name, [] { return new Stage; });
+    CxRTTI::instance()->registerClass(Stage::staticMetaObject, name, [] { return new Stage; });
 }
+
+bool registerStages()
+{
+    registerStage<GainStage>(QStringLiteral("Gain"));
+    registerStage<InvertStage>(QStringLiteral("Invert"));
+    registerStage<FlipStage>(QStringLiteral("Flip"));
+    registerStage<GaussianBlurStage>(QStringLiteral("Gaussian Blur"));
+    registerStage<ThresholdStage>(QStringLiteral("Threshold"));
+    return true;
+}
+
+// Registers the stages when this library is loaded. CxRTTI::instance() creates the registry on first use, so the order
+// of static initialisation does not matter.
+[[maybe_unused]] const bool areRegistered = registerStages();
 
 } // namespace
-
-void registerChainStages(CxRTTI& registry)
-{
-    registerStage<GainStage>(registry, QStringLiteral("Gain"));
-    registerStage<InvertStage>(registry, QStringLiteral("Invert"));
-    registerStage<FlipStage>(registry, QStringLiteral("Flip"));
-    registerStage<GaussianBlurStage>(registry, QStringLiteral("Gaussian Blur"));
-    registerStage<ThresholdStage>(registry, QStringLiteral("Threshold"));
-}
 
 // ---- all stages ----
 
@@ -117,19 +105,18 @@ void ImageStage::process(CxImageData& image)
         const bool isPacked = buffer->dataType == ExImageDataType::Packed565;
         if (isAligned(*buffer) && !isPacked)
             return processPixels(*buffer);
-        CxImageData aligned;
-        aligned.setPicBuf(alignedCopy(*buffer));
-        CxImageData unpacked;
-        if (isPacked && aligned.picBuf()->data)
-            unpacked.setPicBuf(stage_pixels::unpack565(*aligned.picBuf()));
-        SxPicBuf* work = isPacked ? unpacked.picBuf() : aligned.picBuf();
-        if (!work || !work->data)
+        OwnedPicBuf aligned;
+        OwnedPicBuf unpacked;
+        if (aligned.copyFrom(*buffer) && isPacked)
+            unpacked = OwnedPicBuf(stage_pixels::unpack565(aligned.buffer));
+        SxPicBuf& work = isPacked ? unpacked.buffer : aligned.buffer;
+        if (!work.data)
             return complainOnce(QStringLiteral("there is no memory to work in"));
-        processPixels(*work);
+        processPixels(work);
         if (isPacked)
-            stage_pixels::pack565(*work, *aligned.picBuf());
-        buffer->colorFilterArray = work->colorFilterArray;
-        CxPicBufAPI::CopyPicBuf(*buffer, *aligned.picBuf(), false);
+            stage_pixels::pack565(work, aligned.buffer);
+        buffer->colorFilterArray = work.colorFilterArray;
+        CxPicBufAPI::CopyPicBuf(*buffer, aligned.buffer, false);
     } catch (const std::exception& error) {
         complainOnce(QString::fromUtf8(error.what()));
     }
@@ -140,7 +127,7 @@ QString ImageStage::displayName() const
     return CxRTTI::instance()->customNameForClass(QString::fromLatin1(metaObject()->className()));
 }
 
-// Frames come many times a second; their complaints would fill the log.
+// Frames come many times a second. A line for each of them would flood the log.
 void ImageStage::complainOnce(const QString& reason)
 {
     if (reason == std::exchange(m_lastComplaint, reason))
@@ -205,7 +192,7 @@ QString FlipStage::summary() const
 void FlipStage::process(CxImageData& image)
 {
     ImageStage::process(image);
-    // What describes the frame follows the pixels.
+    // Keep the metadata in step with the pixels.
     if (image.picBuf() && image.imageMetadata())
         image.imageMetadata()->colorFilterArray = image.picBuf()->colorFilterArray;
 }

@@ -9,29 +9,24 @@
 
 #include <optional>
 
-class CxRTTI;
-
-/// Makes the stages below known under the names a user sees.
-void registerChainStages(CxRTTI& registry);
-
 /// A stage that changes the pixels of every image.
 ///
-/// Packed 5-6-5 pixels are worked on as colours of 8 bits. The alpha channel of colour images takes no part where
-/// values are changed one by one.
+/// Packed 5-6-5 pixels are converted to 8-bit colours for the work. Stages that change values one by one leave the
+/// alpha channel of colour images alone.
 class VANTREL_HOST_EXPORT ImageStage : public CxChainable
 {
     Q_OBJECT
 public:
     void process(CxImageData& image) override;
 
-    /// The name under which a user knows the stage.
+    /// The name of the stage as users see it.
     QString displayName() const;
 
     /// The settings in words, as in "gain 2, offset 0".
     virtual QString summary() const = 0;
 
 protected:
-    /// Works on interleaved pixels of a known type other than packed ones. May throw.
+    /// Changes the pixels in place. They are interleaved and of a known type other than packed ones. May throw.
     virtual void processPixels(SxPicBuf& buffer) = 0;
 
 private:
@@ -40,7 +35,7 @@ private:
     QString m_lastComplaint;
 };
 
-/// value * gain + offset, at most the full scale. Attributes: gain (default 1), offset (0).
+/// value * gain + offset, at most full scale. Attributes: gain (default 1), offset (default 0).
 class VANTREL_HOST_EXPORT GainStage : public ImageStage
 {
     Q_OBJECT
@@ -56,7 +51,7 @@ private:
     double m_offset = 0.0; // in units of the pixel values
 };
 
-/// Bright becomes dark: full scale - value; signed values change their sign.
+/// Turns bright into dark: full scale - value. Signed values change their sign.
 class VANTREL_HOST_EXPORT InvertStage : public ImageStage
 {
     Q_OBJECT
@@ -68,7 +63,7 @@ protected:
     void processPixels(SxPicBuf& buffer) override;
 };
 
-/// Mirrors the image. Attributes: horizontal (left and right change places; default off), vertical (off).
+/// Mirrors the image. Attributes: horizontal (swaps left and right; default off), vertical (default off).
 class VANTREL_HOST_EXPORT FlipStage : public ImageStage
 {
     Q_OBJECT
@@ -85,7 +80,7 @@ private:
     bool m_vertical = false;
 };
 
-/// Smooths the image. Attributes: sigma, the standard deviation in pixels (default 1; 0 to 50, 0 does nothing).
+/// Smooths the image. Attributes: sigma, the standard deviation in pixels (0 to 50, default 1; 0 changes nothing).
 class VANTREL_HOST_EXPORT GaussianBlurStage : public ImageStage
 {
     Q_OBJECT
@@ -100,7 +95,7 @@ private:
     double m_sigma = 1.0;
 };
 
-/// Values from the level on become full scale, those below 0. Attributes: level (default: half of the full scale).
+/// Sets values at or above the level to full scale, all others to 0. Attributes: level (default half of full scale).
 class VANTREL_HOST_EXPORT ThresholdStage : public ImageStage
 {
     Q_OBJECT
@@ -112,5 +107,5 @@ protected:
     void processPixels(SxPicBuf& buffer) override;
 
 private:
-    std::optional<double> m_level; // in units of the pixel values; none: half of the full scale
+    std::optional<double> m_level; // in units of the pixel values; if empty, half of full scale
 };

@@ -1,8 +1,9 @@
 #include "StagePixels.h"
 
-#include "CxPicBufAPI.h"
+#include "OwnedPicBuf.h"
 #include "buffers/Packed565.h"
 #include "buffers/PicBufMat.h"
+#include "buffers/PixelTypes.h"
 
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
@@ -10,47 +11,18 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <type_traits>
 
 namespace {
 
-/// Calls function with a value of the type that the buffer stores.
-template<typename Function>
-void withType(ExImageDataType type, Function function)
-{
-    switch (type) {
-    case ExImageDataType::Int8:
-        return function(std::int8_t());
-    case ExImageDataType::UInt8:
-        return function(std::uint8_t());
-    case ExImageDataType::Int16:
-        return function(std::int16_t());
-    case ExImageDataType::UInt16:
-        return function(std::uint16_t());
-    case ExImageDataType::Int32:
-        return function(std::int32_t());
-    case ExImageDataType::UInt32:
-        return function(std::uint32_t());
-    case ExImageDataType::Int64:
-        return function(std::int64_t());
-    case ExImageDataType::UInt64:
-        return function(std::uint64_t());
-    case ExImageDataType::Float:
-        return function(float());
-    case ExImageDataType::Double:
-        return function(double());
-    default:
-        throw std::invalid_argument("the pixels have no known type");
-    }
-}
-
-/// Replaces every value by change(value); alpha stays as it is.
+/// Replaces every value by change(value), except for alpha.
 template<typename T, typename Change>
 void changeValues(SxPicBuf& buffer, Change change)
 {
     const bool hasAlpha = buffer.isColor && buffer.channels == 4;
-    const std::size_t values = std::size_t(buffer.width) * buffer.channels;
+    const std::size_t values = buffer.valuesPerRow();
     for (std::uint32_t y = 0; y < buffer.height; ++y) {
         T* row = reinterpret_cast<T*>(buffer.row(y));
         if (!hasAlpha) {
@@ -59,19 +31,6 @@ void changeValues(SxPicBuf& buffer, Change change)
             for (T* pixel = row; pixel != row + values; pixel += 4)
                 std::transform(pixel, pixel + 3, pixel, change);
         }
-    }
-}
-
-template<typename T>
-T fullScale(const SxPicBufInfo& info)
-{
-    if constexpr (std::is_floating_point_v<T>) {
-        return info.saturation > 0.0F ? T(info.saturation) : T(1);
-    } else {
-        constexpr auto largest = std::numeric_limits<T>::max();
-        if (info.bpc == 0 || info.bpc >= unsigned(std::numeric_limits<T>::digits))
-            return largest;
-        return T((std::uint64_t(1) << info.bpc) - 1);
     }
 }
 
@@ -86,7 +45,8 @@ T saturated(Number value, T min, T max)
     return T(value < 0 ? value - Number(0.5) : value + Number(0.5));
 }
 
-// The colour filters, as the colour of the first row and column is found at (row, column) of RGGB.
+// RGGB, GRBG, GBRG and BGGR are numbered so that mirroring columns flips the lowest bit of (code - 1), and mirroring
+// rows the next bit.
 ExColorFilterArray mirrored(ExColorFilterArray filters, bool columns, bool rows)
 {
     const auto code = std::uint32_t(filters);
@@ -103,12 +63,12 @@ int smoothableDepth(ExImageDataType type)
     return depth == CV_8S || depth == CV_32S ? -1 : depth;
 }
 
-cv::Mat asMat(SxPicBuf& buffer, int depth, std::uint32_t channels)
+cv::Mat matOn(const SxPicBuf& buffer, int depth)
 {
-    if (channels > std::uint32_t(CV_CN_MAX))
+    const std::optional<cv::Mat> pixels = wrapMat(buffer, depth);
+    if (!pixels)
         throw std::invalid_argument("the pixels have too many channels");
-    return cv::Mat(int(buffer.height), int(buffer.width), CV_MAKETYPE(depth, int(channels)), buffer.data,
-                   buffer.lineStride);
+    return *pixels;
 }
 
 cv::Mat smoothed(const cv::Mat& from, double sigma)
@@ -125,16 +85,15 @@ namespace stage_pixels {
 void applyGain(SxPicBuf& buffer, double gain, double offset)
 {
     if (gain == 1.0 && offset == 0.0)
-        return; // also for values above the full scale that the buffer claims
-    withType(buffer.dataType, [&](auto type) {
-        using T = decltype(type);
+        return; // also leaves values above full scale unchanged
+    visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
         if constexpr (std::is_floating_point_v<T>) {
             changeValues<T>(buffer, [gain, offset](T value) { return T(double(value) * gain + offset); });
         } else {
-            // Doubles hold no 64-bit integer exactly.
+            // A double cannot hold every 64-bit integer.
             using Number = std::conditional_t<sizeof(T) == 8, long double, double>;
             const T min = std::numeric_limits<T>::min();
-            const T max = std::is_signed_v<T> ? std::numeric_limits<T>::max() : fullScale<T>(buffer);
+            const T max = std::is_signed_v<T> ? std::numeric_limits<T>::max() : static_cast<T>(buffer.fullScale());
             changeValues<T>(buffer, [=, factor = Number(gain), plus = Number(offset)](T value) {
                 return saturated<T>(Number(value) * factor + plus, min, max);
             });
@@ -144,15 +103,14 @@ void applyGain(SxPicBuf& buffer, double gain, double offset)
 
 void invert(SxPicBuf& buffer)
 {
-    withType(buffer.dataType, [&](auto type) {
-        using T = decltype(type);
+    visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
         if constexpr (std::is_signed_v<T> && std::is_integral_v<T>) {
             using Limits = std::numeric_limits<T>;
             changeValues<T>(buffer, [](T value) { return value == Limits::min() ? Limits::max() : T(-value); });
         } else if constexpr (std::is_floating_point_v<T>) {
-            changeValues<T>(buffer, [full = fullScale<T>(buffer)](T value) { return full - value; });
+            changeValues<T>(buffer, [full = static_cast<T>(buffer.fullScale())](T value) { return full - value; });
         } else {
-            const T full = fullScale<T>(buffer);
+            const T full = static_cast<T>(buffer.fullScale());
             changeValues<T>(buffer, [full](T value) { return value > full ? T(0) : T(full - value); });
         }
     });
@@ -160,10 +118,9 @@ void invert(SxPicBuf& buffer)
 
 void threshold(SxPicBuf& buffer, std::optional<double> level)
 {
-    withType(buffer.dataType, [&](auto type) {
-        using T = decltype(type);
+    visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
         using Number = std::conditional_t<sizeof(T) == 8 && std::is_integral_v<T>, long double, double>;
-        const T full = fullScale<T>(buffer);
+        const T full = static_cast<T>(buffer.fullScale());
         const Number from = level ? Number(*level) : Number(full) / 2;
         changeValues<T>(buffer, [full, from](T value) { return Number(value) >= from ? full : T(0); });
     });
@@ -176,12 +133,11 @@ void flip(SxPicBuf& buffer, bool horizontal, bool vertical)
     constexpr int bothWays = -1;
     constexpr int upsideDown = 0;
     constexpr int leftToRight = 1;
-    // Whole pixels are moved, whatever they hold.
-    const cv::Mat pixels = asMat(buffer, CV_8U, buffer.bytesPerPixel());
+    const cv::Mat pixels = matOn(buffer, moveDepth(buffer.dataType));
     cv::Mat result;
     cv::flip(pixels, result, !vertical ? leftToRight : !horizontal ? upsideDown : bothWays);
     result.copyTo(pixels);
-    // An odd number of columns or rows has the same colour at both ends.
+    // With an odd number of columns or rows, both ends have the same colour.
     buffer.colorFilterArray =
         mirrored(buffer.colorFilterArray, horizontal && buffer.width % 2 == 0, vertical && buffer.height % 2 == 0);
 }
@@ -192,39 +148,34 @@ void blur(SxPicBuf& buffer, double sigma)
         return;
     const int depth = smoothableDepth(buffer.dataType);
     if (depth >= 0) {
-        const cv::Mat pixels = asMat(buffer, depth, buffer.channels);
+        const cv::Mat pixels = matOn(buffer, depth);
         return smoothed(pixels, sigma).copyTo(pixels);
     }
-    withType(buffer.dataType, [&](auto type) {
-        using T = decltype(type);
-        if constexpr (std::is_integral_v<T>) {
-            if (buffer.channels > std::uint32_t(CV_CN_MAX))
-                throw std::invalid_argument("the pixels have too many channels");
-            cv::Mat wide(int(buffer.height), int(buffer.width), CV_64FC(int(buffer.channels)));
-            const std::size_t values = std::size_t(buffer.width) * buffer.channels;
-            for (std::uint32_t y = 0; y < buffer.height; ++y) {
-                const T* row = reinterpret_cast<const T*>(buffer.row(y));
-                std::transform(row, row + values, wide.ptr<double>(int(y)), [](T value) { return double(value); });
-            }
-            wide = smoothed(wide, sigma);
-            for (std::uint32_t y = 0; y < buffer.height; ++y) {
-                const double* row = wide.ptr<double>(int(y));
-                std::transform(row, row + values, reinterpret_cast<T*>(buffer.row(y)), [](double value) {
-                    return saturated<T>(value, std::numeric_limits<T>::min(), std::numeric_limits<T>::max());
-                });
-            }
-        }
-    });
+    SxPicBufInfo info = buffer;
+    info.dataType = ExImageDataType::Double;
+    OwnedPicBuf wide;
+    if (!wide.allocate(info))
+        throw std::bad_alloc();
+    CxPicBufAPI::ConvertPicToDifBpc(buffer, wide.buffer, false);
+    const cv::Mat pixels = matOn(wide.buffer, CV_64F);
+    smoothed(pixels, sigma).copyTo(pixels);
+    CxPicBufAPI::ConvertPicToDifBpc(wide.buffer, buffer, false);
 }
 
 SxPicBuf unpack565(const SxPicBuf& packed)
 {
-    SxPicBuf colour;
-    CxPicBufAPI::AllocPicBufFromHeap(colour, packed.width, packed.height, 3, ExImageDataType::UInt8, 0, 0, 8,
-                                     ExDataStorageFormat::Interleaved, ExColorFilterArray::None, true, false, 0);
-    if (colour.data)
-        CxPicBufAPI::ConvertPicToRGB(packed, colour);
-    return colour;
+    SxPicBufInfo info;
+    info.width = packed.width;
+    info.height = packed.height;
+    info.channels = 3;
+    info.bpc = 8;
+    info.dataType = ExImageDataType::UInt8;
+    info.storageFormat = ExDataStorageFormat::Interleaved;
+    info.isColor = true;
+    OwnedPicBuf colour;
+    if (colour.allocate(info))
+        CxPicBufAPI::ConvertPicToRGB(packed, colour.buffer);
+    return colour.release();
 }
 
 void pack565(const SxPicBuf& colour, SxPicBuf& packed)

@@ -1,5 +1,6 @@
 #include "CxImageFormatManager.h"
 
+#include "ImageFileFormat.h"
 #include "ImageFileReader.h"
 #include "ImageFileWriter.h"
 
@@ -22,17 +23,16 @@ CxImageFormatManager* CxImageFormatManager::instance()
 
 CxImageFileLoader* CxImageFormatManager::loaderForFile(const QString& path)
 {
-    return extensions().contains(extensionOf(path)) ? new ImageFileReader(path) : nullptr;
+    return formatOfExtension(extensionOf(path)) != ImageFileFormat::Unknown ? new ImageFileReader(path) : nullptr;
 }
 
 CxImageFileSaver* CxImageFormatManager::saverForFile(const QString& path)
 {
     const QString extension = extensionOf(path);
-    return extensions().contains(extension) ? new ImageFileWriter(path, extension) : nullptr;
+    return formatOfExtension(extension) != ImageFileFormat::Unknown ? new ImageFileWriter(path, extension) : nullptr;
 }
 
 QStringList CxImageFormatManager::extensions() const
 {
-    return {QStringLiteral("png"),  QStringLiteral("tif"), QStringLiteral("tiff"), QStringLiteral("jpg"),
-            QStringLiteral("jpeg"), QStringLiteral("bmp"), QStringLiteral("pgm"),  QStringLiteral("ppm")};
+    return imageFileExtensions();
 }

@@ -1,9 +1,11 @@
 #include "ImageFileCheck.h"
 
+#include "AnymapHeader.h"
 #include "ByteReader.h"
+#include "ImageFileFormat.h"
+#include "TiffDirectory.h"
 
 #include <algorithm>
-#include <cctype>
 
 namespace {
 
@@ -86,48 +88,6 @@ QString bmpProblem(const QByteArray& file)
     return problemOf(claim, file.size());
 }
 
-/// Reads the header of a portable anymap: numbers in text, with comments between them.
-class AnymapHeader
-{
-public:
-    explicit AnymapHeader(const QByteArray& file)
-        : m_file(file)
-    {
-    }
-
-    /// The next number, or 0 if there is none.
-    std::uint64_t number()
-    {
-        while (m_at < m_file.size() && !isDigit()) {
-            if (m_file[m_at] == '#')
-                skipLine();
-            else if (std::isspace(static_cast<unsigned char>(m_file[m_at])))
-                ++m_at;
-            else
-                return 0;
-        }
-        std::uint64_t value = 0;
-        for (; m_at < m_file.size() && isDigit(); ++m_at)
-            value = std::min<std::uint64_t>(value * 10 + std::uint64_t(m_file[m_at] - '0'), 1ULL << 32);
-        return value;
-    }
-
-    /// The offset just after the last number read.
-    std::uint64_t position() const { return std::uint64_t(m_at); }
-
-private:
-    bool isDigit() const { return m_file[m_at] >= '0' && m_file[m_at] <= '9'; }
-
-    void skipLine()
-    {
-        while (m_at < m_file.size() && m_file[m_at] != '\n')
-            ++m_at;
-    }
-
-    const QByteArray& m_file;
-    qsizetype m_at = 2;
-};
-
 QString anymapProblem(const QByteArray& file)
 {
     const char kind = file[1];
@@ -143,11 +103,11 @@ QString anymapProblem(const QByteArray& file)
     claim.bytesPerPixel = channels * (maximum > 255 ? 2 : 1);
     if (claim.width <= maxSide && claim.height <= maxSide) {
         const std::uint64_t values = claim.width * claim.height * channels;
-        const std::uint64_t begin = header.position() + 1;
+        const std::uint64_t begin = std::uint64_t(header.end()) + 1;
         if (kind == '1')
-            claim.fileBytes = header.position() + values;
+            claim.fileBytes = std::uint64_t(header.end()) + values;
         else if (kind == '2' || kind == '3') // at least a digit and a space per value
-            claim.fileBytes = header.position() + values * 2;
+            claim.fileBytes = std::uint64_t(header.end()) + values * 2;
         else if (kind == '4')
             claim.fileBytes = begin + (claim.width + 7) / 8 * claim.height;
         else
@@ -206,54 +166,20 @@ QString jpegProblem(const QByteArray& file)
 
 QString tiffProblem(const QByteArray& file)
 {
-    const ByteReader reader(file, file[0] == 'I' ? ByteReader::LittleEndian : ByteReader::BigEndian);
-    if (!reader.has(0, 8))
+    using Tag = TiffDirectory::Tag;
+    const TiffDirectory directory(file);
+    if (!directory.isComplete())
         return truncated();
-    const auto directory = qsizetype(reader.u32(4));
-    if (!reader.has(directory, 2) || !reader.has(directory + 2, qsizetype(reader.u16(directory)) * 12 + 4))
-        return truncated();
-    constexpr unsigned imageWidth = 256;
-    constexpr unsigned imageLength = 257;
-    constexpr unsigned bitsPerSample = 258;
-    constexpr unsigned samplesPerPixel = 277;
-    constexpr unsigned tileWidth = 322;
-    constexpr unsigned tileLength = 323;
-    constexpr unsigned shortType = 3;
     HeaderClaim claim;
-    HeaderClaim tile;
-    std::uint64_t bits = 1;
-    std::uint64_t samples = 1;
-    for (int i = 0; i < reader.u16(directory); ++i) {
-        const qsizetype entry = directory + 2 + qsizetype(i) * 12;
-        const std::uint64_t value = reader.u16(entry + 2) == shortType ? reader.u16(entry + 8) : reader.u32(entry + 8);
-        switch (reader.u16(entry)) {
-        case imageWidth:
-            claim.width = value;
-            break;
-        case imageLength:
-            claim.height = value;
-            break;
-        case bitsPerSample: // one value for each sample; more than two are stored elsewhere in the file
-            bits = value;
-            if (reader.u32(entry + 4) > 2 && reader.has(qsizetype(reader.u32(entry + 8)), 2))
-                bits = reader.u16(qsizetype(reader.u32(entry + 8)));
-            break;
-        case samplesPerPixel:
-            samples = value;
-            break;
-        case tileWidth:
-            tile.width = value;
-            break;
-        case tileLength:
-            tile.height = value;
-            break;
-        default:
-            break;
-        }
-    }
+    claim.width = directory.value(Tag::ImageWidth).value_or(0);
+    claim.height = directory.value(Tag::ImageLength).value_or(0);
+    const std::uint64_t bits = directory.value(Tag::BitsPerSample).value_or(1);
+    const std::uint64_t samples = directory.value(Tag::SamplesPerPixel).value_or(1);
     claim.bytesPerPixel = std::clamp<std::uint64_t>(bits / 8, 1, 8) * std::clamp<std::uint64_t>(samples, 1, 65535);
+    HeaderClaim tile = claim;
+    tile.width = directory.value(Tag::TileWidth).value_or(0);
+    tile.height = directory.value(Tag::TileLength).value_or(0);
     if (tile.width != 0 && tile.height != 0) {
-        tile.bytesPerPixel = claim.bytesPerPixel;
         const QString problem = problemOf(tile, file.size());
         if (!problem.isEmpty())
             return problem;
@@ -267,15 +193,19 @@ QString imageFileProblem(const QByteArray& file)
 {
     if (file.isEmpty())
         return QStringLiteral("is empty");
-    if (file.startsWith("\x89PNG\r\n\x1A\n"))
+    switch (formatOfContent(file)) {
+    case ImageFileFormat::Png:
         return pngProblem(file);
-    if (file.startsWith("\xFF\xD8\xFF"))
+    case ImageFileFormat::Jpeg:
         return jpegProblem(file);
-    if (file.startsWith(QByteArray("II*\0", 4)) || file.startsWith(QByteArray("MM\0*", 4)))
+    case ImageFileFormat::Tiff:
         return tiffProblem(file);
-    if (file.startsWith("BM"))
+    case ImageFileFormat::Bmp:
         return bmpProblem(file);
-    if (file.size() > 2 && file[0] == 'P' && file[1] >= '1' && file[1] <= '6')
+    case ImageFileFormat::Anymap:
         return anymapProblem(file);
+    case ImageFileFormat::Unknown:
+        break;
+    }
     return QStringLiteral("is not an image or is damaged");
 }

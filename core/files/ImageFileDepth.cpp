@@ -1,43 +1,24 @@
 #include "ImageFileDepth.h"
 
+#include "AnymapHeader.h"
 #include "ByteReader.h"
+#include "ImageFileFormat.h"
+#include "TiffDirectory.h"
 
 #include <QtCore/QList>
 #include <QtCore/QtEndian>
 
-#include <algorithm>
 #include <bit>
 #include <zlib.h>
 
 namespace {
 
-constexpr auto pngSignature = "\x89PNG\r\n\x1A\n";
 constexpr qsizetype pngHeaderEnd = 33; // signature and header chunk
 const QByteArray pngKeyword = QByteArrayLiteral("Bits per channel");
-
-constexpr unsigned maxSampleValue = 281;
-constexpr unsigned samplesPerPixel = 277;
-constexpr unsigned shortType = 3;
-constexpr qsizetype entryBytes = 12;
-
-bool isPng(const QByteArray& file)
-{
-    return file.startsWith(pngSignature);
-}
-
-bool isTiff(const QByteArray& file)
-{
-    return file.startsWith(QByteArray("II*\0", 4)) || file.startsWith(QByteArray("MM\0*", 4));
-}
 
 bool isBinaryAnymap(const QByteArray& file)
 {
     return file.startsWith("P5") || file.startsWith("P6");
-}
-
-ByteReader tiffReader(const QByteArray& file)
-{
-    return ByteReader(file, file[0] == 'I' ? ByteReader::LittleEndian : ByteReader::BigEndian);
 }
 
 /// The checksum that ends a PNG chunk.
@@ -77,41 +58,20 @@ QByteArray pngWithDepth(const QByteArray& file, unsigned bits)
     return file.left(pngHeaderEnd) + chunk + file.mid(pngHeaderEnd);
 }
 
-/// The offset of the first directory's entries and their number; 0 entries if the directory is not inside the file.
-struct TiffDirectory {
-    qsizetype begin = 0;
-    qsizetype count = 0;
-};
-
-TiffDirectory firstDirectory(const ByteReader& reader)
-{
-    if (!reader.has(0, 8) || !reader.has(qsizetype(reader.u32(4)), 2))
-        return TiffDirectory();
-    const auto at = qsizetype(reader.u32(4));
-    const TiffDirectory directory{at + 2, qsizetype(reader.u16(at))};
-    return reader.has(directory.begin, directory.count * entryBytes + 4) ? directory : TiffDirectory();
-}
-
 unsigned tiffDepth(const QByteArray& file)
 {
-    const ByteReader reader = tiffReader(file);
-    const TiffDirectory directory = firstDirectory(reader);
-    for (qsizetype i = 0; i < directory.count; ++i) {
-        const qsizetype entry = directory.begin + i * entryBytes;
-        if (reader.u16(entry) != maxSampleValue || reader.u16(entry + 2) != shortType)
-            continue;
-        const qsizetype place = reader.u32(entry + 4) > 2 ? qsizetype(reader.u32(entry + 8)) : entry + 8;
-        return reader.has(place, 2) ? unsigned(std::bit_width(reader.u16(place))) : 0;
-    }
-    return 0;
+    const TiffDirectory directory(file);
+    return unsigned(std::bit_width(directory.value(TiffDirectory::MaxSampleValue).value_or(0)));
 }
 
 /// Appends a copy of the first directory with the additional tag, and points the header to it. All other data stays at
 /// its offset.
 QByteArray tiffWithDepth(const QByteArray& file, unsigned bits)
 {
-    const ByteReader reader = tiffReader(file);
-    const bool little = file[0] == 'I';
+    const TiffDirectory directory(file);
+    if (directory.count() == 0)
+        return file;
+    const bool little = TiffDirectory::byteOrder(file) == ByteReader::LittleEndian;
     const auto u16 = [&](quint16 value) {
         QByteArray bytes(2, Qt::Uninitialized);
         little ? qToLittleEndian(value, bytes.data()) : qToBigEndian(value, bytes.data());
@@ -122,19 +82,15 @@ QByteArray tiffWithDepth(const QByteArray& file, unsigned bits)
         little ? qToLittleEndian(value, bytes.data()) : qToBigEndian(value, bytes.data());
         return bytes;
     };
-    const TiffDirectory directory = firstDirectory(reader);
-    if (directory.count == 0)
-        return file;
-
     QList<QByteArray> entries;
-    quint16 samples = 1;
-    for (qsizetype i = 0; i < directory.count; ++i) {
-        const qsizetype at = directory.begin + i * entryBytes;
-        if (reader.u16(at) == samplesPerPixel)
-            samples = reader.u16(at + 8);
-        if (reader.u16(at) != maxSampleValue)
-            entries += file.mid(at, entryBytes);
+    qsizetype later = 0; // the place of the new entry: tags are in ascending order
+    for (qsizetype i = 0; i < directory.count(); ++i) {
+        if (directory.tag(i) != TiffDirectory::MaxSampleValue)
+            entries += file.mid(directory.offset(i), TiffDirectory::entryBytes);
+        if (directory.tag(i) < TiffDirectory::MaxSampleValue)
+            later = entries.size();
     }
+    const auto samples = quint16(directory.value(TiffDirectory::SamplesPerPixel).value_or(1));
     QByteArray result = file;
     if (result.size() % 2)
         result += '\0';
@@ -148,67 +104,56 @@ QByteArray tiffWithDepth(const QByteArray& file, unsigned bits)
         result += place;
         place = u32(at);
     }
-    const QByteArray entry =
-        u16(quint16(maxSampleValue)) + u16(quint16(shortType)) + u32(samples) + place.leftJustified(4, '\0');
-    const auto later = std::find_if(entries.begin(), entries.end(), [&](const QByteArray& other) {
-        return ByteReader(other, little ? ByteReader::LittleEndian : ByteReader::BigEndian).u16(0) > maxSampleValue;
-    });
-    entries.insert(later, entry);
+    entries.insert(later, u16(TiffDirectory::MaxSampleValue) + u16(TiffDirectory::shortType) + u32(samples) +
+                              place.leftJustified(4, '\0'));
     result.replace(4, 4, u32(quint32(result.size())));
-    result +=
-        u16(quint16(entries.size())) + entries.join() + file.mid(directory.begin + directory.count * entryBytes, 4);
+    result += u16(quint16(entries.size())) + entries.join() + file.mid(directory.offset(directory.count()), 4);
     return result;
 }
 
-/// Where the header has its third number, the maximum. A comment ends with its line.
-struct AnymapMaximum {
-    qsizetype begin = 0;
-    qsizetype end = 0;
-};
-
-AnymapMaximum anymapMaximum(const QByteArray& file)
+unsigned anymapDepth(const QByteArray& file)
 {
-    qsizetype at = 2;
-    AnymapMaximum place;
-    for (int number = 0; number < 3; ++number) {
-        for (; at < file.size() && !(file[at] >= '0' && file[at] <= '9'); ++at) {
-            if (file[at] == '#')
-                at = file.indexOf('\n', at);
-            if (at < 0)
-                return AnymapMaximum();
-        }
-        place.begin = at;
-        while (at < file.size() && file[at] >= '0' && file[at] <= '9')
-            ++at;
-        place.end = at;
-    }
-    return place;
+    AnymapHeader header(file);
+    header.number();
+    header.number();
+    return unsigned(std::bit_width(header.number()));
+}
+
+QByteArray anymapWithDepth(const QByteArray& file, unsigned bits)
+{
+    AnymapHeader header(file);
+    header.number();
+    header.number();
+    header.number();
+    return file.left(header.begin()) + QByteArray::number((1U << bits) - 1) + file.mid(header.end());
 }
 
 } // namespace
 
 unsigned recordedDepth(const QByteArray& file)
 {
-    if (isPng(file))
+    switch (formatOfContent(file)) {
+    case ImageFileFormat::Png:
         return pngDepth(file);
-    if (isTiff(file))
+    case ImageFileFormat::Tiff:
         return tiffDepth(file);
-    if (isBinaryAnymap(file)) {
-        const AnymapMaximum place = anymapMaximum(file);
-        return unsigned(std::bit_width(file.mid(place.begin, place.end - place.begin).toUInt()));
+    case ImageFileFormat::Anymap:
+        return isBinaryAnymap(file) ? anymapDepth(file) : 0;
+    default:
+        return 0;
     }
-    return 0;
 }
 
 QByteArray withRecordedDepth(const QByteArray& file, unsigned bits)
 {
-    if (isPng(file))
+    switch (formatOfContent(file)) {
+    case ImageFileFormat::Png:
         return pngWithDepth(file, bits);
-    if (isTiff(file))
+    case ImageFileFormat::Tiff:
         return tiffWithDepth(file, bits);
-    if (isBinaryAnymap(file)) {
-        const AnymapMaximum place = anymapMaximum(file);
-        return file.left(place.begin) + QByteArray::number((1U << bits) - 1) + file.mid(place.end);
+    case ImageFileFormat::Anymap:
+        return isBinaryAnymap(file) ? anymapWithDepth(file, bits) : file;
+    default:
+        return file;
     }
-    return file;
 }

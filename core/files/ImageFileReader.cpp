@@ -14,6 +14,7 @@
 #include <opencv2/imgcodecs.hpp>
 
 #include <limits>
+#include <new>
 
 namespace {
 
@@ -38,10 +39,10 @@ bool ImageFileReader::readFile()
     QString problem;
     try {
         problem = read();
-    } catch (const cv::Exception&) {
-        problem = QStringLiteral("is damaged");
     } catch (const std::bad_alloc&) {
         problem = QStringLiteral("is too large for the available memory");
+    } catch (...) { // OpenCV's own exceptions, and those of the libraries that it decodes with
+        problem = QStringLiteral("is damaged");
     }
     if (!problem.isEmpty())
         qCritical().noquote() << QStringLiteral("Cannot read image file %1: it %2").arg(m_path, problem);

@@ -2,6 +2,7 @@
 
 #include "CxImageData.h"
 #include "ImageFileDepth.h"
+#include "ImageFileFormat.h"
 #include "StorablePixels.h"
 #include "buffers/PicBufMat.h"
 
@@ -12,24 +13,12 @@
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
+#include <exception>
 #include <vector>
 
 namespace {
 
-enum class Format { Png, Tiff, Anymap, Bmp, Jpeg };
-
-Format formatOf(const QString& extension)
-{
-    if (extension == QLatin1String("png"))
-        return Format::Png;
-    if (extension == QLatin1String("tif") || extension == QLatin1String("tiff"))
-        return Format::Tiff;
-    if (extension == QLatin1String("bmp"))
-        return Format::Bmp;
-    if (extension == QLatin1String("jpg") || extension == QLatin1String("jpeg"))
-        return Format::Jpeg;
-    return Format::Anymap;
-}
+using Format = ImageFileFormat;
 
 bool keepsAlpha(Format format)
 {
@@ -112,6 +101,10 @@ bool ImageFileWriter::saveImage(CxImageData* image, const QVariantMap* options)
         problem = QStringLiteral("the image cannot be encoded (%1)").arg(QString::fromStdString(error.err));
     } catch (const std::bad_alloc&) {
         problem = QStringLiteral("the image is too large for the available memory");
+    } catch (const std::exception& error) {
+        problem = QString::fromUtf8(error.what());
+    } catch (...) {
+        problem = QStringLiteral("the image cannot be encoded");
     }
     if (!problem.isEmpty())
         qCritical().noquote() << QStringLiteral("Cannot save image file %1: %2").arg(m_path, problem);
@@ -123,8 +116,8 @@ QString ImageFileWriter::save(CxImageData* image, const QVariantMap& options) co
     const SxPicBuf* buffer = image ? image->picBuf() : nullptr;
     if (!buffer || !buffer->data)
         return QStringLiteral("the image has no pixels");
-    const Format format = formatOf(m_extension);
-    if (buffer->channels != 1 && buffer->channels != 3 && buffer->channels != 4)
+    const Format format = formatOfExtension(m_extension);
+    if (buffer->channels != 1 && !SxPicBufInfo::isColorChannelCount(buffer->channels))
         return QStringLiteral("the image has %1 channels, but a file can hold 1, 3 or 4").arg(buffer->channels);
     OwnedPicBuf converted;
     const SxPicBuf storable = storablePixels(*buffer, storableTypes(format, buffer->channels), converted);

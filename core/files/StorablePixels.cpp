@@ -23,17 +23,12 @@ std::uint64_t exactIntegers(ExImageDataType type)
     return type == ExImageDataType::Float ? 1ULL << 24U : 1ULL << 53U;
 }
 
-bool isFloating(ExImageDataType type)
-{
-    return type == ExImageDataType::Float || type == ExImageDataType::Double;
-}
-
 /// True if a conversion there and back gives the same pixels; converted then holds them in the given type. Large
 /// integers are checked first: a floating type could round them up beyond their own type, and clipping would then
 /// restore them.
 bool convertsUnchanged(const SxPicBuf& pixels, ExImageDataType type, OwnedPicBuf& converted)
 {
-    if (isFloating(type) && !isFloating(pixels.dataType) &&
+    if (SxPicBufInfo::isFloating(type) && !SxPicBufInfo::isFloating(pixels.dataType) &&
         CxPicBufAPI::DetectMaxAbsValue(pixels) > exactIntegers(type))
         return false;
     OwnedPicBuf back;
@@ -43,14 +38,9 @@ bool convertsUnchanged(const SxPicBuf& pixels, ExImageDataType type, OwnedPicBuf
         !CxPicBufAPI::ConvertPicToDifBpc(converted.buffer, back.buffer, false))
         return false;
     for (std::uint32_t y = 0; y < pixels.height; ++y)
-        if (std::memcmp(pixels.row(y), back.buffer.row(y), rowBytes(pixels)) != 0)
+        if (std::memcmp(pixels.row(y), back.buffer.row(y), pixels.rowBytes()) != 0)
             return false;
     return true;
-}
-
-bool isUnsigned(ExImageDataType type)
-{
-    return type == ExImageDataType::UInt16 || type == ExImageDataType::UInt32 || type == ExImageDataType::UInt64;
 }
 
 } // namespace
@@ -64,7 +54,7 @@ SxPicBuf storablePixels(const SxPicBuf& pixels, const StorableTypes& format, Own
         CxPicBufAPI::ConvertPicToRGB(pixels, converted.buffer);
         return converted.buffer;
     }
-    if (format.scalesToBytes && isUnsigned(pixels.dataType)) {
+    if (format.scalesToBytes && SxPicBufInfo::isUnsigned(pixels.dataType)) {
         allocate(converted, pixels, ExImageDataType::UInt8, pixels.channels);
         CxPicBufAPI::ConvertPicToDifBpc(pixels, converted.buffer, true);
         return converted.buffer;

@@ -23,7 +23,7 @@ QList<QString> namesOf(std::uint32_t channels)
         return {QStringLiteral("Mono")};
     const QList<QString> colours = {QStringLiteral("Blue"), QStringLiteral("Green"), QStringLiteral("Red"),
                                     QStringLiteral("Alpha")};
-    if (channels == 3 || channels == 4)
+    if (SxPicBufInfo::isColorChannelCount(channels))
         return colours.first(qsizetype(channels));
     QList<QString> names;
     for (std::uint32_t c = 0; c < channels; ++c)
@@ -31,11 +31,11 @@ QList<QString> namesOf(std::uint32_t channels)
     return names;
 }
 
-/// The part of the image's buffer that lies in a rectangle; without pixels when nothing does. Packed colours are
-/// unpacked to three channels in memory of the given holder.
+/// The part of the image inside a rectangle. It has no pixels if the rectangle lies outside the image. Packed colours
+/// are unpacked to three channels, in memory that `unpacked` owns.
 SxPicBuf measuredPart(const CxImageData* image, const QRect& rect, OwnedPicBuf& unpacked)
 {
-    const SxPicBuf* buffer = image ? const_cast<CxImageData*>(image)->picBuf() : nullptr; // which reads only
+    const SxPicBuf* buffer = image ? const_cast<CxImageData*>(image)->picBuf() : nullptr; // picBuf() changes nothing
     if (!buffer || !hasPixels(*buffer) || rect.right() < 0 || rect.bottom() < 0 || !rect.isValid())
         return SxPicBuf();
     const auto left = unsigned(std::max(rect.left(), 0));
@@ -50,19 +50,11 @@ SxPicBuf measuredPart(const CxImageData* image, const QRect& rect, OwnedPicBuf& 
     info.bpc = 6;
     if (!unpacked.allocate(info))
         throw std::bad_alloc();
-    for (std::uint32_t y = 0; y < part.height; ++y) {
-        std::uint8_t* out = unpacked.buffer.row(y);
-        for (std::size_t x = 0; x < part.width; ++x, out += 3) {
-            const Packed565 colour = Packed565::unpack(loadValue<std::uint16_t>(part.row(y), x));
-            out[0] = colour.blue;
-            out[1] = colour.green;
-            out[2] = colour.red;
-        }
-    }
+    unpackComponents(part, unpacked.buffer);
     return unpacked.buffer;
 }
 
-/// Light is measured above black; alpha is no light.
+/// The value to subtract from a channel. Alpha has no black level.
 double blackLevelOf(const SxPicBuf& part, std::size_t channel, CxHistoData::ExHistoDataFlags flags)
 {
     const bool subtract = flags.testFlag(CxHistoData::SubtractBlackLevel) && channel != alphaChannel;
@@ -81,14 +73,14 @@ CxHistoData::CxPixelStats pixelStats(const ValueSummary& summary, double blackLe
     return stats;
 }
 
-/// Counts values into equal bins over full scale.
+/// Sorts values into bins of equal width that span the full scale.
 class Binning
 {
 public:
     Binning(const SxPicBufInfo& info, double blackLevel)
     {
         visitNumberType(info.dataType, [&]<typename T>(std::type_identity<T>) {
-            double span = double(fullScale(info));
+            double span = double(info.fullScale());
             if constexpr (std::is_integral_v<T>)
                 span += 1;
             if constexpr (std::is_integral_v<T> && std::is_signed_v<T>) {
@@ -105,7 +97,7 @@ public:
     {
         for (std::size_t i = 0; i < count; ++i) {
             const double bin = std::floor((double(loadValue<T>(values, i)) - m_lowest) * m_perValue);
-            if (bin == bin) // not for what is not a number
+            if (bin == bin) // false for NaN
                 ++bins[qsizetype(std::clamp(bin, 0.0, double(histogramBins - 1)))];
         }
     }
@@ -124,7 +116,7 @@ void brightnessOfRow(const std::uint8_t* row, std::size_t channels, std::vector<
     }
 }
 
-/// What is measured of one channel.
+/// The statistics and the histogram of one channel.
 template<typename T>
 class ChannelMeasurement
 {
@@ -207,10 +199,9 @@ void measureRows(CxProfileData& result, const SxPicBuf& part)
 template<typename T>
 void measureColumns(CxProfileData& result, const SxPicBuf& part)
 {
-    // Some columns at a time, each copied into a run of its own: reading down single columns would fetch every row
-    // from memory again for each of them.
+    // Copies several columns at a time, so that each row is fetched from memory once for all of them.
     constexpr std::size_t together = 64;
-    const std::size_t columns = valuesPerRow(part);
+    const std::size_t columns = part.valuesPerRow();
     std::vector<T> runs(together * part.height);
     for (std::size_t first = 0; first < columns; first += together) {
         const std::size_t count = std::min(together, columns - first);
@@ -225,7 +216,7 @@ void measureColumns(CxProfileData& result, const SxPicBuf& part)
     }
 }
 
-/// Runs a measurement on the part of an image in a rectangle; false where there is none.
+/// Runs a measurement on the part of an image inside a rectangle. False if there is no such part, or no memory.
 template<typename Measurement>
 bool measure(const CxImageData* image, const QRect& rect, Measurement measurement)
 {
@@ -247,7 +238,7 @@ bool CxPicBufMeas::measureHistogram(CxHistoData& result, const CxImageData* imag
     return measure(image, rect, [&]<typename T>(std::type_identity<T>, const SxPicBuf& part) {
         result.channelNames = namesOf(part.channels);
         measureChannels<T>(result, part, flags);
-        if (flags.testFlag(CxHistoData::Luminance) && (part.channels == 3 || part.channels == 4))
+        if (flags.testFlag(CxHistoData::Luminance) && SxPicBufInfo::isColorChannelCount(part.channels))
             measureBrightness<T>(result, part, flags);
     });
 }

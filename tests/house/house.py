@@ -60,7 +60,7 @@ ARROWS = {
     "viewer/workshop": ["viewer/process"],
     "viewer/cameras": ["cameras", "viewer/views", "viewer/window"],
     "viewer/window": ["cameras", "viewer/process", "viewer/views"],
-    "viewer/views": ["core/chain", "viewer/process"],
+    "viewer/views": ["core/buffers", "core/chain", "viewer/process"],
     "viewer/process": [],
 }
 

@@ -6,11 +6,23 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
 
+#include <sys/resource.h>
+
 namespace {
+
+/// How often the calling thread has gone to sleep and woken up so far.
+long wakeUpsOfThisThread()
+{
+    rusage usage{};
+    getrusage(RUSAGE_THREAD, &usage);
+    return usage.ru_nvcsw;
+}
 
 TEST(GuiCallsTest, RunAtOnceOnTheGuiThread)
 {
@@ -77,6 +89,40 @@ TEST(GuiCallsTest, GiveUpWhenTheEventLoopHasEndedAndAreNotMadeLater)
     QCoreApplication::processEvents();
     EXPECT_FALSE(result);
     EXPECT_FALSE(called);
+}
+
+TEST(GuiCallsTest, SleepUntilTheyAreNotified)
+{
+    GuiCalls calls;
+    bool result = true;
+    long wakeUps = 0;
+    std::thread worker([&] {
+        const long before = wakeUpsOfThisThread();
+        result = calls.run([] {});
+        wakeUps = wakeUpsOfThisThread() - before;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(600));
+    calls.end();
+    worker.join();
+    EXPECT_FALSE(result);
+    EXPECT_LT(wakeUps, 6); // looking every 50 ms would take twelve
+}
+
+TEST(GuiCallsTest, GiveUpWhenTheObjectIsDeleted)
+{
+    auto calls = std::make_unique<GuiCalls>();
+    std::atomic<bool> isWaiting = false;
+    bool result = true;
+    std::thread worker([&result, &isWaiting, object = calls.get()] {
+        isWaiting = true;
+        result = object->run([] {});
+    });
+    while (!isWaiting)
+        std::this_thread::yield();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    calls.reset();
+    worker.join();
+    EXPECT_FALSE(result);
 }
 
 } // namespace

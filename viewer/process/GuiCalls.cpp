@@ -2,31 +2,35 @@
 
 #include <QtCore/QThread>
 
-#include <chrono>
 #include <condition_variable>
 #include <exception>
-#include <memory>
 #include <mutex>
 #include <utility>
 
+/// What the calls share. They keep it alive when the object is deleted before they return.
+struct GuiCalls::State {
+    std::mutex mutex;
+    std::condition_variable changed; ///< notified when the calls end, and when a call is done
+    bool isEnded = false;
+};
+
 namespace {
 
-/// A call that waits for its turn. Shared, since either side may be done with it first.
+/// A call that waits for its turn. Shared, because the caller may give up before the GUI thread gets to it. The mutex
+/// guards all members.
 struct Call {
-    enum class State { Waiting, Running, Done, GivenUp };
+    enum class Progress { Waiting, Running, Done, GivenUp };
 
-    std::mutex mutex;
-    std::condition_variable changed;
-    State state = State::Waiting;
-    std::exception_ptr thrown; ///< by the function; for the caller once the state is Done
+    Progress progress = Progress::Waiting;
+    std::exception_ptr thrown; ///< by the function; for the caller once the call is done
 
-    void perform(const std::function<void()>& function)
+    void perform(const std::function<void()>& function, std::mutex& mutex, std::condition_variable& changed)
     {
         {
             const std::lock_guard lock(mutex);
-            if (state == State::GivenUp)
+            if (progress == Progress::GivenUp)
                 return;
-            state = State::Running;
+            progress = Progress::Running;
         }
         std::exception_ptr caught;
         try {
@@ -37,7 +41,7 @@ struct Call {
         {
             const std::lock_guard lock(mutex);
             thrown = std::move(caught);
-            state = State::Done;
+            progress = Progress::Done;
         }
         changed.notify_all();
     }
@@ -45,24 +49,46 @@ struct Call {
 
 } // namespace
 
+GuiCalls::GuiCalls()
+    : m_state(std::make_shared<State>())
+{
+}
+
+GuiCalls::~GuiCalls()
+{
+    end();
+}
+
 bool GuiCalls::run(std::function<void()> function)
 {
     if (QThread::currentThread() == m_onGuiThread.thread()) {
         function();
         return true;
     }
+    const std::shared_ptr<State> state = m_state;
     const auto call = std::make_shared<Call>();
     QMetaObject::invokeMethod(
-        &m_onGuiThread, [call, function = std::move(function)] { call->perform(function); }, Qt::QueuedConnection);
-    std::unique_lock lock(call->mutex);
-    while (call->state != Call::State::Done) {
-        if (m_ended && call->state == Call::State::Waiting) {
-            call->state = Call::State::GivenUp;
-            return false;
-        }
-        call->changed.wait_for(lock, std::chrono::milliseconds(50));
+        &m_onGuiThread,
+        [state, call, function = std::move(function)] { call->perform(function, state->mutex, state->changed); },
+        Qt::QueuedConnection);
+    std::unique_lock lock(state->mutex);
+    state->changed.wait(lock, [&] {
+        return call->progress == Call::Progress::Done || (state->isEnded && call->progress == Call::Progress::Waiting);
+    });
+    if (call->progress == Call::Progress::Waiting) {
+        call->progress = Call::Progress::GivenUp;
+        return false;
     }
     if (call->thrown)
         std::rethrow_exception(std::exchange(call->thrown, nullptr));
     return true;
+}
+
+void GuiCalls::end()
+{
+    {
+        const std::lock_guard lock(m_state->mutex);
+        m_state->isEnded = true;
+    }
+    m_state->changed.notify_all();
 }

@@ -10,7 +10,7 @@
 
 namespace {
 
-/// How long a worker thread waits for the GUI thread to leave in good order.
+/// How long another thread waits for the GUI thread to end the process.
 constexpr unsigned long patienceSeconds = 5;
 
 std::function<void()> completeApplication;

@@ -4,19 +4,20 @@
 
 /// Ends the process cleanly when a script ends it.
 ///
-/// An uncaught SystemExit makes the interpreter call exit(), in the midst of a run and perhaps on a thread of its own
-/// while the windows are alive. Destroying static objects then would pull the ground away from under the running
-/// application. Armed, this steps in first: it lets the application complete its files on the GUI thread, and leaves
-/// with the status.
+/// An uncaught SystemExit makes the interpreter call exit() during a run, perhaps not on the GUI thread, and while
+/// windows are open. exit() would destroy static objects that the application still uses. While armed, this intercepts
+/// exit(): the application completes its files on the GUI thread, and the process ends with the status.
 namespace ProcessExit {
 
-/// Called on the GUI thread before any run. complete is called on the GUI thread when a script ends the process.
+/// Sets the function that completes the application's files when a script ends the process. Both are called on the GUI
+/// thread; this one before the first run.
 void prepare(std::function<void()> complete);
 
-/// Called on the thread of a run when it begins, as late as can be: what is registered last with exit() runs first.
+/// Called on the thread of a run as late as possible before the run begins: the handler that is registered last with
+/// exit() runs first.
 void arm();
 
-/// Called when the run is over.
+/// Called after the run.
 void disarm();
 
 } // namespace ProcessExit

@@ -24,7 +24,7 @@ std::unique_ptr<SxPicBuf> copyOf(CxImageData& image)
     return record;
 }
 
-/// Deletes a shared image only after it was taken over. Until then the image is the caller's.
+/// Deletes a shared image only after the view has taken it over. Until then the caller owns it.
 struct DeleteOnceTaken {
     void operator()(CxImageData* image) const
     {
@@ -112,7 +112,7 @@ SxPicBuf* ApplicationDelegate::askUserCaptureImage(QWidget* parent, void* camera
     m_gui.run([&] {
         ViewerCamera* opened = m_cameras.camera(camera);
         if (!opened) {
-            qWarning() << "No camera to capture from: it is not open, or not any more";
+            qWarning() << "Cannot capture: the camera is not open";
             return;
         }
         CaptureDialog dialog(*opened, *title, *message, optionGiven ? *option : -1, parent ? parent : &m_window);
@@ -134,7 +134,7 @@ bool ApplicationDelegate::newViewWithImage(CxImageData* image, const QString& ti
 {
     if (!image)
         return false;
-    // A captured image comes here on the script's thread, too.
+    // This may be the script's thread.
     image->moveToThread(m_window.thread());
     return m_gui.run([&] {
         const std::shared_ptr<CxImageData> shown(image, DeleteOnceTaken());
@@ -155,7 +155,8 @@ CxImageData* ApplicationDelegate::viewImage(int id)
     std::shared_ptr<CxImageData> image = m_window.views().store().image(id);
     if (m_window.thread() == QThread::currentThread())
         return image.get();
-    // The GUI thread may replace the image or close the view at any moment, while the script still copies it.
+    // Keeps the image alive while the script copies it: the GUI thread may replace the image or close the view at any
+    // time.
     thread_local std::shared_ptr<CxImageData> lent;
     lent = std::move(image);
     return lent.get();

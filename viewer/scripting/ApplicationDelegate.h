@@ -8,11 +8,11 @@
 
 class MainWindow;
 
-/// What scripts reach of the application. Registers itself as the process's delegate for as long as it lives.
+/// The application as scripts see it. Registers itself as the delegate of the process; its destructor removes it.
 class ApplicationDelegate : public IxAppDelegate
 {
 public:
-    /// The window outlives the delegate.
+    /// The window must outlive the delegate.
     explicit ApplicationDelegate(MainWindow& window);
     ~ApplicationDelegate();
 
@@ -33,7 +33,7 @@ public:
     bool newViewWithImage(CxImageData* image, const QString& title) override;
     void setViewImage(int id, CxImageData* image) override;
 
-    /// Off the GUI thread the image stays valid until the same thread asks for another one.
+    /// On other threads than the GUI thread, the image stays valid until the same thread asks for another one.
     CxImageData* viewImage(int id) override;
 
     void playSound(const QString& path) override;
@@ -41,7 +41,7 @@ public:
     /// The cameras that are open in the application.
     CameraSet& cameras() { return m_cameras; }
 
-    /// Called when the event loop will not run any more: scripts on another thread wait for nothing from then on.
+    /// Called when the event loop does not run any more. Calls from scripts on another thread fail from then on.
     void endCalls() { m_gui.end(); }
 
 private:

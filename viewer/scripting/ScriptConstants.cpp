@@ -1,38 +1,13 @@
 #include "ScriptConstants.h"
 
+#include "CameraParamNames.h"
 #include "SxPicBuf.h"
-
-#include <QtCore/QStringList>
-
-namespace {
-
-const QStringList& cameraParameters()
-{
-    static const QStringList names = {
-        QStringLiteral("exposure"),           QStringLiteral("gain"),          QStringLiteral("black_level"),
-        QStringLiteral("framerate"),          QStringLiteral("auto_exposure"), QStringLiteral("trigger_mode"),
-        QStringLiteral("frame_count"),        QStringLiteral("cooling"),       QStringLiteral("link_speed"),
-        QStringLiteral("sensor_temperature"),
-    };
-    return names;
-}
-
-const QStringList& deviceKeys()
-{
-    static const QStringList keys = {
-        QStringLiteral("device_name"), QStringLiteral("device_type"),    QStringLiteral("device_model_id"),
-        QStringLiteral("device_sn"),   QStringLiteral("device_user_id"), QStringLiteral("device_inst_path"),
-    };
-    return keys;
-}
-
-} // namespace
 
 QList<IxScriptEnvironment::SxApiParamDef> ScriptConstants::parameterNames()
 {
     QList<IxScriptEnvironment::SxApiParamDef> constants;
-    for (const QString& name : cameraParameters())
-        constants.append({QStringLiteral("PARAM_") + name.toUpper(), name});
+    for (const QLatin1String name : CameraParamNames::parameters)
+        constants.append({QStringLiteral("PARAM_") + QString(name).toUpper(), name});
     return constants;
 }
 
@@ -55,5 +30,5 @@ QList<IxScriptEnvironment::SxApiParamEnumVal> ScriptConstants::pixelTypes()
 
 bool ScriptConstants::isCameraParameter(const QString& name)
 {
-    return cameraParameters().contains(name) || deviceKeys().contains(name);
+    return CameraParamNames::isParameter(name) || CameraParamNames::isDescriptionKey(name);
 }

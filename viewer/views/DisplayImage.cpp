@@ -1,12 +1,14 @@
 #include "DisplayImage.h"
 
 #include "CxPicBufAPI.h"
+#include "buffers/Packed565.h"
+#include "buffers/PixelTypes.h"
 
 #include <QtCore/QStringList>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <type_traits>
 #include <vector>
@@ -19,42 +21,13 @@ struct Range {
     double high = 1;
 };
 
-/// Calls visit with a null pointer of the type in which the buffer's values are stored.
-template<typename Visitor>
-auto visitValueType(ExImageDataType type, Visitor visit)
+/// The buffer as it is read: values of an unknown type are taken for bytes.
+SxPicBuf withNumberType(const SxPicBuf& buffer)
 {
-    switch (type) {
-    case ExImageDataType::Int8:
-        return visit(static_cast<std::int8_t*>(nullptr));
-    case ExImageDataType::Int16:
-        return visit(static_cast<std::int16_t*>(nullptr));
-    case ExImageDataType::UInt16:
-    case ExImageDataType::Packed565:
-        return visit(static_cast<std::uint16_t*>(nullptr));
-    case ExImageDataType::Int32:
-        return visit(static_cast<std::int32_t*>(nullptr));
-    case ExImageDataType::UInt32:
-        return visit(static_cast<std::uint32_t*>(nullptr));
-    case ExImageDataType::Int64:
-        return visit(static_cast<std::int64_t*>(nullptr));
-    case ExImageDataType::UInt64:
-        return visit(static_cast<std::uint64_t*>(nullptr));
-    case ExImageDataType::Float:
-        return visit(static_cast<float*>(nullptr));
-    case ExImageDataType::Double:
-        return visit(static_cast<double*>(nullptr));
-    default:
-        return visit(static_cast<std::uint8_t*>(nullptr));
-    }
-}
-
-/// Copies the value, since rows in memory that a host provides need not be aligned.
-template<typename T>
-T valueAt(const std::uint8_t* row, std::size_t index)
-{
-    T value;
-    std::memcpy(&value, row + index * sizeof(T), sizeof(T));
-    return value;
+    SxPicBuf readable = buffer;
+    if (!visitNumberType(buffer.dataType, [](auto) {}))
+        readable.dataType = ExImageDataType::UInt8;
+    return readable;
 }
 
 template<typename T>
@@ -62,12 +35,12 @@ Range rangeOfFloats(const SxPicBuf& buffer)
 {
     if (buffer.saturation > 0)
         return {0, double(buffer.saturation)};
-    const std::size_t perRow = std::size_t(buffer.width) * buffer.channels;
+    const std::size_t perRow = buffer.valuesPerRow();
     double low = std::numeric_limits<double>::infinity();
     double high = -low;
     for (std::uint32_t y = 0; y < buffer.height; ++y) {
         for (std::size_t i = 0; i < perRow; ++i) {
-            const double value = double(valueAt<T>(buffer.row(y), i));
+            const double value = double(loadValue<T>(buffer.row(y), i));
             if (!std::isfinite(value))
                 continue;
             low = std::min(low, value);
@@ -83,9 +56,7 @@ Range rangeOf(const SxPicBuf& buffer)
     if constexpr (std::is_floating_point_v<T>) {
         return rangeOfFloats<T>(buffer);
     } else {
-        const double typeLimit = double(std::numeric_limits<T>::max());
-        const double bitLimit = buffer.bpc ? std::ldexp(1.0, int(std::min(buffer.bpc, 64U))) - 1 : typeLimit;
-        return {0, std::min(typeLimit, bitLimit)};
+        return {0, double(buffer.fullScale())};
     }
 }
 
@@ -139,7 +110,7 @@ QImage shaded(const SxPicBuf& buffer)
         uchar* out = image.scanLine(int(y));
         for (std::size_t x = 0; x < buffer.width; ++x)
             for (std::size_t c = 0; c < shown; ++c)
-                *out++ = shader(valueAt<T>(in, x * channels + c));
+                *out++ = shader(loadValue<T>(in, x * channels + c));
     }
     return image;
 }
@@ -173,40 +144,17 @@ QString valueText(T value)
 
 QStringList channelNames(const SxPicBuf& buffer)
 {
-    if (buffer.channels == 3 || buffer.channels == 4)
+    if (SxPicBufInfo::isColorChannelCount(buffer.channels))
         return {QStringLiteral("B"), QStringLiteral("G"), QStringLiteral("R"), QStringLiteral("A")};
     return {};
 }
 
 QString typeName(ExImageDataType type)
 {
-    switch (type) {
-    case ExImageDataType::Int8:
-        return QStringLiteral("int8");
-    case ExImageDataType::UInt8:
-        return QStringLiteral("uint8");
-    case ExImageDataType::Int16:
-        return QStringLiteral("int16");
-    case ExImageDataType::UInt16:
-        return QStringLiteral("uint16");
-    case ExImageDataType::Int32:
-        return QStringLiteral("int32");
-    case ExImageDataType::UInt32:
-        return QStringLiteral("uint32");
-    case ExImageDataType::Int64:
-        return QStringLiteral("int64");
-    case ExImageDataType::UInt64:
-        return QStringLiteral("uint64");
-    case ExImageDataType::Float:
-        return QStringLiteral("float");
-    case ExImageDataType::Double:
-        return QStringLiteral("double");
-    case ExImageDataType::Packed565:
-        return QStringLiteral("5-6-5");
-    case ExImageDataType::None:
-        break;
-    }
-    return QStringLiteral("unknown");
+    constexpr std::array<const char*, 12> names = {"unknown", "int8",  "uint8",  "int16", "uint16", "int32",
+                                                   "uint32",  "int64", "uint64", "float", "double", "5-6-5"};
+    const auto index = std::size_t(type);
+    return QString::fromLatin1(names[index < names.size() ? index : 0]);
 }
 
 } // namespace
@@ -217,7 +165,10 @@ QImage displayImage(const SxPicBuf& buffer)
         return {};
     if (buffer.dataType == ExImageDataType::Packed565)
         return packedImage(buffer);
-    return visitValueType(buffer.dataType, [&]<typename T>(T*) { return shaded<T>(buffer); });
+    QImage image;
+    const SxPicBuf readable = withNumberType(buffer);
+    visitNumberType(readable.dataType, [&]<typename T>(std::type_identity<T>) { image = shaded<T>(readable); });
+    return image;
 }
 
 QString pixelText(const SxPicBuf& buffer, int x, int y)
@@ -226,13 +177,13 @@ QString pixelText(const SxPicBuf& buffer, int x, int y)
         return {};
     const std::uint8_t* row = buffer.row(std::uint32_t(y));
     if (buffer.dataType == ExImageDataType::Packed565) {
-        const unsigned value = valueAt<std::uint16_t>(row, std::size_t(x));
-        return QStringLiteral("R %1  G %2  B %3").arg(value >> 11).arg((value >> 5) & 63U).arg(value & 31U);
+        const Packed565 colour = Packed565::unpack(loadValue<std::uint16_t>(row, std::size_t(x)));
+        return QStringLiteral("R %1  G %2  B %3").arg(colour.red).arg(colour.green).arg(colour.blue);
     }
     QStringList values;
-    visitValueType(buffer.dataType, [&]<typename T>(T*) {
+    visitNumberType(withNumberType(buffer).dataType, [&]<typename T>(std::type_identity<T>) {
         for (std::size_t c = 0; c < buffer.channels; ++c)
-            values += valueText(valueAt<T>(row, std::size_t(x) * buffer.channels + c));
+            values += valueText(loadValue<T>(row, std::size_t(x) * buffer.channels + c));
     });
     const QStringList names = channelNames(buffer);
     for (qsizetype i = 0; i < values.size() && i < names.size(); ++i)

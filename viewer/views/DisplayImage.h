@@ -6,8 +6,8 @@
 struct SxPicBuf;
 struct SxPicBufInfo;
 
-/// The buffer as 8-bit pixels for the screen and for video: Format_Grayscale8, Format_BGR888, or Format_RGB16 for
-/// packed colour. A null image for a buffer without pixels.
+/// The buffer as 8-bit pixels for the screen and for video: Format_Grayscale8 or, with three channels or
+/// more and for packed colours, Format_BGR888. A null image for a buffer without pixels.
 ///
 /// Whole numbers are scaled so that full scale (the buffer's bpc) becomes 255; negative ones are black. Floating-point
 /// numbers are scaled by the buffer's saturation, or from the smallest to the largest value if it has none; NaN is

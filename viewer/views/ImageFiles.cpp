@@ -2,6 +2,7 @@
 
 #include "CxImageData.h"
 #include "CxImageFormatManager.h"
+#include "TakeAs.h"
 
 #include <QtCore/QDebug>
 
@@ -15,7 +16,7 @@ std::shared_ptr<CxImageData> loadImageFile(const QString& path)
     if (!loader->readFile())
         return nullptr;
     auto* frame = qobject_cast<CxImageData*>(loader->frameAt(0));
-    std::shared_ptr<CxImageData> image(frame ? qobject_cast<CxImageData*>(frame->clone(nullptr, nullptr)) : nullptr);
+    std::shared_ptr<CxImageData> image = takeAs<CxImageData>(frame ? frame->clone(nullptr, nullptr) : nullptr);
     if (!image)
         qCritical().noquote() << QStringLiteral("Cannot show image file %1: out of memory").arg(path);
     return image;

@@ -2,6 +2,7 @@
 
 #include "CxChainManager.h"
 #include "CxImageData.h"
+#include "TakeAs.h"
 
 #include <QtCore/QDebug>
 
@@ -21,7 +22,7 @@ std::shared_ptr<CxImageData> ViewChain::processed(const std::shared_ptr<CxImageD
                         });
     if (!image || isIdle)
         return image;
-    std::shared_ptr<CxImageData> result(qobject_cast<CxImageData*>(image->clone(nullptr, nullptr)));
+    std::shared_ptr<CxImageData> result = takeAs<CxImageData>(image->clone(nullptr, nullptr));
     if (!result) {
         qCritical() << "Showing an unprocessed image: out of memory";
         return image;

@@ -1,6 +1,7 @@
 #include "ViewList.h"
 
 #include "CxImageData.h"
+#include "TakeAs.h"
 #include "views/ImageFiles.h"
 #include "views/ImageView.h"
 #include "views/ImageWidget.h"
@@ -70,7 +71,7 @@ bool ViewList::duplicate(int id)
         return false;
     std::shared_ptr<CxImageData> copy;
     if (const auto& image = original->image()) {
-        copy.reset(qobject_cast<CxImageData*>(image->clone(nullptr, nullptr)));
+        copy = takeAs<CxImageData>(image->clone(nullptr, nullptr));
         if (!copy) {
             qCritical() << "Cannot duplicate the view: out of memory";
             return false;

@@ -36,8 +36,8 @@ public:
     /// shown.
     bool openFile(const QString& path, bool activate = true);
 
-    /// Copies what a view shows into a new view and makes that the active one. A negative id stands for the active
-    /// view. Returns false if there is no such view and, with a log line, if there is no memory for the copy.
+    /// Copies the image of a view into a new view, which becomes the active one. A negative id stands for the active
+    /// view. Returns false if there is no such view or, with a log line, if there is not enough memory for the copy.
     bool duplicate(int id);
 
     /// The view with that identifier, or null.
@@ -54,7 +54,7 @@ public:
 
     void tile();
 
-    /// What other threads may ask. May be read on any thread.
+    /// The state of the views that any thread may read.
     const ViewStore& store() const { return m_store; }
 
 Q_SIGNALS:

@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 namespace {
 
 class ImageFile : public testing::Test
@@ -287,6 +289,25 @@ TEST_F(ImageFile, ARefusedSaveLeavesTheOldFileAndOneLogLine)
     ASSERT_NE(loaded, nullptr);
     EXPECT_EQ(loaded->picBuf()->width, 19U);
     EXPECT_EQ(QDir(path(QString())).entryList(QDir::Files).size(), 1); // no temporary file is left either
+}
+
+/// An image whose pixels cannot be had.
+class ThrowingImage final : public CxImageData
+{
+public:
+    SxPicBuf* picBuf() override { throw std::runtime_error("the pixels are gone"); }
+};
+
+TEST_F(ImageFile, WhateverTheImageThrowsIsOneLogLine)
+{
+    ThrowingImage image;
+    const LogCapture log;
+    const QString file = path(QStringLiteral("x.png"));
+    const std::unique_ptr<CxImageFileSaver> saver(CxImageFormatManager::instance()->saverForFile(file));
+    EXPECT_NO_THROW(EXPECT_FALSE(saver->saveImage(&image, nullptr)));
+    ASSERT_EQ(LogCapture::lines().size(), 1);
+    EXPECT_TRUE(LogCapture::lines()[0].contains(QStringLiteral("the pixels are gone")));
+    EXPECT_FALSE(QFile::exists(file));
 }
 
 TEST_F(ImageFile, ANullImageIsRefused)

@@ -1,7 +1,7 @@
 // Who owns a captured image at which moment: the record, its pixels and the image made of them.
 
-#include "plugins/support/CameraTest.h"
 #include "CxPicBufAPI.h"
+#include "plugins/support/CameraTest.h"
 #include "plugins/support/HeapWatch.h"
 #include "support/LogCapture.h"
 
