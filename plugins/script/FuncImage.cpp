@@ -223,13 +223,11 @@ static PyObject* fx_pyimg_Alloc(PyObject* self, PyObject* args)
         return fx_raise("argument out of range");
     if (bpc > 32)
         return fx_raise("number of bits out of range");
-    const auto dataType = bpc <= 8    ? ExImageDataType::UInt8
-                          : bpc <= 16 ? ExImageDataType::UInt16
-                                      : ExImageDataType::UInt32;
+    const ExImageDataType dataType = SxPicBufInfo::unsignedTypeForBits(unsigned(bpc));
     OwnedPicBuf pixels;
     CxPicBufAPI::AllocPicBufFromHeap(pixels.buffer, unsigned(width), unsigned(height), unsigned(channels), dataType, 0,
                                      0, unsigned(bpc), ExDataStorageFormat::Interleaved, ExColorFilterArray::None,
-                                     channels == 3 || channels == 4, true, 0);
+                                     SxPicBufInfo::isColorChannelCount(unsigned(channels)), true, 0);
     if (!pixels.buffer.data)
         return fx_raise("cannot allocate new image, out of memory");
     auto image = std::make_unique<CxImageData>();

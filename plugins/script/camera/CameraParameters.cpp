@@ -3,6 +3,7 @@
 
 #include "CameraNames.h"
 #include "CameraObject.h"
+#include "CameraParamNames.h"
 #include "CxCameraParameters.h"
 
 #include <QtCore/QString>
@@ -59,17 +60,17 @@ PyObject* notSupported()
 
 bool fx_cam_describe(const SxCameraInfo& info, const QString& key, CxValue& value)
 {
-    if (key == QLatin1String("device_sn"))
+    if (key == CameraParamNames::deviceSerialNumber)
         value = CxValue::fromString(info.serialNumber);
-    else if (key == QLatin1String("device_inst_path"))
+    else if (key == CameraParamNames::deviceInstancePath)
         value = CxValue::fromString(info.instancePath);
-    else if (key == QLatin1String("device_type"))
+    else if (key == CameraParamNames::deviceType)
         value = CxValue::fromString(info.deviceType);
-    else if (key == QLatin1String("device_name"))
+    else if (key == CameraParamNames::deviceName)
         value = CxValue::fromString(info.deviceName);
-    else if (key == QLatin1String("device_user_id"))
+    else if (key == CameraParamNames::deviceUserId)
         value = CxValue::fromString(info.userId);
-    else if (key == QLatin1String("device_model_id"))
+    else if (key == CameraParamNames::deviceModelId)
         value = CxValue::fromInt(info.modelId);
     else
         return false;

@@ -48,14 +48,10 @@ PyObject* number(double value)
     return PyFloat_FromDouble(value);
 }
 
-bool isFloating(ExImageDataType type)
-{
-    return type == ExImageDataType::Float || type == ExImageDataType::Double;
-}
-
+// Unlike the full scale of the host, this one has no limit but the bits, and takes the saturation as it is.
 double fullScale(const SxPicBufInfo& info)
 {
-    return isFloating(info.dataType) ? double(info.saturation) : std::ldexp(1.0, int(info.bpc)) - 1.0;
+    return SxPicBufInfo::isFloating(info.dataType) ? double(info.saturation) : std::ldexp(1.0, int(info.bpc)) - 1.0;
 }
 
 /// Type string of the array interface; null for an unknown type.

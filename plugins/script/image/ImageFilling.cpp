@@ -17,6 +17,7 @@ bool fx_img_allocate(OwnedPicBuf& target, const ImageSize& size)
     info.height = std::uint32_t(size.height);
     info.channels = std::uint32_t(size.channels);
     info.storageFormat = ExDataStorageFormat::Interleaved;
+    info.isColor = SxPicBufInfo::isColorArray(info.channels, info.dataType);
     return target.allocate(info);
 }
 

@@ -65,8 +65,6 @@ PyObject* fx_pyimages_CreateFromArrayInterface(TxPyImage& object, PyObject* dict
     OwnedPicBuf filled;
     filled.buffer.dataType = array.dataType;
     filled.buffer.bpc = SxPicBufInfo::bytesPerValue(array.dataType) * 8;
-    filled.buffer.isColor =
-        size.channels == 3 && (array.dataType == ExImageDataType::UInt8 || array.dataType == ExImageDataType::UInt16);
     if (!fx_img_allocate(filled, size)) {
         logRefusedSize(size, layout, filled.buffer.bpc);
         return fx_raise("Cannot allocate image");

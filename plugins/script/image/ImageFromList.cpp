@@ -46,7 +46,6 @@ PyObject* fx_pyimages_CreateFromList(TxPyImage& object, PyObject* list)
     SxPicBuf& buffer = filled.buffer;
     buffer.dataType = shape.ofIntegers ? ExImageDataType::UInt16 : ExImageDataType::Float;
     buffer.bpc = shape.ofIntegers ? 16 : 32;
-    buffer.isColor = shape.ofIntegers && shape.size.channels == 3;
     if (!fx_img_allocate(filled, shape.size)) {
         fx_logError(
             QStringLiteral("fx_pyimages_CreateFromList = cannot allocate image with dimensions: w%1 h%2 c%3 bpc%4")

@@ -26,7 +26,7 @@ struct ImageSize {
     std::int64_t channels = 0;
 };
 
-/// Allocates pixels, not cleared, for a size and the type, bpc and colour flag that are set in the buffer. False when
+/// Allocates pixels, not cleared, for a size and the type and bpc that are set in the buffer. False when
 /// that is not possible; no error is set.
 bool fx_img_allocate(OwnedPicBuf& target, const ImageSize& size);
 

@@ -106,7 +106,7 @@ PyObject* fx_pyimg_ConvertBpc(PyObject* self, PyObject* args)
         return fx_raise("number of bits out of range");
     SxPicBufInfo info = *source;
     info.bpc = unsigned(bpc);
-    info.dataType = bpc <= 8 ? ExImageDataType::UInt8 : bpc <= 16 ? ExImageDataType::UInt16 : ExImageDataType::UInt32;
+    info.dataType = SxPicBufInfo::unsignedTypeForBits(info.bpc);
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;

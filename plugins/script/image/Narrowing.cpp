@@ -4,15 +4,10 @@
 #include "SxPicBuf.h"
 
 namespace {
+// The types whose bits in use decide; bytes stay bytes.
 bool isUnsignedWide(ExImageDataType type)
 {
-    return type == ExImageDataType::UInt16 || type == ExImageDataType::UInt32 || type == ExImageDataType::UInt64;
-}
-
-bool isSigned(ExImageDataType type)
-{
-    return type == ExImageDataType::Int8 || type == ExImageDataType::Int16 || type == ExImageDataType::Int32 ||
-           type == ExImageDataType::Int64;
+    return SxPicBufInfo::isUnsigned(type) && type != ExImageDataType::UInt8;
 }
 
 // 8 bits become a byte; fewer do not, since a depth of less than 8 in 16 bits is what cameras deliver too.
@@ -83,13 +78,13 @@ SxPicBufInfo bestFormatFor(SxPicBuf& in)
         CxPicBufAPI::DetectColorBitDepth(in, in.bpc, true);
         target.bpc = in.bpc;
         target.dataType = narrowedUnsigned(in.dataType, in.bpc);
-    } else if (isSigned(in.dataType) && CxPicBufAPI::DetectNegativePixelValue(in)) {
+    } else if (SxPicBufInfo::isSigned(in.dataType) && CxPicBufAPI::DetectNegativePixelValue(in)) {
         if (in.dataType != ExImageDataType::Int8) {
             CxPicBufAPI::DetectColorBitDepth(in, in.bpc, true);
             target.bpc = in.bpc;
             target.dataType = narrowedSigned(in.dataType, in.bpc);
         }
-    } else if (isSigned(in.dataType)) {
+    } else if (SxPicBufInfo::isSigned(in.dataType)) {
         chooseForNonNegative(target, in);
     } else if (in.dataType == ExImageDataType::Double) {
         target.dataType = ExImageDataType::Float;
@@ -111,7 +106,6 @@ bool fx_img_convertToBestBpc(SxPicBuf& out, SxPicBuf& in)
         CxPicBufAPI::FreePicBuf(out, true);
         return false;
     }
-    out.isColor =
-        out.channels == 3 && (out.dataType == ExImageDataType::UInt8 || out.dataType == ExImageDataType::UInt16);
+    out.isColor = SxPicBufInfo::isColorArray(out.channels, out.dataType);
     return true;
 }
