@@ -45,8 +45,8 @@ PyObject* PyInit_emb()
     PyObject* module = fx_makeModule(emb::embmodule);
     if (!module)
         return nullptr;
-    if (!fx_addType(module, "stdout_object", reinterpret_cast<PyTypeObject*>(emb::TxPyStdOutType)))
-        PyErr_Clear(); // the streams can be redirected without the name
+    // Streams can be redirected without the name, so a failure is ignored.
+    fx_addType(module, "stdout_object", reinterpret_cast<PyTypeObject*>(emb::TxPyStdOutType));
     return module;
 }
 

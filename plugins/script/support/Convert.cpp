@@ -66,8 +66,10 @@ int fx_addType(PyObject* module, const char* name, PyTypeObject* type)
     if (!type)
         return 0;
     PyRef added = PyRef::retain(reinterpret_cast<PyObject*>(type));
-    if (PyModule_AddObject(module, name, added.get()) != 0)
+    if (PyModule_AddObject(module, name, added.get()) != 0) {
+        PyErr_Clear();
         return 0;
+    }
     static_cast<void>(added.release());
     return 1;
 }

@@ -82,6 +82,6 @@ PyObject* fx_makeModule(PyModuleDef& definition);
 PyTypeObject* fx_makeType(PyType_Spec& specification, const char* function, const char* problem,
                           const char* file = __builtin_FILE(), int line = __builtin_LINE());
 
-/// Adds a type to a module under a name. Returns 1 on success. Returns 0 if the type is null or adding fails; then an
-/// error may be set.
+/// Adds a type to a module under a name. Returns 1 on success, and 0 if the type is null or adding fails. Leaves no
+/// error.
 int fx_addType(PyObject* module, const char* name, PyTypeObject* type);
