@@ -24,13 +24,13 @@ CxPythonScriptPlugin::~CxPythonScriptPlugin()
         fx_dropNativeException();
         try {
             fx_takeOverMainThread();
-            emb::release_saved_streams(); // a run that host code ended has left them held
+            emb::release_saved_streams(); // a run that host code ended did not release them
             Py_Finalize();
             crashed = fx_dropNativeException();
         } catch (...) {
             crashed = true;
         }
-        // The same prefix as a failed run: whoever reads the log looks for one text.
+        // The same prefix as for a failed run, so that one search of the log finds both.
         if (crashed)
             fx_logError(QStringLiteral("CxPythonScriptPlugin::runScript(): %1")
                             .arg(QStringLiteral("Python crashed in Finalize")));
@@ -58,7 +58,7 @@ QString CxPythonScriptPlugin::runScript(const QString& strScript, IxScriptEnviro
                                         void* pStartedData, void (*fnOutput)(const QString&, bool))
 {
     QString result;
-    g_pScriptPlugin = pEnv; // before the lock: a script that still runs talks to the newest environment
+    g_pScriptPlugin = pEnv; // before the lock, so that a running script uses the newest environment
     const QMutexLocker locker(&m_lockScript);
     try {
         fx_dropNativeException();
@@ -66,13 +66,13 @@ QString CxPythonScriptPlugin::runScript(const QString& strScript, IxScriptEnviro
         if (!m_bPythonInitialized)
             startInterpreter(pEnv, strPythonHome);
         if (std::exchange(m_lastThread, std::this_thread::get_id()) != std::this_thread::get_id())
-            fx_takeOverMainThread(); // a script may end the process
+            fx_takeOverMainThread(); // the script may end the process
         result = evaluate(script, fnStarted, pStartedData, fnOutput);
     } catch (...) {
         if (result.isEmpty())
             result = QStringLiteral("Python rasied exception");
         fx_logError(QStringLiteral("CxPythonScriptPlugin::runScript(): %1").arg(result));
-        // What the streams were bound to is gone; until the next run binds them anew, writes do nothing.
+        // The streams' targets are gone. Writes do nothing until the next run sets new ones.
         emb::clear_writers();
     }
     return result;
@@ -113,17 +113,17 @@ QString CxPythonScriptPlugin::evaluate(const std::string& script, void (*fnStart
     if (fnStarted)
         fnStarted(nullptr, pStartedData);
 
-    // Shared: a script may keep the stream object longer than the run lasts.
+    // Shared, because a script may keep the stream object after the run.
     const auto errors = std::make_shared<std::string>();
     const ExitReport report(*errors);
-    // Whatever takes an object out of its place may run the script's own code, which may reach the host: an exception
-    // from there ends the run at this step.
+    // Replacing an object may run a script's finaliser, which may call the host. An exception from the host ends the
+    // run at that step.
     emb::set_stderr([errors](const std::string& text) { errors->append(text); });
     fx_rethrowNativeException();
 
     if (fnOutput) {
-        // Every print() writes its line feed by itself: the host gets one shared text for all of them. Not a literal,
-        // whose characters would go with this library.
+        // print() writes its line feed separately, so all line feeds share one text. The text is not a literal: the
+        // host may keep it after this library, with its literals, is unloaded.
         const QString lineFeed(QLatin1Char('\n'));
         emb::set_stdout([fnOutput, lineFeed](const std::string& text) {
             fnOutput(text == "\n" ? lineFeed : QString::fromStdString(text), false);
@@ -149,7 +149,7 @@ void CxPythonScriptPlugin::addImageVariable(const QString& name, CxImageData* im
     if (main && PyModule_AddObject(main, name.toUtf8().constData(), object.get()) == 0)
         static_cast<void>(object.release());
     PyErr_Clear();
-    fx_forgetNativeException(); // from a finaliser of what the name stood for
+    fx_forgetNativeException(); // from a finaliser of the name's previous value
 }
 
 void CxPythonScriptPlugin::addHelpToPythonFunctions(const char* moduleName, PyMethodDef* moduleFuncs,

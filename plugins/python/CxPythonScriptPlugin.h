@@ -10,11 +10,11 @@
 #include <string>
 #include <thread>
 
-/// The plugin's one object: runs Python scripts for the host.
+/// The plugin's only object: runs Python scripts for the host.
 ///
-/// The interpreter is started by the first run and lives until the object is destroyed; all scripts of the process
-/// share it and its namespace __main__. Each run leaves that namespace as it found it, but for the values of names that
-/// were there before.
+/// The first run starts the interpreter, which lives until the object is destroyed. All scripts of the process share
+/// the interpreter and its namespace __main__. A run that completes deletes the names that it added; the values that it
+/// gave to older names stay.
 class CxPythonScriptPlugin : public QObject, public CxScriptLangInterface
 {
     Q_OBJECT
@@ -31,19 +31,19 @@ public:
                       void (*fnOutput)(const QString&, bool)) override;
     void addImageVariable(const QString& name, CxImageData* image) override;
 
-    /// Sets the documentation of every entry of the tables to the text that the environment of the latest run has for
-    /// it (perhaps none); without an environment nothing changes. The texts stay the host's and are not copied. A table
-    /// that is null or has no name is left out. Called before a module or type is made from the tables.
+    /// Sets the documentation of every table entry to the help text of the latest run's environment, which may be null.
+    /// Changes nothing without an environment. The host owns the texts; they are not copied. Skips a table that is null
+    /// or has no name. Call it before a module or type is made from the tables.
     static void addHelpToPythonFunctions(const char* moduleName, PyMethodDef* moduleFuncs, const char* objectName,
                                          PyMethodDef* objectMethods);
 
-    /// The names in __main__, UTF-8, in the namespace's order.
+    /// The names in __main__, in UTF-8 and in the order of the namespace.
     std::list<std::string> listLocalVariables();
 
-    /// Deletes every name from __main__ that is not among the given ones.
+    /// Deletes every name from __main__ that is not in the list `before`.
     void deleteNewLocalVariables(const std::list<std::string>& before);
 
-    /// Writes every name of __main__ with its value to the log: an aid for whoever debugs a host.
+    /// Writes every name of __main__ and its value to the log, to help debug a host.
     void dumpLocalVariables();
 
 private:
@@ -51,7 +51,7 @@ private:
     QString evaluate(const std::string& script, void (*fnStarted)(void*, void*), void* pStartedData,
                      void (*fnOutput)(const QString&, bool));
 
-    QMutex m_lockScript; // held for the whole of a run
+    QMutex m_lockScript; // held during the whole run
     bool m_bPythonInitialized = false;
-    std::thread::id m_lastThread; // that ran a script
+    std::thread::id m_lastThread; // the thread of the latest run
 };

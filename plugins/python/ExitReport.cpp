@@ -28,7 +28,7 @@ void ExitReport::writeWhenInterpreterEnds()
 
 ExitReport::ExitReport(const std::string& errors)
 {
-    // For host code that calls exit() itself. Goes with the library, should that be unloaded first.
+    // For host code that calls exit() itself. Unloading the library runs the function and removes it.
     static const bool registered = std::atexit(writeCollected) == 0;
     static_cast<void>(registered);
     collected = &errors;

@@ -4,19 +4,19 @@
 
 /// Saves the error text of a run that ends the process.
 ///
-/// A script that raises SystemExit ends the process from inside the interpreter: runScript() never returns, and the
-/// text collected for its result (a message given to sys.exit, for one) would be lost. While an object of this class
-/// lives, such a text is written to the process's standard error stream when the process exits.
+/// A script that raises SystemExit ends the process from inside the interpreter. runScript() then never returns, and
+/// the text collected for its result, such as a message given to sys.exit, would be lost. While an object of this class
+/// exists, that text is written to the process's standard error stream when the process exits.
 ///
-/// The interpreter ends before exit() is called, so the text comes before all that the host has registered with exit(),
-/// perhaps to leave the process by itself.
+/// The interpreter is finalised before exit() is called. The text is therefore written before the host's atexit()
+/// functions run, even if one of them ends the process.
 class ExitReport
 {
 public:
-    /// Called each time the interpreter has been started.
+    /// Call it each time after the interpreter has started.
     static void writeWhenInterpreterEnds();
 
-    /// errors stays the caller's and outlives this.
+    /// The caller owns errors, which must outlive this object.
     explicit ExitReport(const std::string& errors);
     ~ExitReport();
 

@@ -13,13 +13,13 @@ void fx_makeInterpreterSymbolsGlobal()
 #if defined(Q_OS_UNIX)
     Dl_info library = {};
     if (dladdr(reinterpret_cast<const void*>(&Py_Initialize), &library) != 0 && library.dli_fname)
-        dlopen(library.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_GLOBAL); // stays open, as the library does
+        dlopen(library.dli_fname, RTLD_LAZY | RTLD_NOLOAD | RTLD_GLOBAL); // stays open like the library
 #endif
 }
 
 void fx_setInterpreterPaths(const std::wstring& program, const std::wstring& home)
 {
-    // Deprecated from 3.11 on; what replaces them is not in the limited API.
+    // Deprecated since 3.11, but the replacements are not in the limited API.
     QT_WARNING_PUSH
     QT_WARNING_DISABLE_DEPRECATED
     Py_SetProgramName(program.c_str());

@@ -1,4 +1,4 @@
-// The names in __main__: what a run finds there, and what it must not leave.
+// The names in __main__: listing them, and deleting those that a run added.
 
 #include "CxPythonScriptPlugin.h"
 #include "support/Convert.h"
@@ -13,7 +13,8 @@
 
 namespace {
 
-/// Clears the error that is set. Names must not count as missing because memory was short: that throws.
+/// Clears the pending error. Throws bad_alloc for a MemoryError, so that a lack of memory does not look like a missing
+/// name.
 void clearError()
 {
     const bool outOfMemory = PyErr_ExceptionMatches(PyExc_MemoryError);
@@ -22,7 +23,7 @@ void clearError()
         throw std::bad_alloc();
 }
 
-/// The dictionary of __main__, borrowed; null when there is none.
+/// The dictionary of __main__, borrowed. Null if there is none.
 PyObject* mainDictionary()
 {
     PyObject* main = PyImport_AddModule("__main__");
@@ -36,7 +37,7 @@ std::string_view view(PyObject* bytes)
     return {PyBytes_AsString(bytes), std::size_t(PyBytes_Size(bytes))};
 }
 
-/// Calls function with the UTF-8 form of every key of the dictionary that is a text, in the dictionary's order.
+/// Calls function with the UTF-8 form of every text key, in the order of the dictionary.
 template<typename Function>
 void forEachName(PyObject* dictionary, Function function)
 {
@@ -71,8 +72,8 @@ void CxPythonScriptPlugin::deleteNewLocalVariables(const std::list<std::string>&
     if (!dictionary)
         return;
     std::list<std::string> added;
-    // A dictionary keeps its order, so the names from before mostly come in theirs: the search starts where the last
-    // one was found, and goes once around.
+    // A dictionary keeps its order, so the older names mostly come in their previous order. Each search starts behind
+    // the last match and goes around the list once.
     auto expected = before.begin();
     const auto known = [&before, &expected](std::string_view name) {
         for (std::size_t i = 0; i < before.size(); ++i) {
@@ -90,7 +91,7 @@ void CxPythonScriptPlugin::deleteNewLocalVariables(const std::list<std::string>&
     for (const std::string& name : added) {
         if (PyObject_DelItemString(dictionary, name.c_str()) != 0)
             PyErr_Clear();
-        fx_rethrowNativeException(); // from a finaliser: the names that are left stay
+        fx_rethrowNativeException(); // from a finaliser; the remaining names stay
     }
 }
 
@@ -103,7 +104,7 @@ void CxPythonScriptPlugin::dumpLocalVariables()
     const Py_ssize_t count = keys ? PyList_Size(keys.get()) : 0;
     for (Py_ssize_t i = 0; i < count; ++i) {
         PyObject* key = PyList_GetItem(keys.get(), i);
-        // Held: making a text of it runs code, which may delete the name.
+        // Held, because PyObject_Str() runs code that may delete the name.
         const PyRef value = PyRef::retain(PyDict_GetItem(dictionary, key));
         const PyRef keyText = PyRef::take(PyObject_Str(key));
         const PyRef valueText = value ? PyRef::take(PyObject_Str(value.get())) : PyRef();

@@ -25,7 +25,7 @@ extern PyType_Spec TxPyStdOutType_Spec;
 
 static PyObject* TxPyStdOutType = nullptr;
 static PyObject* g_stdout = nullptr;
-static PyObject* g_stdout_saved = nullptr; // held while g_stdout is there, since a script may drop every other holder
+static PyObject* g_stdout_saved = nullptr; // owned while g_stdout is set: a script may drop every other reference
 static PyObject* g_stderr = nullptr;
 static PyObject* g_stderr_saved = nullptr; // likewise
 
@@ -45,7 +45,7 @@ PyObject* PyInit_emb()
     PyObject* module = fx_makeModule(emb::embmodule);
     if (!module)
         return nullptr;
-    // Streams can be redirected without the name, so a failure is ignored.
+    // Redirection works without this name, so a failure is ignored.
     fx_addType(module, "stdout_object", reinterpret_cast<PyTypeObject*>(emb::TxPyStdOutType));
     return module;
 }
@@ -68,7 +68,7 @@ static void Stdout_free(PyObject* self)
     const auto release = reinterpret_cast<freefunc>(PyType_GetSlot(type, Py_tp_free));
     fx_record<TxPyStdOut>(self).fnWrite.~Write();
     release(self);
-    Py_DECREF(type); // instances of a type made at run time hold it
+    Py_DECREF(type); // instances of a heap type own a reference to it
 }
 
 static PyObject* Stdout_write(PyObject* self, PyObject* args)
@@ -90,7 +90,7 @@ static PyObject* Stdout_flush(PyObject* /*self*/, PyObject* /*args*/)
     return Py_BuildValue("");
 }
 
-// ---- installing it ----
+// ---- installing the object ----
 
 static void setStream(const char* name, PyObject* stream)
 {
@@ -107,9 +107,9 @@ static void install(const char* name, PyObject*& instance, PyObject*& saved, Wri
         instance = PyObject_CallObject(TxPyStdOutType, nullptr);
         saved = instance ? current.release() : nullptr;
         if (!instance)
-            return PyErr_Clear(); // without an object to write to, the stream stays as it is
+            return PyErr_Clear(); // without the object the stream stays as it is
     }
-    // The old function goes when everything is in place: its release may run anything.
+    // The old function is destroyed last, when everything is in place: its destruction may run any code.
     std::swap(fx_record<TxPyStdOut>(instance).fnWrite, write);
     setStream(name, instance);
 }

@@ -1,4 +1,4 @@
-// The module `vantrel`: registration, initialisation, source texts, and the table of its functions.
+// The module `vantrel`: registration, initialisation, running source texts, and the table of its functions.
 
 #include "IxAppDelegate.h"
 #include "ScriptModule.h"
@@ -10,7 +10,7 @@
 
 #include <cstdio>
 
-// Only the interpreter's full headers name the start symbol of a whole file.
+// The interpreter's limited headers do not define the start symbol for a whole file.
 #ifndef Py_file_input
 #define Py_file_input 257
 #endif
@@ -27,7 +27,7 @@ void fx_pyapp_register()
 static PyObject* makeModule()
 {
     fx_addHelp("vantrel", px_app_funcs, nullptr, nullptr);
-    // Without one of its types the module is still of use.
+    // The module is useful even if one of its types is missing.
     for (const auto ready : {fx_pycams_TypeReady, fx_pygraphs_TypeReady, fx_pyimages_TypeReady}) {
         ready();
         PyErr_Clear();
@@ -77,7 +77,7 @@ void fx_script_runText(const std::string& text)
     }
 }
 
-// ---- shared by the functions ----
+// ---- shared by the module's functions ----
 
 int fx_app_resolveViewId(IxAppDelegate& delegate, int id)
 {
@@ -86,7 +86,7 @@ int fx_app_resolveViewId(IxAppDelegate& delegate, int id)
 
 // ---- tables ----
 
-// Writable: the help texts are put in before the module is made.
+// Writable: the help texts are filled in before the module is made.
 PyMethodDef px_app_funcs[] = {
     {"get_number_devices", guarded<fx_pycams_GetCount>, METH_NOARGS, nullptr},
     {"open_file", guarded<fx_pyapp_OpenFile>, METH_VARARGS, nullptr},

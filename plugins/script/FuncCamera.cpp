@@ -1,5 +1,5 @@
-// The type vantrel.Camera: its objects, how they are attached to the host's cameras, device information, acquisition,
-// and its tables.
+// The type vantrel.Camera: its objects, attaching them to the host's cameras, device information, acquisition, and its
+// tables.
 
 #include "CxCameraManager.h"
 #include "CxCameraParameters.h"
@@ -26,7 +26,7 @@ PyObject* fx_pycams_GetCount(PyObject* /*module*/, PyObject* /*args*/)
     return PyLong_FromUnsignedLong(quint32(CxCameraManager::instance()->openedCameraCount()));
 }
 
-// ---- life and text form ----
+// ---- construction and text form ----
 
 static int fx_pycam_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keywords*/)
 {
@@ -59,7 +59,7 @@ static PyObject* fx_pycam_Open(PyObject* self, PyObject* args)
     return fx_none();
 }
 
-/// Attaches the first opened camera whose description has the given text in that field, in any letter case.
+/// Attaches the first opened camera whose description has the given text in that field. Ignores the letter case.
 static PyObject* openByText(PyObject* self, PyObject* args, QString SxCameraInfo::*field)
 {
     if (!self)
@@ -144,7 +144,7 @@ static PyObject* fx_pycam_StopAcquisition(PyObject* self, PyObject* /*args*/)
 
 // ---- tables ----
 
-// Writable: the help texts are put in before the type is made.
+// Writable: the help texts are filled in before the type is made.
 static PyMethodDef px_camera_meths[] = {
     {"open_device", guarded<fx_pycam_Open>, METH_VARARGS, nullptr},
     {"open_device_by_user_id", guarded<fx_pycam_OpenByUserId>, METH_VARARGS, nullptr},
@@ -165,7 +165,7 @@ static PyMethodDef px_camera_meths[] = {
     {nullptr, nullptr, 0, nullptr},
 };
 
-// No deallocation slot: an object owns nothing, the interpreter releases the record.
+// No deallocation slot: an object owns nothing, and the interpreter releases the record.
 static PyType_Slot TxPyCameraType_Slots[] = {
     {Py_tp_str, guardedSlot<fx_pycam_ToString>()},
     {Py_tp_getattro, guardedSlot<fx_pycam_GetAttrO>()},

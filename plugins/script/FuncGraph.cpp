@@ -1,5 +1,5 @@
-// The type vantrel.Graph: its objects, their methods and its tables. What a graph holds and how it is drawn needs no
-// interpreter and stands in CxGraphData and GraphPainting.
+// The type vantrel.Graph: its objects, their methods and its tables. CxGraphData holds a graph's data and GraphPainting
+// draws it; neither needs the interpreter.
 
 #include "CxImageData.h"
 #include "ScriptModule.h"
@@ -23,7 +23,7 @@ struct TxPyGraph {
 /// The type object of the running interpreter; null until the module is made.
 static PyTypeObject* TxPyGraphType = nullptr;
 
-// ---- life ----
+// ---- construction and destruction ----
 
 static int fx_pygraph_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keywords*/)
 {
@@ -31,8 +31,8 @@ static int fx_pygraph_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keywo
     return 0;
 }
 
-// Gives back the graph's data only, never the object's own memory: whoever still holds the record's address after the
-// last reference is gone finds an empty object there.
+// Frees the graph's data but never the object's memory. After the last reference is gone, the record's address still
+// holds an empty object.
 static void fx_pygraph_Free(PyObject* self)
 {
     if (self)
@@ -41,7 +41,7 @@ static void fx_pygraph_Free(PyObject* self)
 
 // ---- shared by the methods ----
 
-// The object's data; null with an error set when it is empty.
+// The object's data. Null with an error set if the object is empty.
 static CxGraphData* graphOf(PyObject* self)
 {
     CxGraphData* graph = self ? fx_record<TxPyGraph>(self).graphData : nullptr;
@@ -50,7 +50,7 @@ static CxGraphData* graphOf(PyObject* self)
     return graph;
 }
 
-// Colours are always opaque: the alpha that scripts may give has no effect.
+// Colours are always opaque. An alpha value from a script has no effect.
 static QColor opaqueColor(int red, int green, int blue)
 {
     QColor color;
@@ -196,7 +196,7 @@ static PyObject* fx_pygraph_DrawIntoImage(PyObject* self, PyObject* args)
         return nullptr;
     CxImageData* image = fx_pyimg_getImageObjectData(object);
     if (!image)
-        return nullptr; // without an error, which the interpreter reports
+        return nullptr; // without an error set; the interpreter reports that
     const SxPicBuf* buffer = image->picBuf();
     if (!buffer || !buffer->data || !fx_graph_canDrawInto(*buffer))
         return fx_raise("Image must have RGB or RGBA format");
@@ -204,7 +204,7 @@ static PyObject* fx_pygraph_DrawIntoImage(PyObject* self, PyObject* args)
     return fx_none();
 }
 
-// Unlike all others this method counts series from 1.
+// Unlike all other methods, this one counts series from 1.
 static PyObject* fx_pygraph_CopySeriesDataToClipboard(PyObject* self, PyObject* args)
 {
     CxGraphData* graph = graphOf(self);
@@ -218,7 +218,7 @@ static PyObject* fx_pygraph_CopySeriesDataToClipboard(PyObject* self, PyObject* 
 
 // ---- tables ----
 
-// Writable: the help texts are put in before the type is made.
+// Writable: the help texts are filled in before the type is made.
 static PyMethodDef px_graph_meths[] = {
     {"add_series", guarded<fx_pygraph_AddSeries>, METH_NOARGS, nullptr},
     {"series_add_point", guarded<fx_pygraph_SeriesAddPoint>, METH_VARARGS, nullptr},

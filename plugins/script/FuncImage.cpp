@@ -1,4 +1,4 @@
-// The type vantrel.Image: its objects, who owns the image behind them, its simple methods and its tables.
+// The type vantrel.Image: its objects, ownership of their images, its simple methods and its tables.
 
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
@@ -31,7 +31,7 @@ PyObject* fx_pyimg_createNewImageObject(CxImageData* image, int owns)
 
 CxImageData* fx_pyimg_getImageObjectData(PyObject* object)
 {
-    // The type cannot be subclassed, so an object of it has exactly this type.
+    // The type cannot be subclassed, so the exact type is enough.
     if (!object || Py_TYPE(object) != TxPyImageType)
         return nullptr;
     return fx_record<TxPyImage>(object).imageData;
@@ -73,7 +73,7 @@ PyObject* fx_img_newOwner(OwnedPicBuf pixels)
     return fx_img_newOwner(std::move(image));
 }
 
-// ---- life and text form ----
+// ---- construction, destruction and text form ----
 
 static int fx_pyimg_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keywords*/)
 {
@@ -82,8 +82,8 @@ static int fx_pyimg_Init(PyObject* self, PyObject* /*args*/, PyObject* /*keyword
     return 0;
 }
 
-// Gives back the host's image only, never the object's own memory: whoever still holds the record's address after the
-// last reference is gone finds an empty object there.
+// Releases the host's image but never the object's memory. After the last reference is gone, the record's address still
+// holds an empty object.
 static void fx_pyimg_Free(PyObject* self)
 {
     if (self)
@@ -132,7 +132,7 @@ static PyObject* fx_pyimg_ToString(PyObject* self)
     return PyUnicode_FromStringAndSize(utf8.constData(), utf8.size());
 }
 
-// ---- simple methods: an empty object gives null without an error, which the interpreter reports ----
+// ---- simple methods: an empty object gives null without an error set; the interpreter reports that ----
 
 static PyObject* fx_pyimg_GetWidth(PyObject* self, PyObject* /*args*/)
 {
@@ -179,7 +179,7 @@ static PyObject* fx_pyimg_GetBytesPerPixel(PyObject* self, PyObject* /*args*/)
 static PyObject* fx_pyimg_Bytes(PyObject* self, PyObject* /*args*/)
 {
     const SxPicBuf* buffer = fx_img_buffer(self);
-    // A buffer without memory would be given as bytes of any content.
+    // From a buffer without memory the result would be bytes of arbitrary content.
     if (!buffer || (!buffer->data && buffer->dataSize() > 0))
         return fx_raise("Vantrel image object is empty");
     return PyBytes_FromStringAndSize(reinterpret_cast<const char*>(buffer->data), Py_ssize_t(buffer->dataSize()));
@@ -206,7 +206,7 @@ static PyObject* fx_pyimg_GetImageDataNumpy(PyObject* self, PyObject* args)
     CxPicBufAPI::SwapRedAndBlue(swapped.buffer);
     auto image = std::make_unique<CxImageData>();
     image->setPicBuf(swapped.buffer);
-    static_cast<void>(swapped.release()); // the image's, now that it has taken the pixels over
+    static_cast<void>(swapped.release()); // the image now owns the pixels
     image->setImageMetadata(own->imageMetadata());
     return fx_img_newOwner(std::move(image));
 }
@@ -238,8 +238,8 @@ static PyObject* fx_pyimg_Alloc(PyObject* self, PyObject* args)
 
 // ---- tables ----
 
-// Writable: the help texts are put in before the type is made. "__bytes__" stays first: the attribute "tobytes" is
-// this entry bound to its object.
+// Writable: the help texts are filled in before the type is made. "__bytes__" must stay first: the attribute "tobytes"
+// is this entry bound to its object.
 PyMethodDef px_image_meths[] = {
     {"__bytes__", guarded<fx_pyimg_Bytes>, METH_NOARGS, nullptr},
     {"alloc", guarded<fx_pyimg_Alloc>, METH_VARARGS, nullptr},
@@ -267,7 +267,7 @@ PyMethodDef px_image_meths[] = {
     {"copy_to", guarded<fx_pyimg_CopyTo>, METH_O, nullptr},
     {"copy_rect_to", guarded<fx_pyimg_CopyRectTo>, METH_VARARGS, nullptr},
     {"resize_to", guarded<fx_pyimg_ResizeTo>, METH_O, nullptr},
-    // Published with this spelling: scripts call it so.
+    // The published name has this spelling, and scripts use it.
     {"tesize_rect_to", guarded<fx_pyimg_ResizeRectTo>, METH_VARARGS, nullptr},
     {"add", guarded<fx_pyimg_Add>, METH_O, nullptr},
     {"subtract", guarded<fx_pyimg_Subtract>, METH_O, nullptr},

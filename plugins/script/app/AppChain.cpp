@@ -17,11 +17,11 @@
 
 namespace {
 
-/// Stores one entry of a configuration, or leaves it out when its value is of no kind that a stage could read.
+/// Stores one entry of a configuration. Omits an entry whose value has a type that a stage cannot read.
 void addAttribute(QDomElement& conf, const QString& name, PyObject* value)
 {
     if (fx_isInteger(value)) {
-        // Cut to the low 32 bits, however large the integer is. Nothing is raised.
+        // Keeps the low 32 bits of an integer of any size. Raises nothing.
         conf.setAttribute(name, int(PyLong_AsUnsignedLongLongMask(value)));
     } else if (fx_isFloat(value)) {
         conf.setAttribute(name, PyFloat_AsDouble(value));
@@ -30,14 +30,14 @@ void addAttribute(QDomElement& conf, const QString& name, PyObject* value)
     }
 }
 
-/// Fills the element from a script's configuration; false with an error set when that is no dictionary.
+/// Fills the element from a script's configuration. Returns false with an error set if config is not a dictionary.
 bool fillConfig(QDomElement& conf, PyObject* config)
 {
     if (!fx_isDict(config)) {
         fx_raise("Config parameter is not of the dictionary type");
         return false;
     }
-    // Nothing in this loop runs a script's code, which could change the dictionary meanwhile.
+    // Nothing in this loop runs a script's code, so the dictionary does not change.
     Py_ssize_t position = 0;
     PyObject* key = nullptr;
     PyObject* value = nullptr;
@@ -48,7 +48,7 @@ bool fillConfig(QDomElement& conf, PyObject* config)
     return true;
 }
 
-/// A new stage by the name that a user knows, and null for an unknown name or a class that gives no stage.
+/// Creates a stage from its display name. Null if the name is unknown or its class does not create a stage.
 std::unique_ptr<CxChainable> createStage(const QString& name)
 {
     const CxRTTI& registry = *CxRTTI::instance();
@@ -90,11 +90,11 @@ PyObject* fx_pyapp_AddChainObject(PyObject* /*module*/, PyObject* args)
     const bool wasRunning = !chain->stopped();
     if (wasRunning)
         chain->stop();
-    // A host exception from here leaves the chain stopped: it must not work on with half a change.
+    // If the host throws from here on, the chain stays stopped: it must not run with half a change.
     stage->readConfig(conf);
     stage->setEnabled(true);
-    // The answer decides only who owns the stage: the script learns nothing of it. An object that is in a chain belongs
-    // to that chain, whichever it is.
+    // The result only decides who owns the stage; the script does not see it. A chain owns the stages in it, even if it
+    // is another chain than this one.
     const bool inserted = CxChainManager::instance()->insertBefore(chain, stage.get(), viewObject);
     if (inserted || stage->chain())
         static_cast<void>(stage.release());

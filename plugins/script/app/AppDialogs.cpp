@@ -1,4 +1,4 @@
-// What scripts show to the user and ask of them.
+// Messages and questions from scripts to the user.
 
 #include "AppFunctions.h"
 #include "IxAppDelegate.h"
@@ -24,7 +24,7 @@ QAbstractButton* addButtonIfNamed(QMessageBox& box, const QString& label)
     return label.isEmpty() ? nullptr : box.addButton(label, QMessageBox::ActionRole);
 }
 
-/// Shows the box and returns the button that ended it; null when none did, or when the box went away with its parent.
+/// Shows the box and returns the clicked button. Null if no button was clicked or if the parent deleted the box.
 QAbstractButton* askUser(const QPointer<QMessageBox>& box)
 {
     box->exec();
@@ -48,13 +48,13 @@ PyObject* fx_pyapp_MessageBox(PyObject* /*module*/, PyObject* args)
     const QPointer<QMessageBox> box = new QMessageBox(delegate->mainWindow());
     box->setWindowTitle(textOf(title));
     box->setText(textOf(text));
-    // Its own label serves the first button only beside a second one.
+    // The first button uses its label only if there is a second button.
     const QAbstractButton* first = secondLabel.isEmpty() ? box->addButton(QMessageBox::Ok)
                                                          : box->addButton(textOf(label1), QMessageBox::ActionRole);
     const QAbstractButton* second = addButtonIfNamed(*box, secondLabel);
     const QAbstractButton* third = addButtonIfNamed(*box, textOf(label3));
 
-    // A missing button compares equal to none clicked.
+    // If no button was clicked, clicked is null and matches the first button that is missing.
     const QAbstractButton* clicked = askUser(box);
     const int result = clicked == first ? 1 : clicked == second ? 2 : clicked == third ? 3 : 0;
     delete box;

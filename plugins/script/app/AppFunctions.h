@@ -5,11 +5,11 @@
 
 class IxAppDelegate;
 
-// The functions of the module, one file a subject; FuncApp.cpp holds their table.
+// The functions of the module, one file per subject. FuncApp.cpp holds their table.
 
-// ---- shared by them ----
+// ---- shared by the functions ----
 
-/// The view identifier to use: a negative one stands for the active view.
+/// Returns id, or the identifier of the active view if id is negative.
 int fx_app_resolveViewId(IxAppDelegate& delegate, int id);
 
 // ---- cameras: FuncCamera.cpp ----

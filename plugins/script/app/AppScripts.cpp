@@ -1,4 +1,4 @@
-// Scripts and menus: items that run a script, script files run by a script, its folder, and sounds.
+// Scripts and menus: menu items that run a script, script files, the working directory, and sounds.
 
 #include "AppFunctions.h"
 #include "IxAppDelegate.h"
@@ -11,18 +11,18 @@
 
 #include <algorithm>
 
-// The kind of menu that receives the items added by scripts.
+// The kind of menu to which scripts add their items.
 static constexpr int scriptMenuKind = 3;
 
-// Scripts within scripts. The interpreter's own limit of recursion comes later, but leaves no room to print its error
-// in.
+// The limit for scripts within scripts. The interpreter's recursion limit is reached later and leaves no room to
+// print the error.
 static constexpr int maxNestedScripts = 200;
 
 namespace {
 
 thread_local int nestedScripts = 0;
 
-/// Counts a script in while it runs.
+/// Counts a script while it runs.
 class NestedScript
 {
 public:
@@ -31,7 +31,7 @@ public:
     Q_DISABLE_COPY_MOVE(NestedScript)
 };
 
-/// Runs the text of a script file. Errors are printed, also those of a text that cannot be run at all.
+/// Runs the text of a script file. Prints every error, even if the text cannot run at all.
 void runText(const QByteArray& text)
 {
     if (nestedScripts >= maxNestedScripts) {

@@ -1,4 +1,4 @@
-// The values that scripts share with each other.
+// Values that scripts share.
 
 #include "AppFunctions.h"
 #include "GlobalVariables.h"
@@ -19,8 +19,8 @@ PyObject* fx_pyapp_GetGlobalVariableImg(PyObject* /*module*/, PyObject* args)
     const char* name = nullptr;
     if (!PyArg_ParseTuple(args, "s", &name))
         return nullptr;
-    // Wrapped while the store is locked, lest another thread delete the image meanwhile. That is safe: an image object
-    // is none of those whose creation may start the garbage collector, and with it a script's code.
+    // Wrapped under the store's lock, so that no other thread deletes the image meanwhile. That is safe: the garbage
+    // collector does not track image objects, so creating one does not start the collector or run a script's code.
     PyObject* result = nullptr;
     fx_vars_readImage(QString::fromUtf8(name), [&result](CxImageData* image) {
         result = image ? fx_pyimg_createNewImageObject(image, false) : fx_none();

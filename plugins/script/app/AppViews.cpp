@@ -17,7 +17,7 @@
 
 namespace {
 
-/// An independent copy of an image; null with an error set when there is no memory for it.
+/// An independent copy of an image. Null with an error set if memory runs out.
 std::unique_ptr<CxImageData> cloneImage(CxImageData& image)
 {
     std::unique_ptr<CxImageData> copy = takeAs<CxImageData>(image.clone(nullptr, nullptr));
@@ -26,7 +26,7 @@ std::unique_ptr<CxImageData> cloneImage(CxImageData& image)
     return copy;
 }
 
-/// The view that an identifier names, or null.
+/// The view with the given identifier, or null.
 CxMdiView* findView(IxAppDelegate& delegate, int id)
 {
     return delegate.view(fx_app_resolveViewId(delegate, id));

@@ -9,8 +9,8 @@
 #include <memory>
 #include <utility>
 
-// In this order, so that the lock is the first to go when the library is unloaded. The images are not deleted then: the
-// core library that they come from may be gone before this one.
+// In this order, so that the lock is destroyed first when the library is unloaded. The images are not deleted then,
+// because the core library that made them may be unloaded earlier.
 static QMap<QString, CxImageData*> g_mapGlobalVarImg;
 static QMap<QString, int> g_mapGlobalVarInt;
 static QMap<QString, QString> g_mapGlobalVarString;

@@ -10,7 +10,7 @@
 
 namespace {
 
-// Lines that lead at most this far out of the visible pixels are painted soon enough as they are, in pixels.
+// Lines that reach at most this many pixels beyond the visible ones are painted fast enough without cutting.
 constexpr int near = 64;
 
 constexpr int stripHeight = 16; // rows
@@ -30,8 +30,9 @@ QPainterPath outlineOf(const QVector<QPointF>& line, const QPen& pen)
     return stroker.createStroke(path);
 }
 
-// Fills an outline strip by strip, each cut for itself: the flatter the visible pixels, the nearer to them an edge of
-// the outline can end, and the painter goes along whole edges for nearly every row of a crowded strip.
+// Fills an outline strip by strip and cuts it separately for each strip. The flatter the visible area is, the nearer to
+// it an edge of the outline can end. Short edges save time: in a crowded strip the painter walks along whole edges for
+// nearly every row.
 void fillInStrips(QImage& image, const QPainterPath& outline, const QRect& visible, const QPainter& painter)
 {
     for (int top = visible.top(); top <= visible.bottom(); top += stripHeight) {
@@ -45,7 +46,7 @@ void fillInStrips(QImage& image, const QPainterPath& outline, const QRect& visib
     }
 }
 
-// Whether the painter takes an outline as it is.
+// Whether the painter fills an outline without clipping it first.
 bool isTaken(const QPainterPath& outline)
 {
     const QRectF extent = outline.controlPointRect();
@@ -57,7 +58,7 @@ bool isTaken(const QPainterPath& outline)
 
 void GraphLine::drawLinePlot(QCPPainter* painter, const QVector<QPointF>& lines) const
 {
-    // It moves the painter by half a pixel.
+    // The hint moves the painter by half a pixel.
     applyDefaultAntialiasingHint(painter);
     const QTransform toPixels = painter->combinedTransform();
     auto* image = dynamic_cast<QImage*>(painter->device());
@@ -76,7 +77,7 @@ void GraphLine::drawLinePlot(QCPPainter* painter, const QVector<QPointF>& lines)
         const QVector<QPointF> line(begin, end);
         const bool isNear =
             std::all_of(line.begin(), line.end(), [&](const QPointF& point) { return nearby.contains(point); });
-        // A line that ends where it begins gets caps, which an outline of our own would lack.
+        // The library draws caps on a line that ends where it begins; the outline from the stroker has none.
         if (isNear || line.first() == line.last()) {
             QCPGraph::drawLinePlot(painter, line);
             continue;

@@ -2,8 +2,8 @@
 
 #include "PlotLibrary.h"
 
-/// A graph whose line is drawn in time however far it leads out of the visible ranges. What is seen is the library's
-/// picture, to the last grey level.
+/// A graph that draws its line fast, however far the line reaches beyond the visible ranges. The visible pixels are the
+/// same as the library's, to the last grey level.
 class GraphLine : public QCPGraph
 {
 public:

@@ -14,13 +14,14 @@ namespace {
 
 using namespace outline;
 
-// Points up to here outside the visible pixels, in pixels, stay as they are; those beyond are moved to this distance.
+// Points at most this many pixels outside the visible ones stay as they are. Farther points move to this distance.
 constexpr qint64 nearby = 32;
 
-// How far a replaced edge's ends lie off its middle, at least, in steps of the grid of points.
+// The least distance, across its course, of a replacement edge's ends from its pivot, in steps of the grid of points.
 constexpr double leastRise = 0.125;
 
-// The parts of an edge, from 0 to 1, at which it enters and leaves a box; it misses the box when it leaves first.
+// The fractions of an edge, from 0 to 1, at which it enters and leaves a box. If it leaves before it enters, the edge
+// misses the box.
 std::pair<double, double> partInside(const Edge& edge, const Box& box)
 {
     double enters = 0;
@@ -44,7 +45,7 @@ Point pointAt(const Edge& edge, double part)
             std::llround(double(edge.from.y) + part * double(edge.dy()))};
 }
 
-// An edge seen along the axis on which it is longer.
+// An edge seen along the axis on which the edge is longer.
 class Course
 {
 public:
@@ -59,12 +60,12 @@ public:
     qint64 length() const { return m_length; }
     bool rises() const { return m_rise >= 0; }
 
-    /// How far the edge is above the grid, in units of 1 / length().
+    /// How far the edge is above the grid line below it, in units of 1 / length().
     qint64 above(qint64 along) const { return along * m_rise - floorDivided(along * m_rise, m_length) * m_length; }
 
     double aboveGrid(qint64 along) const { return double(above(along)) / double(m_length); }
 
-    /// The point of the grid so many steps above the edge's start.
+    /// The grid point that lies along steps ahead of the edge's start and across steps above it.
     Point gridPoint(qint64 along, qint64 across) const
     {
         const qint64 ahead = isForward() ? along : -along;
@@ -79,11 +80,12 @@ public:
 
     struct Pivot {
         double along;
-        double shift; ///< up, in steps of the grid
+        double shift; ///< upwards, in steps of the grid
     };
 
-    /// A place that another edge between two places had best go through, to cross the pixels' borders alike: where the
-    /// rounded crossings change, or, when they do not, as far as can be from where they would.
+    /// The place between from and to through which a replacement edge should go, so that it crosses the pixel borders
+    /// like this edge. This is where the rounded crossings change. If they do not change, it is as far as possible from
+    /// where they would.
     Pivot pivot(double from, double to) const
     {
         const qint64 start = m_steep ? m_edge.from.y : m_edge.from.x;
@@ -112,8 +114,8 @@ private:
     qint64 m_rise;
 };
 
-// The point of the painter's grid that lies nearest to an edge, on the way of at most `steps` from a part of the edge
-// back to its beginning.
+// The point of the painter's grid that lies nearest to an edge. The search goes from a fraction of the edge at most
+// `steps` back towards its start.
 Point nearestGridPoint(const Edge& edge, double part, qint64 steps)
 {
     const Course course(edge);
@@ -137,8 +139,8 @@ Point nearestGridPoint(const Edge& edge, double part, qint64 steps)
     return course.nearestGridPoint(best);
 }
 
-// An edge of at least `steps` between two lines of the grid that goes through the pivot: what stands for an edge that
-// runs along between such lines and hardly comes nearer to one. Nothing when the whole edge ends before.
+// An edge of at least `steps` that goes through the pivot from one grid line to another. It replaces an edge that runs
+// between such lines and is almost parallel to them. Empty if the edge is too short for that.
 std::optional<Edge> crossingEdge(const Edge& edge, double enters, double leaves, qint64 steps)
 {
     const Course course(edge);
@@ -171,13 +173,13 @@ class Cutter
 public:
     explicit Cutter(const QRect& visible)
         : m_visible(visible)
-        // A pixel more, so that rounding does not bring a point into the visible ones.
+        // One pixel larger, so that rounding does not move a point into the visible pixels.
         , m_view(boxAround(visible, 1, pointSteps))
         , m_near(boxAround(visible, nearby, pointSteps))
     {
     }
 
-    /// What stands for an edge, without its first point.
+    /// Appends the points that replace an edge, without the first one.
     void replace(const Edge& edge, QList<Point>& points) const
     {
         const bool isNear = m_near.contains(edge.from) && m_near.contains(edge.to);
@@ -187,7 +189,7 @@ public:
                 const Edge inside = shortened(edge, enters, leaves);
                 points << inside.from << inside.to;
             } else {
-                // Around the corner that the edge passes.
+                // The replacement goes around the corner that the edge passes.
                 points << m_near.nearest(pointAt(edge, (enters + leaves) / 2));
             }
         }
@@ -197,7 +199,8 @@ public:
     Point start(const Point& point) const { return m_near.nearest(point); }
 
 private:
-    // The shortest of some edges with ends on the painter's grid that has the visible pixels of a whole edge.
+    // The shortest candidate edge on the painter's grid that gives the same visible pixels as the whole edge. Returns
+    // the whole edge if no candidate does.
     Edge shortened(const Edge& edge, double enters, double leaves) const
     {
         const bool keepsStart = m_near.contains(edge.from);

@@ -3,13 +3,13 @@
 #include <QtCore/QRect>
 #include <QtGui/QPainterPath>
 
-/// The outline of a line with the parts that lie far outside the visible pixels cut off. Filled with antialiasing, both
-/// outlines give the same visible pixels, to the last grey level; the painter walks all rows that an outline crosses,
-/// visible or not, and takes minutes over those of a far one.
+/// Cuts off the parts of a line's outline that lie far outside the visible pixels. Filled with antialiasing, both
+/// outlines give the same visible pixels, to the last grey level. Cutting saves time: the painter walks all rows that
+/// an outline crosses, visible or not, and needs minutes for an outline that reaches far.
 ///
-/// The outline consists of straight lines, and its coordinates stay below fx_graph_farthestOutline.
+/// The outline must consist of straight lines, and its coordinates must not exceed fx_graph_farthestOutline.
 QPainterPath fx_graph_cutOutline(const QPainterPath& outline, const QRect& visible);
 
-/// The painter itself clips outlines that reach farther than this, in pixels, or are larger. It does so in its own way,
-/// and quickly.
+/// The painter itself clips outlines that reach farther than this, or are larger, in pixels. Leave those outlines to
+/// the painter: its clipping is fast and decides the visible pixels.
 constexpr double fx_graph_farthestOutline = (1 << 23) - 1;

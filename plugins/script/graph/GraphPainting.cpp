@@ -26,14 +26,14 @@ void setColors(QCPAxis& axis, const QColor& color, const QPen& axisPen, const QP
 void addLines(QCustomPlot& plot, const CxGraphData& graph)
 {
     for (const CxGraphData::CxSeries& series : graph.series) {
-        auto* line = new GraphLine(plot.xAxis, plot.yAxis); // the plot's
+        auto* line = new GraphLine(plot.xAxis, plot.yAxis); // owned by the plot
         line->data()->set(fx_graph_plottablePoints(series.points), false);
         line->setPen(
             QPen(QBrush(series.lineColor, Qt::SolidPattern), 2.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
     }
 }
 
-// The span of all lines on one of their axes; nothing is said about it in found when no line has a point.
+// The span of all lines on one axis. Sets found to whether any line has a range there.
 template<typename RangeOfLine>
 QCPRange spanOfLines(const QCustomPlot& plot, bool& found, RangeOfLine rangeOfLine)
 {
@@ -58,7 +58,7 @@ bool covers(const QCPAxis& axis, const QCPRange& span)
     return axis.range().contains(span.lower) && axis.range().contains(span.upper);
 }
 
-// False when points lie outside of the ranges.
+// Sets the ranges of both axes. Returns false if points lie outside them.
 bool chooseRanges(QCustomPlot& plot, const CxGraphData& graph)
 {
     plot.rescaleAxes(false);
@@ -72,7 +72,7 @@ bool chooseRanges(QCustomPlot& plot, const CxGraphData& graph)
     if (found)
         fx_graph_makeRoomForEqualValues(*plot.yAxis, values);
 
-    // The library takes no range that is empty or not finite: the fitted one stands then.
+    // The library ignores a range that is empty or not finite; the fitted range then stays.
     if (!graph.autoX)
         plot.xAxis->setRange(graph.xMin, graph.xMax);
     if (!graph.autoY)
@@ -89,7 +89,7 @@ void paint(QCustomPlot& plot, QImage& image)
     painter.end();
 }
 
-// The painter writes pixels of four bytes as whole words and may not be given rows that start between words.
+// Whether every row starts on a word boundary. The painter needs that, because it writes four-byte pixels as words.
 bool hasWordRows(const SxPicBuf& buffer)
 {
     return (reinterpret_cast<quintptr>(buffer.data) | buffer.lineStride) % sizeof(quint32) == 0;

@@ -4,16 +4,15 @@ class CxImageData;
 struct CxGraphData;
 struct SxPicBuf;
 
-/// Whether a graph can be drawn into a buffer: colour, 3 or 4 channels of one byte, the channels of a pixel side by
-/// side.
+/// Whether a graph can be drawn into a buffer. The buffer must hold colour in 3 or 4 interleaved channels of one byte.
 bool fx_graph_canDrawInto(const SxPicBuf& buffer);
 
-/// Draws a graph over the whole of an image that fx_graph_canDrawInto() accepts; nothing but its pixels changes. GUI
-/// thread.
+/// Draws a graph over a whole image whose buffer fx_graph_canDrawInto() accepts. Changes only the pixels. Call it on
+/// the GUI thread.
 ///
-/// Points that no axis can show do not keep the rest from being drawn: a point whose x is not finite is left out, one
-/// whose y is not finite makes a gap in its line. A fixed range that is empty or not finite is not used; the fitted one
-/// stands. One that is given the wrong way round is turned.
+/// Points that an axis cannot show do not prevent drawing the others. A point whose x is not finite is omitted; a point
+/// whose y is not finite makes a gap in its line. If a fixed range is empty or not finite, the fitted range is used
+/// instead. If a fixed range's limits are in the wrong order, they are swapped.
 ///
-/// With four channels red and blue end up exchanged in the image.
+/// In an image with four channels, red and blue end up exchanged.
 void fx_script_DrawIntoImage(CxGraphData* graph, CxImageData* image);

@@ -8,7 +8,8 @@ namespace {
 
 constexpr double gap = std::numeric_limits<double>::quiet_NaN();
 
-// Lines reach this many visible ranges beyond the visible one; the painter is exact for pixels up to about 1e12.
+// Lines are kept up to this many visible ranges beyond the visible one. The painter is exact for pixel coordinates up
+// to about 1e12.
 constexpr double reach = 1e6;
 
 bool fitsOnAxis(double value)
@@ -31,7 +32,7 @@ bool isInside(const QCPGraphData& point, const Box& box)
     return std::isnan(point.value) || (box.x.contains(point.key) && box.y.contains(point.value));
 }
 
-// Moves the end of a segment that lies beyond the bound onto it. False when the whole segment lies beyond.
+// Moves an end of a segment that lies beyond a bound onto the bound. Returns false if the whole segment lies beyond.
 template<double QCPGraphData::*Along, double QCPGraphData::*Across>
 bool cutAt(QCPGraphData& from, QCPGraphData& to, double bound, bool boundIsUpper)
 {
@@ -42,7 +43,7 @@ bool cutAt(QCPGraphData& from, QCPGraphData& to, double bound, bool boundIsUpper
         return false;
     if (beyond(from) == beyond(to))
         return true;
-    // Interpolated from the nearer end: from a very far one everything nearby is lost in rounding.
+    // Interpolates from the nearer end, because rounding at a very far end loses the details near the bound.
     const bool fromIsNearer = std::abs(from.*Along - bound) < std::abs(to.*Along - bound);
     const QCPGraphData& near = fromIsNearer ? from : to;
     const QCPGraphData& other = fromIsNearer ? to : from;
@@ -108,7 +109,7 @@ void fx_graph_cutFarParts(QCPGraphDataContainer& line, const QCPRange& visibleX,
                 kept.append(QCPGraphData(from.key, gap));
             kept.append(from);
         }
-        // Rounding must not put the line's points out of order.
+        // Keeps the points in order despite rounding.
         kept.append(QCPGraphData(std::max(from.key, to.key), to.value));
     }
     line.set(kept, true);

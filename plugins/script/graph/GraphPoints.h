@@ -5,16 +5,16 @@
 #include <QtCore/QList>
 #include <QtCore/QPointF>
 
-// Keeps from the plotting library the points that it cannot plot.
+// Removes or changes points that the plotting library cannot plot.
 
-/// One entry a point, in the order of the points. A point whose x cannot stand on an axis is left out: the library
-/// sorts by x, which must be ordered. A y that cannot becomes NaN, which the library draws as a gap.
+/// One entry per point, in the order of the points. Omits a point whose x does not fit on an axis: the library sorts by
+/// x, so the x values must be comparable. A y that does not fit becomes NaN, which the library draws as a gap.
 QList<QCPGraphData> fx_graph_plottablePoints(const QList<QPointF>& points);
 
-/// Fits an axis to the one value that all points have there, when the library did not find room around it: beside a
-/// large value its margin is lost in rounding.
+/// Fits an axis to points that all have the same value there. Does so only if the library's range does not contain the
+/// value: beside a large value the library's margin is lost in rounding.
 void fx_graph_makeRoomForEqualValues(QCPAxis& axis, const QCPRange& data);
 
-/// Cuts off the parts of a line, sorted by x, that lie far outside the visible ranges: pixel coordinates of that size
-/// lose the line. What is visible does not change.
+/// Cuts off the parts of a line that lie far outside the visible ranges, because the painter loses a line with very
+/// large pixel coordinates. The line must be sorted by x. Its visible part does not change.
 void fx_graph_cutFarParts(QCPGraphDataContainer& line, const QCPRange& visibleX, const QCPRange& visibleY);

@@ -6,7 +6,7 @@ namespace outline {
 
 namespace {
 
-// Where an edge crosses a row's border, or within a row a column's, as the painter rounds it.
+// Where an edge crosses the border of a row, or within a row the border of a column, as the painter rounds the place.
 qint64 xAt(const Edge& edge, qint64 y)
 {
     return edge.from.x + floorDivided(std::abs(y - edge.from.y) * edge.dx(), std::abs(edge.dy()));
@@ -16,7 +16,7 @@ qint64 yAt(const Edge& edge, qint64 x)
     return edge.from.y + floorDivided(std::abs(x - edge.from.x) * edge.dy(), std::abs(edge.dx()));
 }
 
-// The part of an edge in one row of pixels; without height when the edge does not reach the row.
+// The part of an edge in one row of pixels. Its height is 0 if the edge does not reach the row.
 Edge partInRow(const Edge& edge, qint64 top)
 {
     const qint64 bottom = top + crossingSteps;
@@ -31,8 +31,8 @@ Edge partInRow(const Edge& edge, qint64 top)
     return {placeAt(edge.from), placeAt(edge.to)};
 }
 
-// Where an edge within a row comes to a column's border; the end that it did not reach the border from or with counts
-// for borders before and behind.
+// The y at which an edge within a row crosses a column's border. For a border before its start or behind its end, the y
+// of that end.
 qint64 heightAtColumn(const Edge& part, qint64 x)
 {
     const bool rightwards = part.dx() >= 0;
@@ -48,7 +48,8 @@ bool samePoint(const Point& a, const Point& b)
     return a.x == b.x && a.y == b.y;
 }
 
-// Left of the visible columns only the height counts, which the outline keeps; right of them nothing does.
+// Left of the visible columns only an edge's height matters, and the outline keeps the height. Right of them nothing
+// matters.
 bool samePixelsInRow(const Edge& a, const Edge& b, qint64 left, qint64 right)
 {
     const auto outside = [&](qint64 ax, qint64 bx) { return (ax < left && bx < left) || (ax >= right && bx >= right); };

@@ -6,9 +6,8 @@
 
 namespace outline {
 
-// The painter rounds an outline's points to 64ths of a pixel. It then goes along each edge and rounds every place where
-// the edge crosses a border between pixels down to 256ths. An edge may be replaced by a shorter one when all its
-// visible crossings stay the same.
+// The painter rounds an outline's points to 64ths of a pixel. Then it walks along each edge and rounds every crossing
+// of a border between pixels down to 256ths. A shorter edge may replace an edge if all visible crossings stay the same.
 constexpr qint64 pointSteps = 64;
 constexpr qint64 crossingSteps = 256;
 constexpr qint64 finer = crossingSteps / pointSteps;
@@ -38,7 +37,7 @@ struct Box {
     {
         return {std::clamp(point.x, low.x, high.x), std::clamp(point.y, low.y, high.y)};
     }
-    /// Whether an edge lies wholly beyond one of the sides.
+    /// Whether an edge lies entirely beyond one of the box's sides.
     bool liesBeside(const Edge& edge) const
     {
         return std::max(edge.from.x, edge.to.x) < low.x || std::min(edge.from.x, edge.to.x) > high.x ||
@@ -58,7 +57,8 @@ inline qint64 floorDivided(qint64 dividend, qint64 divisor)
     return dividend % divisor < 0 ? quotient - 1 : quotient;
 }
 
-/// Whether two edges, in steps of points, cross the borders of visible pixels alike.
+/// Whether two edges cross the borders of visible pixels at the same rounded places. The edges are in units of
+/// 1 / pointSteps pixel.
 bool samePixels(const Edge& a, const Edge& b, const QRect& visible);
 
 } // namespace outline

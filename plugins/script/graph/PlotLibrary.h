@@ -1,7 +1,7 @@
 #pragma once
 
-// The one header that includes the plotting library's own. That one is written with Qt's keywords, which this project
-// switches off: `slots` and `signals` as macros collide with the interpreter's headers.
+// The only header that includes the plotting library's header. The library's header uses Qt's keywords, which this
+// project switches off: the macros `slots` and `signals` collide with the interpreter's headers.
 
 #include <QtCore/QObject>
 

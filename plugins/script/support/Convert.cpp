@@ -45,7 +45,7 @@ PyObject* fx_raise(const char* text)
 
 PyObject* fx_makeModule(PyModuleDef& definition)
 {
-    // If a script makes the interpreter import the module twice, this points at a dictionary of the old interpreter.
+    // If a script has imported the module twice, m_copy points at a dictionary of the old interpreter after a restart.
     definition.m_base.m_copy = nullptr;
     return PyModule_Create2(&definition, stableAbiVersion);
 }

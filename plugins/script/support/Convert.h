@@ -8,14 +8,14 @@
 
 // Conversion between Python objects and the types of the host, and the errors that the module raises.
 
-// ---- what an object is; subclasses count ----
+// ---- type checks; subclasses count ----
 
 inline bool fx_hasTypeFlag(PyObject* object, unsigned long flag)
 {
     return (PyType_GetFlags(Py_TYPE(object)) & flag) != 0;
 }
 
-// Reading the flags of a type is a call, so the most common types are compared first.
+// Reading the flags of a type takes a call, so the most common types are compared first.
 
 /// True and False count as integers.
 inline bool fx_isInteger(PyObject* object)
@@ -57,10 +57,10 @@ Record& fx_record(PyObject* object)
 
 // ---- from Python ----
 
-/// The text of a str; nothing for other objects and for a str without a UTF-8 form. Leaves no error.
+/// The text of a str. Empty for other objects and for a str that has no UTF-8 form. Leaves no error.
 std::optional<QString> fx_textOf(PyObject* object);
 
-// ---- to Python: new references, null with an error set when there is no memory ----
+// ---- to Python: new references; null with an error set if memory runs out ----
 
 PyObject* fx_none();
 PyObject* fx_bool(bool value);
@@ -73,12 +73,12 @@ PyObject* fx_raise(const char* text);
 
 // ---- modules and types ----
 
-/// Makes a module from its static definition, as a new reference; null with an error set on failure. A definition may
-/// be used again after the interpreter was finalised and started again.
+/// Makes a module from its static definition. Returns a new reference, or null with an error set. The same definition
+/// may be used again after the interpreter has been finalised and restarted.
 PyObject* fx_makeModule(PyModuleDef& definition);
 
 /// Makes a type from its specification. On failure logs function + "(): " + problem, as in "fx_pycams_TypeReady():
-/// ...", and returns null with the interpreter's error still set. The log line names the caller's place.
+/// ...", and returns null with the interpreter's error still set. The log line names the caller's file and line.
 PyTypeObject* fx_makeType(PyType_Spec& specification, const char* function, const char* problem,
                           const char* file = __builtin_FILE(), int line = __builtin_LINE());
 

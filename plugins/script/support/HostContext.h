@@ -7,24 +7,23 @@
 class IxAppDelegate;
 class IxScriptEnvironment;
 
-// The host of the run in progress: its environment, its application, its help texts and paths.
+// Access to the host: its environment, application, help texts and paths.
 
 /// The environment of the latest run; null before the first. Owned by the host.
 extern IxScriptEnvironment* g_pScriptPlugin;
 
-/// Fills the documentation of method tables from the environment's help texts, which are stored, not copied. Does
-/// nothing without an environment. A table without its module or object name is left alone.
+/// Sets the documentation of the method tables to the environment's help texts, which are not copied. Does nothing
+/// without an environment. Skips a table that is null or has no name.
 void fx_addHelp(const char* moduleName, PyMethodDef* moduleFuncs, const char* objectName, PyMethodDef* objectMethods);
 
-/// Whether the script runs on the GUI thread. If not, returns false with an Exception set; message replaces its usual
-/// text.
+/// Whether the script runs on the GUI thread. If not, returns false and sets an Exception with message as its text.
 bool fx_onMainThread(const char* message = "running GUI function from non-main thread");
 
-/// The application; null with an error set when the host has none.
+/// The application. Null with an error set if the host has none.
 IxAppDelegate* fx_delegate();
 
-/// The begin of every function that touches windows: checks the thread, then parses the arguments. Returns the
-/// application, or null with an error set.
+/// Starts every function that works on windows: checks the thread, then parses the arguments. Returns the application,
+/// or null with an error set.
 template<typename... Targets>
 IxAppDelegate* fx_enter(PyObject* args, const char* format, Targets*... targets)
 {
@@ -33,5 +32,5 @@ IxAppDelegate* fx_enter(PyObject* args, const char* format, Targets*... targets)
     return fx_delegate();
 }
 
-/// The path to use for a path that a script gives, as the environment resolves it.
+/// Resolves a script's path through the environment. Without an environment returns the path as it is.
 QString fx_resolvePath(const char* utf8);

@@ -18,7 +18,7 @@ void fx_keepNativeException() noexcept
     if (!keptException)
         keptException = std::current_exception();
     if (runningThread != std::this_thread::get_id())
-        fx_beginUnwindingOnMainThread(); // it may wait in a loop for what this thread does no more
+        fx_beginUnwindingOnMainThread(); // which may wait in a loop for this thread
     fx_refuseAfterNativeException();
 }
 
@@ -36,8 +36,8 @@ void fx_refuseAfterNativeException() noexcept
 
 void fx_raiseNativeException() noexcept
 {
-    // Not an Exception, so that a script's `except Exception` does not swallow it and work on with a broken host. Put
-    // in place without the error being handled as its context, for which the interpreter would run code.
+    // A BaseException, because `except Exception` would let the script continue with a broken host. PyErr_Restore()
+    // does not chain the error being handled as context; chaining would run code.
     PyErr_Restore(PyRef::retain(PyExc_BaseException).release(), PyUnicode_FromString("native exception"), nullptr);
 }
 
@@ -45,7 +45,7 @@ void fx_rethrowNativeException()
 {
     if (!keptException)
         return;
-    PyErr_Clear(); // releases what the script held, whose finalisers may not go on either
+    PyErr_Clear(); // releases the script's objects while their finalisers are still refused
     fx_endUnwinding();
     std::rethrow_exception(std::exchange(keptException, nullptr));
 }

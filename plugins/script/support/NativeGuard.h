@@ -6,35 +6,36 @@
 
 // C++ exceptions and the interpreter.
 //
-// Host code and the standard library may throw while a script is calling into the plugin. Such an exception must not
-// unwind the interpreter's own frames: they would leave its frame chain pointing at dead stack. So every function that
-// the interpreter calls is wrapped: the exception is kept, the interpreter sees a BaseException and unwinds itself, and
-// the code that started the evaluation throws the kept exception again. Until then nothing of the script reaches the
-// host: a wrapped function raises at its entry, only deallocation goes on. A script that swallows the error does not
-// get far, since its next line or call raises the error again (ScriptUnwinding.h).
+// Host code and the standard library may throw while a script calls into the plugin. Such an exception must not unwind
+// the interpreter's frames: its frame chain would then point at dead stack. Every function that the interpreter calls
+// is therefore wrapped. The wrapper keeps the exception and sets a BaseException, which unwinds the interpreter. Then
+// the code that started the evaluation throws the kept exception again. Until then the script cannot reach the host:
+// every wrapped function raises at its entry, and only deallocation still works. If the script swallows the error, its
+// next line or call raises the error again (ScriptUnwinding.h).
 
-/// Keeps the exception in flight (the first one of a run wins) and sets a Python error. Called in a catch block.
+/// Keeps the current exception, or the first one if a run throws several, and sets a Python error. Call it in a catch
+/// block.
 void fx_keepNativeException() noexcept;
 
 /// Whether an exception is kept.
 bool fx_isNativeExceptionKept() noexcept;
 
-/// What a function does at its entry while an exception is kept: sets the Python error and sees to it that the script
-/// on this thread ends.
+/// Refuses a call that enters while an exception is kept: sets the Python error and makes the script on this thread
+/// end.
 void fx_refuseAfterNativeException() noexcept;
 
-/// Sets the Python error that stands for a native exception, in place of the one that is set.
+/// Sets the Python error that stands for a native exception. Replaces any pending error.
 void fx_raiseNativeException() noexcept;
 
-/// Throws the kept exception, if there is one, and clears the Python error that stands for it. No Python code may run
-/// between this and the end of the run, or the next fx_keepNativeException().
+/// Clears the Python error that stands for the kept exception and throws the exception. Does nothing if none is kept.
+/// No Python code may run from then until the end of the run or the next fx_keepNativeException().
 void fx_rethrowNativeException();
 
-/// Forgets a kept exception, and clears the Python error that stands for it.
+/// Forgets the kept exception and clears the Python error that stands for it. Does nothing if none is kept.
 void fx_forgetNativeException() noexcept;
 
-/// Forgets a kept exception; true when there was one. Needs no interpreter: called before one starts and after its end,
-/// on the thread that runs scripts next.
+/// Forgets the kept exception and returns whether there was one. Needs no interpreter. The calling thread becomes the
+/// thread that runs scripts.
 bool fx_dropNativeException() noexcept;
 
 namespace native_guard {
@@ -46,7 +47,7 @@ template<auto Function, typename Result, typename... Arguments>
 struct Guarded<Function, Result (*)(Arguments...)> {
     static Result call(Arguments... arguments) noexcept
     {
-        // Deallocation, which alone returns nothing, always does its work.
+        // Only deallocation returns void, and it must always run.
         if (!std::is_void_v<Result> && fx_isNativeExceptionKept()) {
             fx_refuseAfterNativeException();
             return failure();
@@ -75,7 +76,7 @@ private:
 template<auto Function>
 inline constexpr auto guarded = &native_guard::Guarded<Function>::call;
 
-/// The same as the value of a slot.
+/// The same function as the value of a type slot.
 template<auto Function>
 void* guardedSlot()
 {

@@ -10,7 +10,7 @@ class PyRef
 public:
     PyRef() = default;
 
-    /// Takes over a new reference, as most functions of the interpreter return it. Null stays null.
+    /// Takes over a new reference, which most functions of the interpreter return. Null stays null.
     static PyRef take(PyObject* object) { return PyRef(object); }
 
     /// Adds a reference to a borrowed object. Null stays null.
@@ -27,7 +27,7 @@ public:
     {
     }
 
-    // The new value is in place before the old one is released: a release can run any code.
+    // Sets the new value before it releases the old one, because a release can run any code.
     PyRef& operator=(PyRef&& other) noexcept
     {
         PyRef(std::move(other)).swap(*this);
@@ -36,10 +36,10 @@ public:
 
     ~PyRef() { Py_XDECREF(m_object); }
 
-    /// The object, still owned by this.
+    /// The object; this keeps the reference.
     PyObject* get() const { return m_object; }
 
-    /// Gives the reference away: to a caller, or to a function that steals it.
+    /// Gives the reference to the caller, or to a function that steals it.
     [[nodiscard]] PyObject* release() { return std::exchange(m_object, nullptr); }
 
     void swap(PyRef& other) noexcept { std::swap(m_object, other.m_object); }

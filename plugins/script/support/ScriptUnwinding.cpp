@@ -1,8 +1,8 @@
-// A pending error alone does not end a script: `except:`, `finally:` or an `__exit__` may swallow it and go on, even
-// for ever. A function that traces the thread can raise it again at each line and call, which takes one block after the
-// other off the stack. One set with sys.settrace() is no help: the interpreter removes it as soon as it raises. The one
-// that PyEval_SetTrace() sets stays. That call is outside the limited API but has been the same in every version, so it
-// is looked up by name. Where it is missing, the entry of each guarded function still refuses.
+// A pending error alone does not end a script: `except:`, `finally:` or an `__exit__` may swallow the error and
+// continue, even for ever. A trace function can raise the error again at each line and call, and so unwinds one block
+// after another. The interpreter removes a trace function set with sys.settrace() as soon as the function raises, but
+// keeps one set with PyEval_SetTrace(). PyEval_SetTrace() is not in the limited API but is the same in every version,
+// so it is looked up by name. Where it is missing, each guarded function still refuses calls.
 
 #include "ScriptUnwinding.h"
 
@@ -22,7 +22,7 @@
 
 namespace {
 
-// The interpreter's numbers of the events; its headers name them outside the limited API only.
+// The interpreter's event numbers. Its headers do not define them for the limited API.
 enum Event : int { Call = 0, Exception = 1, Line = 2, Opcode = 7 };
 
 using TraceFunction = int (*)(PyObject*, PyObject*, int, PyObject*);
@@ -30,15 +30,16 @@ using SetTrace = void (*)(TraceFunction, PyObject*);
 
 thread_local bool unwinding = false;
 
-/// Where this thread's latest error arose. The frame is for comparing only.
+/// Where this thread's latest error arose. The frame is not owned; it is only compared.
 struct Origin {
     PyObject* frame = nullptr;
     long line = 0;
 };
 thread_local Origin origin;
 
-// The exits of `with` statements that are still let through on this thread. More than any script nests: code that was
-// generated with all its lines in one looks like an exit each time around a loop.
+// How many exits of `with` statements may still run on this thread. The start value is larger than any real nesting.
+// A limit is needed because generated code with all its statements on one line looks like an exit on each pass of a
+// loop.
 constexpr int mostExits = 1000;
 thread_local int exitsLeft = 0;
 
@@ -48,7 +49,7 @@ SetTrace findSetTrace()
     Dl_info library = {};
     if (dladdr(reinterpret_cast<const void*>(&Py_Initialize), &library) == 0)
         return nullptr;
-    // A program that contains the interpreter has the symbols itself.
+    // If the interpreter is linked into the program, the program has the symbols.
     void* handle = dlopen(library.dli_fname, RTLD_LAZY | RTLD_NOLOAD);
     return reinterpret_cast<SetTrace>(dlsym(handle ? handle : RTLD_DEFAULT, "PyEval_SetTrace"));
 #else
@@ -62,14 +63,15 @@ SetTrace setTrace()
     return function;
 }
 
-/// A function of `sys`, borrowed; null when a script has put something of its own in its place.
+/// A function of `sys`, borrowed. Null if a script has replaced it.
 PyObject* sysFunction(const char* name)
 {
     PyObject* function = PySys_GetObject(name);
     return function && Py_TYPE(function) == &PyCFunction_Type ? function : nullptr;
 }
 
-/// What the script had set with sys.settrace(): while this file's function is set, it is kept as that one's argument.
+/// The trace function that the script set with sys.settrace(). While raiseAgain() is set, the interpreter keeps the
+/// script's function as the argument of raiseAgain().
 PyRef scriptsTracing()
 {
     PyObject* get = sysFunction("gettrace");
@@ -86,8 +88,8 @@ long lineOf(PyObject* frame)
     return line;
 }
 
-/// Whether later runs and other threads wait for what the frame's code frees: the module under import, or the end of a
-/// thread and the result of its work. It swallows nothing and ends by itself.
+/// Whether later runs or other threads wait for the frame's code: for the lock of a module under import, the end of a
+/// thread or the result of its work. Such code swallows no error and ends by itself.
 bool mustComplete(PyObject* frame)
 {
     constexpr std::array<std::string_view, 3> files = {"<frozen importlib", "/threading.py", "/concurrent/futures/"};
@@ -102,8 +104,8 @@ bool mustComplete(PyObject* frame)
                        [file](std::string_view part) { return file.find(part) != std::string_view::npos; });
 }
 
-/// Whether the event is the way from an error to the `__exit__` of a `with` statement, so that a lock or a file that it
-/// holds is freed. Handlers and `finally` blocks stand below the line that failed, the statement does not.
+/// Whether the event leads from an error to the `__exit__` of a `with` statement, which must run to free its lock or
+/// file. Handlers and `finally` blocks stand below the line that failed; a `with` statement does not.
 bool leadsToExit(PyObject* frame, int event)
 {
     if (event != Line || frame != origin.frame)
@@ -111,14 +113,14 @@ bool leadsToExit(PyObject* frame, int event)
     const long line = lineOf(frame);
     if (line > origin.line || exitsLeft-- <= 0)
         return false;
-    origin.line = line; // the error goes on from here to the next statement around it
+    origin.line = line; // the error propagates from here to the enclosing statement
     return true;
 }
 
 int raiseAgain(PyObject* /*scriptsTracing*/, PyObject* frame, int event, PyObject* /*detail*/)
 {
     if (!fx_isNativeExceptionKept()) {
-        fx_endUnwinding(); // of a thread that went on after the run
+        fx_endUnwinding(); // this thread continued after the run
         return 0;
     }
     if (event == Exception)
@@ -159,7 +161,7 @@ void fx_endUnwinding() noexcept
 {
     if (!std::exchange(unwinding, false) || !Py_IsInitialized())
         return;
-    // Held by this: setting the next function releases it.
+    // Keeps the script's function alive: PyEval_SetTrace() releases the old argument.
     const PyRef tracing = scriptsTracing();
     setTrace()(nullptr, nullptr);
     if (PyObject* set = tracing ? sysFunction("settrace") : nullptr)

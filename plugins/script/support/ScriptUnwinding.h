@@ -1,14 +1,15 @@
 #pragma once
 
-// Ending Python code that would swallow the error standing for a native exception (NativeGuard.h).
+// Ends Python code that would swallow the error that stands for a native exception (NativeGuard.h).
 
-/// From now on the lines and calls of the Python code on this thread raise that error, until no native exception is
-/// kept any more. Tracing that the script had set is suspended meanwhile. Called with no error set; leaves none.
+/// Makes each line and call of Python code on this thread raise that error while a native exception is kept. Suspends
+/// the tracing that the script had set. Call it with no error set; it leaves none.
 void fx_beginUnwinding() noexcept;
 
-/// Makes the interpreter's main thread do so, as soon as it comes to run Python code. Called on another one.
+/// Makes the interpreter's main thread call fx_beginUnwinding() as soon as it runs Python code. Call it on another
+/// thread.
 void fx_beginUnwindingOnMainThread() noexcept;
 
-/// Gives this thread the tracing back that the script had set. Called before the next Python code that is to run; does
-/// nothing on a thread that is not unwinding, and nothing without an interpreter. Leaves no error set.
+/// Restores the tracing that the script had set on this thread. Call it before further Python code runs. Does nothing
+/// if this thread is not unwinding or if there is no interpreter. Leaves no error set.
 void fx_endUnwinding() noexcept;
