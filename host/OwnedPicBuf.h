@@ -2,10 +2,10 @@
 
 #include "CxPicBufAPI.h"
 
-/// Owns a picture buffer and frees the pixels in its destructor, unless they were released.
+/// Owns the pixels of a picture buffer. The destructor frees the pixels unless release() has given them away.
 ///
 /// Operations of CxPicBufAPI may allocate or change `buffer` directly. To give the pixels to an image, create the image
-/// first, so that the pixels always have exactly one owner, whatever throws:
+/// first, so that the pixels always have exactly one owner, even if something throws:
 ///
 ///     auto image = std::make_unique<CxImageData>();
 ///     image->setPicBuf(pixels.release());

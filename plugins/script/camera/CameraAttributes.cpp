@@ -1,5 +1,5 @@
-// Attributes of a camera that stand for parameters: cam.get_level(), cam.set_level(10), cam.enable_flag(),
-// cam.get_level_maximum(). The look-up gives a callable bound to the camera and the attribute's name.
+// Camera attributes for parameters: cam.get_level(), cam.set_level(10), cam.enable_flag(), cam.get_level_maximum().
+// The look-up returns a callable that is bound to the camera and the attribute's name.
 
 #include "CameraNames.h"
 #include "CameraObject.h"
@@ -19,13 +19,13 @@ using Action = CameraAttributeName::Action;
 
 // ---- names ----
 
-// Scripts use the same few names again and again: what they say is worked out once. From name to index in the list;
-// the dictionary belongs to the running interpreter.
+// Scripts use the same few names again and again, so parsed names are kept. The dictionary maps names to indices in
+// parsedNames and belongs to the running interpreter.
 PyObject* knownNames = nullptr;
 std::deque<CameraAttributeName> parsedNames;
 constexpr std::size_t mostKnownNames = 1000;
 
-/// What the attribute name says. The result is valid until the next call.
+/// The meaning of an attribute name. The result is valid until the next call.
 const CameraAttributeName& parsed(PyObject* name)
 {
     static CameraAttributeName unkept;
@@ -49,16 +49,16 @@ const CameraAttributeName& parsed(PyObject* name)
 
 // ---- the bound callable ----
 
-/// Whether the interpreter looks after every call at what the function returned. From 3.11 on it does not in calls
+/// Whether the interpreter checks the result of every call. From 3.11 on, the interpreter skips the check for calls
 /// that have run often.
 bool interpreterChecksResults()
 {
-    static const bool checks = std::atoi(Py_GetVersion() + 2) < 11; // behind "3."
+    static const bool checks = std::atoi(Py_GetVersion() + 2) < 11; // after "3."
     return checks;
 }
 
-/// Puts a SystemError in the place of the pending error, which becomes its cause: what the interpreter does by itself
-/// where it looks at a result that comes with a pending error.
+/// Replaces the pending error with a SystemError, whose cause is the pending error. The interpreter does the same when
+/// it checks a result and finds a pending error.
 void raiseSystemErrorFromPending()
 {
     PyObject* type = nullptr;
@@ -81,8 +81,10 @@ void raiseSystemErrorFromPending()
     PyErr_Restore(type, error, traceback);
 }
 
-/// carrier: a tuple of the camera object and the attribute name. The look-up has handed a reference to it over to the
-/// call, which releases it: a callable is for one call.
+/// Reads or writes the parameter of a bound callable.
+///
+/// carrier  a tuple of the camera object and the attribute name. The look-up hands one reference to the tuple to this
+///          call, which releases the reference. So a callable can be called only once.
 PyObject* fx_pycam_setget_camera_parameter(PyObject* carrier, PyObject* argument)
 {
     if (!carrier || !fx_isTuple(carrier))
@@ -96,7 +98,7 @@ PyObject* fx_pycam_setget_camera_parameter(PyObject* carrier, PyObject* argument
             PyErr_Clear();
             return fx_none();
         }
-        // A copy: reading and writing run host code, which may come back here.
+        // A copy, since reading and writing run host code, which may call this function again.
         const CameraAttributeName name = parsed(text);
         switch (name.action) {
         case Action::Read:

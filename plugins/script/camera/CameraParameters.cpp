@@ -1,5 +1,5 @@
-// Reading and writing the parameters of a camera, by name: cam.get_param("level:max"). The attributes that stand for
-// parameters (CameraAttributes.cpp) end here, too.
+// Reading and writing the parameters of a camera by name: cam.get_param("level:max"). The attributes for parameters
+// (CameraAttributes.cpp) use these functions, too.
 
 #include "CameraNames.h"
 #include "CameraObject.h"
@@ -31,10 +31,10 @@ PyObject* toPython(const CxValue& value)
 /// False with an error set for a Python value that no parameter can take.
 bool fromPython(PyObject* object, CxValue& value)
 {
-    // First, so that True and False arrive as 1 and 0, as scripts have always had them.
+    // Integers come first, so that True and False become 1 and 0, as scripts expect.
     if (fx_isInteger(object)) {
-        // The low 32 bits, unchecked. What does not even fit a long is -1, with an error that stays pending: the write
-        // is made, and the script then learns of the error.
+        // Keeps the low 32 bits, unchecked. An integer that does not fit a long becomes -1 and leaves an error pending.
+        // The value is still written; the script gets the error afterwards.
         value = CxValue::fromInt(qint32(PyLong_AsLong(object)));
     } else if (Py_TYPE(object) == &PyBool_Type) {
         value = CxValue::fromBool(object == Py_True);

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 
-/// The first preset of that name, or the end.
+/// The first preset with this name, or the end of the list.
 static QList<CxShadingPreset>::iterator findPreset(QList<CxShadingPreset>& presets, const QString& name)
 {
     return std::find_if(presets.begin(), presets.end(),

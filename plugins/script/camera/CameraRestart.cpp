@@ -15,11 +15,11 @@ constexpr int mostPolls = 60;
 void waitInEventLoop(int milliseconds)
 {
     QEventLoop loop;
-    QTimer::singleShot(milliseconds, &loop, SLOT(quit())); // by name, "1quit()"
+    QTimer::singleShot(milliseconds, &loop, SLOT(quit())); // connects by name, as "1quit()"
     loop.exec();
 }
 
-/// The first opened camera with that serial number, or null.
+/// The first opened camera with this serial number, or null.
 void* findCamera(const QString& serialNumber)
 {
     const CxCameraManager& manager = *CxCameraManager::instance();
@@ -42,7 +42,7 @@ void* fx_script_restartCamera(void* camera)
     IxAppDelegate* delegate = IxAppDelegate::instance();
     if (!parameters || !delegate)
         return nullptr;
-    const QString serialNumber = parameters->cameraInfo().serialNumber; // a copy: the store goes with the camera
+    const QString serialNumber = parameters->cameraInfo().serialNumber; // a copy: the restart may delete the store
     delegate->restartCameraWithDefaults(camera);
 
     fx_script_waitForHost(waitMilliseconds);

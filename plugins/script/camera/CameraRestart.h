@@ -1,11 +1,12 @@
 #pragma once
 
-// Restarting a camera, free of the interpreter.
+// Restarting a camera, without the interpreter.
 
-/// Restarts a camera with its default settings and waits until the host has it back, for about thirty seconds at the
-/// most, while the application keeps working. Returns the camera's new handle, or null when the camera was unknown or
-/// did not come back. The old handle is invalid afterwards.
+/// Restarts a camera with its default settings. Waits until the host lists the camera again, for at most about thirty
+/// seconds; the application keeps working meanwhile. Returns the camera's new handle. Returns null if the camera is
+/// unknown, if the host has no delegate or if the camera does not come back. After the restart the old handle is
+/// invalid.
 void* fx_script_restartCamera(void* camera);
 
-/// Waits that many milliseconds while the application keeps working. Replaceable for tests.
+/// Waits for the given time while the application keeps working. Tests may replace this function.
 extern void (*fx_script_waitForHost)(int milliseconds);

@@ -5,7 +5,8 @@
 #include "CxCameraParameters.h"
 #include "support/HostContext.h"
 
-/// Parses the path of a settings file and finds the camera; null (perhaps without an error) when either is missing.
+/// Parses the path of a settings file and finds the camera. Null with an error set if the path is not a text; null
+/// without an error if there is no camera.
 static CxCameraParameters* parsePath(PyObject* self, PyObject* args, QString& path)
 {
     const char* utf8 = nullptr;

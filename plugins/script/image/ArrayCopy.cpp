@@ -13,7 +13,7 @@
 #endif
 
 namespace {
-// Strides of 64 bits times sizes of 32 bits.
+// Holds a 64-bit stride times a 32-bit size.
 __extension__ typedef __int128 Wide;
 
 struct Span {
@@ -38,7 +38,7 @@ bool isWithin(const Span& span, const ArrayExtent& extent)
     return span.begin >= Wide(extent.begin) && span.end <= Wide(extent.end);
 }
 
-// Addresses are numbers here and wrap as such: strides may lead anywhere.
+// Addresses are plain numbers that may wrap, since strides may lead anywhere.
 struct Walk {
     const ArrayLayout& source;
     SxPicBuf& buffer;
@@ -46,13 +46,13 @@ struct Walk {
     std::uint64_t rowAddress(std::uint32_t y) const { return source.address + y * std::uint64_t(source.yStride); }
 };
 
-// A value at any address. The sanitizers know nothing of memory outside the extent; that it is readable was asked.
+// A value at any address. Sanitizers do not know memory outside the extent; a MemoryProbe checks that memory instead.
 template<typename T>
 struct __attribute__((packed, may_alias)) UnalignedValue {
     T value;
 };
 
-// Asks about each value outside the extent, unless probe is null. Returns false at the first that cannot be read.
+// Probes each value outside the extent, unless probe is null. Returns false at the first value that cannot be read.
 template<typename T>
 VANTREL_READS_FOREIGN_MEMORY bool copyRowByValues(const Walk& walk, std::uint32_t y, MemoryProbe* probe)
 {
@@ -81,7 +81,7 @@ VANTREL_READS_FOREIGN_MEMORY bool copyRowByValues(const Walk& walk, std::uint32_
     return true;
 }
 
-// Rows within the extent whose destination has no gaps.
+// For rows within the extent whose values have no gaps within a pixel.
 template<typename T, std::uint32_t Channels>
 void gatherRow(const Walk& walk, std::uint32_t y)
 {
@@ -93,7 +93,7 @@ void gatherRow(const Walk& walk, std::uint32_t y)
     }
 }
 
-// True if all that the walk may read can be read: asking once is quicker than asking about every value.
+// True if the walk can read everything that it may reach. One check is quicker than a check of every value.
 bool canReadAll(const Walk& walk, MemoryProbe& probe)
 {
     const Span span = spanOfRows(walk.source, walk.buffer, 0, walk.buffer.height);
@@ -115,7 +115,7 @@ bool copyRowsByValues(const Walk& walk)
     return true;
 }
 
-// Rows within the extent whose pixels have no gaps in the array either.
+// For rows within the extent whose pixels have no gaps in the array.
 void copyDenseRows(const Walk& walk, std::uint64_t rowBytes)
 {
     if (walk.source.yStride == std::int64_t(rowBytes) && walk.buffer.lineStride == rowBytes) {

@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <span>
 
-/// The memory that an array owns up to: [begin, end), both 0 when it describes none that could exist.
+/// The addresses [begin, end) that an array claims to cover. Both are 0 if the array is empty or the claim is
+/// impossible.
 struct ArrayExtent {
     std::uint64_t begin = 0;
     std::uint64_t end = 0;
@@ -17,21 +18,21 @@ struct ArrayLayout {
     std::int64_t xStride = 0;
     std::int64_t yStride = 0;
     std::int64_t channelStride = 0;
-    ArrayExtent extent; ///< what lies in here is read without a question
+    ArrayExtent extent; ///< memory that is read without a check
 };
 
-/// The memory that an array of this shape and these strides (one for each axis, in the array's own order; axes without
-/// one are not counted) covers.
+/// The memory that an array with this shape and these strides covers. Strides are in bytes, one for each axis, in the
+/// same order as the shape. Axes without a stride do not count.
 ArrayExtent describedExtent(std::uint64_t address, std::span<const std::int64_t> shape,
                             std::span<const std::int64_t> strides, std::uint32_t valueBytes);
 
 /// Fills a whole allocated buffer from an array in memory.
 ///
-/// Value by value, row by row: the value of channel c of pixel (x, y) is read at address + y * yStride + x * xStride +
-/// c * channelStride. The place that is written starts at the row's first byte and advances by the channel stride after
-/// each value, whatever the size of a value; a write that would not lie wholly within the buffer is not made. Bytes
-/// that no write reaches, row padding among them, are 0.
+/// Copies value by value, row by row. Reads channel c of pixel (x, y) at address + y * yStride + x * xStride +
+/// c * channelStride. The write position starts at the first byte of each row. After each value, the position advances
+/// by the channel stride, even if a value has another size. Writes that would not lie wholly within the buffer are
+/// skipped. Bytes that no write reaches, including row padding, are 0.
 ///
-/// Values outside the extent are read if the process can read them. False when one cannot be read; the buffer's
-/// content is then undefined.
+/// Values outside the extent are read if the process can read them. Returns false if a value cannot be read; the
+/// content of the buffer is then undefined.
 bool copyArray(const ArrayLayout& source, SxPicBuf& buffer);

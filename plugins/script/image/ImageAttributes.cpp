@@ -48,7 +48,7 @@ PyObject* number(double value)
     return PyFloat_FromDouble(value);
 }
 
-// Unlike the full scale of the host, this one has no limit but the bits, and takes the saturation as it is.
+// Unlike SxPicBufInfo::fullScale(), this uses bpc without a limit, and the saturation unchanged.
 double fullScale(const SxPicBufInfo& info)
 {
     return SxPicBufInfo::isFloating(info.dataType) ? double(info.saturation) : std::ldexp(1.0, int(info.bpc)) - 1.0;
@@ -57,7 +57,7 @@ double fullScale(const SxPicBufInfo& info)
 /// Type string of the array interface; null for an unknown type.
 const char* typestr(ExImageDataType type)
 {
-    // None counts one byte a value and yet has this entry of 8-byte values; readers rely on both.
+    // The host counts one byte per value for None, but the entry for None says 8 bytes. Readers rely on both.
     static constexpr std::array<const char*, 12> strings = {"|u8", "|i1", "|u1", "|i2", "|u2", "|i4",
                                                             "|u4", "|i8", "|u8", "|f4", "|f8", "|u2"};
     const auto index = std::size_t(type);
@@ -77,7 +77,7 @@ PyObject* arrayInterface(const Source& from)
     const int pixelBytes = int(buffer.bytesPerPixel());
     const int stride = int(buffer.lineStride);
     constexpr int version = 3;
-    // x is the first axis and y the second; the strides tell the reader so.
+    // x is the first axis and y the second, as the strides show.
     if (channels <= 1 || buffer.dataType == ExImageDataType::Packed565)
         return Py_BuildValue("{s:(ii),s:s,s:O,s:(ii),s:i}", "shape", width, height, "typestr", typestr(buffer.dataType),
                              "data", data.get(), "strides", pixelBytes, stride, "version", version);
@@ -131,11 +131,11 @@ constexpr Attribute attributes[] = {
      [](const Source& from) { return PyCFunction_NewEx(&px_image_meths[0], from.self, nullptr); }},
 };
 
-// From name to index in the table. Belongs to the running interpreter.
+// Maps names to indices in the table. Belongs to the running interpreter.
 PyObject* attributeIndex = nullptr;
 
-/// The records behind an object, each null when there is none. The host's functions may compute them: they are called
-/// once for a look-up, whatever its name, and in this order.
+/// The records behind an object; a missing record is null. The host may compute the records on each call. So every
+/// look-up, for any name, calls these functions once and in this order.
 Source sourceOf(PyObject* self)
 {
     CxImageData* image = fx_pyimg_getImageObjectData(self);
@@ -152,14 +152,15 @@ bool has(const Source& source, Need need)
     return need == Need::Nothing || (need == Need::Buffer ? bool(source.buffer) : bool(source.metadata));
 }
 
-/// The place of a name in the table, borrowed; null, with an error set only on failure, when it is not there.
+/// The index of a name in the table, as a borrowed object. Null without an error if the table does not have the name;
+/// null with an error set on failure.
 PyObject* findAttribute(PyObject* name)
 {
     if (Py_TYPE(name) == &PyUnicode_Type)
         return PyDict_GetItemWithError(attributeIndex, name);
     if (!fx_isText(name))
         return nullptr;
-    // A subclass may hash and compare as it likes; what counts is its text.
+    // A subclass may hash and compare as it likes; only its text counts.
     const PyRef text = PyRef::take(PyUnicode_FromObject(name));
     return text ? PyDict_GetItemWithError(attributeIndex, text.get()) : nullptr;
 }

@@ -1,4 +1,4 @@
-// What all ways of filling an image from script data have in common.
+// Shared by all functions that fill an image from script data.
 
 #include "CxImageData.h"
 #include "ImageMethods.h"
@@ -21,7 +21,7 @@ bool fx_img_allocate(OwnedPicBuf& target, const ImageSize& size)
     return target.allocate(info);
 }
 
-// From the call on the pixels are the image's, and what its class leaves in the record does not count.
+// The image owns the pixels from the call on, whatever attachPicBuf() leaves in the record.
 static void attach(CxImageData& image, OwnedPicBuf& pixels)
 {
     SxPicBuf given = pixels.release();
@@ -34,7 +34,7 @@ PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf filled)
     OwnedPicBuf narrowed;
     if (fx_img_convertToBestBpc(narrowed.buffer, filled.buffer)) {
         attach(*image, narrowed);
-        filled.free(); // before the object's image goes
+        filled.free(); // before the object's old image is deleted
     } else {
         attach(*image, filled);
     }

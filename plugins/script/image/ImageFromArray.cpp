@@ -1,4 +1,4 @@
-// Filling an image from the array interface dictionary of NumPy and its relatives.
+// Filling an image from an array interface dictionary, as NumPy and similar libraries provide.
 
 #include "ArrayCopy.h"
 #include "ImageMethods.h"
@@ -14,7 +14,7 @@
 
 namespace {
 
-/// What a dictionary says about an array, in its own order of axes.
+/// What a dictionary says about an array. Shape and strides keep the order of the array's axes.
 struct ArrayDescription {
     std::vector<std::int64_t> shape;
     std::vector<std::int64_t> strides; ///< empty when the array is dense
@@ -22,7 +22,7 @@ struct ArrayDescription {
     std::uint64_t address = 0;
 };
 
-// Each of these returns false with an error set.
+// On failure, each of these functions returns false with an error set.
 bool readShape(PyObject* dictionary, ArrayDescription& array);
 bool readType(PyObject* dictionary, ArrayDescription& array);
 bool readStrides(PyObject* dictionary, ArrayDescription& array);
@@ -42,7 +42,8 @@ PyObject* fx_pyimg_FromArray(PyObject* self, PyObject* object)
     const PyRef arrayInterface = PyRef::take(PyObject_GetAttrString(object, "__array_interface__"));
     if (arrayInterface)
         return fx_pyimages_CreateFromArrayInterface(fx_record<TxPyImage>(self), arrayInterface.get());
-    // Any Exception of the look-up means that there is none. What is not one (an interrupt) ends the script.
+    // Any Exception from the look-up means that the object has no array interface. Other errors, for example an
+    // interrupt, end the script.
     if (!PyErr_ExceptionMatches(PyExc_Exception))
         return nullptr;
     PyErr_Clear();
@@ -78,8 +79,8 @@ PyObject* fx_pyimages_CreateFromArrayInterface(TxPyImage& object, PyObject* dict
 
 namespace {
 
-// Reading an integer of a foreign type can run any code, also such that changes the dictionary: whatever is taken from
-// it is held.
+// Converting an object to an integer can run any code, even code that changes the dictionary. So each entry is held by
+// a reference.
 PyRef entry(PyObject* dictionary, const char* key)
 {
     return PyRef::retain(PyDict_GetItemString(dictionary, key));
@@ -214,13 +215,13 @@ ImageSize sizeOf(const ArrayDescription& array)
     }
 }
 
-// Sizes may be anything here, so products are taken modulo 2^64: what does not fit is not allocated either.
+// Sizes may be anything here, so products wrap modulo 2^64. The allocation refuses sizes whose products would wrap.
 std::int64_t product(std::int64_t a, std::int64_t b)
 {
     return std::int64_t(std::uint64_t(a) * std::uint64_t(b));
 }
 
-// x has the array's first stride and y its second, although the height is the first entry of the shape.
+// x uses the array's first stride and y the second, although the height is the first entry of the shape.
 ArrayLayout layoutOf(const ArrayDescription& array, const ImageSize& size)
 {
     const std::uint32_t valueBytes = SxPicBufInfo::bytesPerValue(array.dataType);
@@ -246,7 +247,8 @@ ArrayLayout layoutOf(const ArrayDescription& array, const ImageSize& size)
     return layout;
 }
 
-// The memory that an array describes is read without further questions, unless the description is made up.
+// True if the described memory seems readable. Otherwise the description may be made up, and copyArray() has to probe
+// the memory that it reads.
 bool isPlausible(const ArrayExtent& extent)
 {
     constexpr std::uint64_t quicklyChecked = std::uint64_t(1) << 36; // 64 GB

@@ -23,7 +23,7 @@ PyObject* fx_pyimg_FromFile(PyObject* self, PyObject* args)
         return fx_raise("cannot open file");
     std::unique_ptr<CxImageData> image = readImage(*loader);
     loader.reset();
-    // The loader has logged what is wrong with a damaged file. The object is then empty.
+    // If the file is damaged, the loader has logged the reason, and the object becomes empty.
     fx_img_installImage(fx_record<TxPyImage>(self), std::move(image));
     return fx_none();
 }

@@ -1,5 +1,5 @@
-// Filling an image from nested lists of numbers: one pass, nothing of the lists is copied or held. No code of the
-// script runs meanwhile, so the lists cannot change.
+// Filling an image from nested lists of numbers, in one pass. No script code runs during the pass, so the lists cannot
+// change and need neither copies nor references.
 
 #include "ImageMethods.h"
 #include "support/ErrorLog.h"
@@ -11,17 +11,17 @@
 
 namespace {
 
-/// What the first elements tell about a list: the others are fitted to it.
+/// The shape and type of a list, taken from its first elements. All other elements are fitted to this shape.
 struct ListShape {
     ImageSize size;
     int dimensions = 1;
     bool ofIntegers = true;
 };
 
-// False with an error set.
+// On failure, returns false with an error set.
 bool describe(PyObject* list, ListShape& shape);
 
-// The two kinds of element. An item of another type is not stored: false.
+// The two kinds of elements. store() returns false, and stores nothing, if the item has another type.
 struct Integers {
     using Value = std::uint16_t;
     static bool store(PyObject* item, Value& value);
@@ -31,7 +31,7 @@ struct Floats {
     static bool store(PyObject* item, Value& value);
 };
 
-// Places for which the list has no value become 0.
+// Values that the list lacks become 0.
 template<typename Elements>
 void fill(SxPicBuf& buffer, PyObject* list, int dimensions);
 
@@ -98,7 +98,7 @@ bool describe(PyObject* list, ListShape& shape)
     return true;
 }
 
-// Cut to the low 16 bits, however large the integer is.
+// Keeps the low 16 bits of an integer of any size.
 bool Integers::store(PyObject* item, Value& value)
 {
     if (!fx_isInteger(item))
@@ -115,9 +115,9 @@ bool Floats::store(PyObject* item, Value& value)
     return true;
 }
 
-// These return the end of what they wrote.
+// The next three functions return the end of what they wrote.
 
-// An element of another type is left out and the next one takes its place.
+// Skips elements of another type; the next element takes the free place.
 template<typename Elements>
 typename Elements::Value* fillRow(typename Elements::Value* to, PyObject* row, Py_ssize_t width)
 {
@@ -129,7 +129,7 @@ typename Elements::Value* fillRow(typename Elements::Value* to, PyObject* row, P
     return to;
 }
 
-// An element of another type leaves its own channel at 0.
+// An element of another type leaves its channel at 0.
 template<typename Elements>
 typename Elements::Value* fillPixel(typename Elements::Value* to, PyObject* pixel, Py_ssize_t channels)
 {
@@ -140,7 +140,7 @@ typename Elements::Value* fillPixel(typename Elements::Value* to, PyObject* pixe
     return to + channels;
 }
 
-// What is not a pixel is left out and the next one takes its place.
+// Skips elements that are not pixels; the next pixel takes the free place.
 template<typename Elements>
 typename Elements::Value* fillRowOfPixels(typename Elements::Value* to, PyObject* row, Py_ssize_t width,
                                           Py_ssize_t channels)

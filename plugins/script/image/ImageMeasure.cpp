@@ -11,7 +11,7 @@
 
 namespace {
 
-/// A rectangle as a script gives it; a size below 1 reaches to the edge of the image.
+/// A rectangle from a script. With a width or height below 1, the rectangle reaches to the edge of the image.
 struct RectArguments {
     int x = 0;
     int y = 0;
@@ -29,7 +29,7 @@ PyObject* statisticsDict(const QString& name, const CxHistoData::CxPixelStats& s
                          stats.min, "max", stats.max);
 }
 
-/// A new list of what makeItem(index) returns; null with an error set when one of them is null.
+/// A new list of the results of makeItem(index). Null with an error set if makeItem() returns null or memory runs out.
 template<typename MakeItem>
 PyRef newList(Py_ssize_t count, MakeItem makeItem)
 {
@@ -43,14 +43,14 @@ PyRef newList(Py_ssize_t count, MakeItem makeItem)
     return list;
 }
 
-/// The last coordinate of a side. One that no integer holds becomes the nearest that one does.
+/// The last coordinate of a side, clamped to the range of int.
 int lastOf(int first, int size, std::uint32_t edge)
 {
     const std::int64_t end = size < 1 ? std::int64_t(edge) : std::int64_t(first) + size;
     return int(std::clamp<std::int64_t>(end - 1, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
 }
 
-// Built from its corners: what QRect computes from a size may overflow.
+// Built from the corners, since QRect may overflow when it computes a corner from a size.
 QRect RectArguments::on(CxImageData& image) const
 {
     const SxPicBuf* buffer = image.picBuf();

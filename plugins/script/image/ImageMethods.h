@@ -4,34 +4,36 @@
 
 #include <cstdint>
 
-// The methods of vantrel.Image that stand apart from its type, one file a subject; FuncImage.cpp holds their table.
-// An empty object, which is one without a CxImageData, makes each of them return null without an error, but for the two
-// that fill it. So does an image whose buffer is needed and null, and pixels that would be read or written here and are
-// not there. Everything else about images without pixels is left to the host's operations, which refuse them.
+// Methods of vantrel.Image, one file for each subject. FuncImage.cpp holds the method table.
+//
+// An object without a CxImageData is empty. For an empty object each method returns null without an error, except for
+// the two methods that fill the object. A method also returns null without an error if the image lacks a buffer that
+// the method needs, or pixels that the method itself reads or writes. In all other cases the host's operations refuse
+// images without pixels.
 
 // ---- from files and data: ImageFromFile.cpp, ImageFromArray.cpp, ImageFromList.cpp ----
 
 PyObject* fx_pyimg_FromFile(PyObject* self, PyObject* args);
 PyObject* fx_pyimg_FromArray(PyObject* self, PyObject* object);
 
-// ---- shared by those that fill an image from data: ImageFilling.cpp ----
+// ---- shared by the functions that fill an image from data: ImageFilling.cpp ----
 
-/// Narrows filled pixels and makes them the object's image. Returns None.
+/// Converts pixels to the smallest data type that fits, and makes them the object's image. Returns None.
 PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf filled);
 
-/// Sizes as a script gave them; negative and enormous ones are possible and never fit a buffer.
+/// Sizes from a script. They may be negative or enormous; such sizes never fit a buffer.
 struct ImageSize {
     std::int64_t width = 0;
     std::int64_t height = 0;
     std::int64_t channels = 0;
 };
 
-/// Allocates pixels, not cleared, for a size and the type and bpc that are set in the buffer. False when
-/// that is not possible; no error is set.
+/// Allocates pixels, not cleared, for a size and for the type and bpc that are set in the buffer. On failure, returns
+/// false without an error.
 bool fx_img_allocate(OwnedPicBuf& target, const ImageSize& size);
 
-/// Makes the object's image of an array interface dictionary, or of nested lists. None, or null with an error set: the
-/// object then keeps its image. (Something else than a dictionary gives null without an error.)
+/// Fills the object from an array interface dictionary or from nested lists. Returns None. On failure, returns null
+/// with an error set, and the object keeps its image. An argument that is not a dictionary gives null without an error.
 PyObject* fx_pyimages_CreateFromArrayInterface(TxPyImage& object, PyObject* dictionary);
 PyObject* fx_pyimages_CreateFromList(TxPyImage& object, PyObject* list);
 

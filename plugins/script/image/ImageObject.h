@@ -8,37 +8,37 @@
 
 class CxImageData;
 
-// The type vantrel.Image, as its own parts see it.
+// The type vantrel.Image, for the files that implement it.
 
 /// The instance record.
 struct TxPyImage {
-    PyObject_HEAD CxImageData* imageData; ///< the host image this object stands for; null for an empty object
-    bool ownsData;                        ///< whether the object deletes the image, or borrows one kept elsewhere
+    PyObject_HEAD CxImageData* imageData; ///< the host image behind this object; null for an empty object
+    bool ownsData;                        ///< true if the object deletes the image, false if it borrows the image
 };
 
-/// The type object of the running interpreter; null until the module is made.
+/// The type object of the running interpreter; null until the module exists.
 extern PyTypeObject* TxPyImageType;
 
 extern PyMethodDef px_image_meths[];
 
-/// The picture buffer behind an object, or null (no error set): the object is null, of another type or empty, or its
-/// image has no buffer. The buffer may be without pixels.
+/// The picture buffer behind an object. Null without an error if the object is null, empty or of another type, or if
+/// the image has no buffer. The buffer may have no pixels.
 SxPicBuf* fx_img_buffer(PyObject* object);
 
 /// Deletes the object's image if the object owns it, and leaves the object empty.
 void fx_img_releaseImage(TxPyImage& object);
 
-/// Replaces the object's image: the old one is released, the new one (perhaps null) is owned by the object.
+/// Releases the object's image and gives the object ownership of a new image, which may be null.
 void fx_img_installImage(TxPyImage& object, std::unique_ptr<CxImageData> image);
 
-/// A new vantrel.Image that owns the image; null with an error set when it cannot be made.
+/// A new vantrel.Image that owns the image. On failure, null with an error set; the image is then deleted.
 PyObject* fx_img_newOwner(std::unique_ptr<CxImageData> image);
 
-/// A new vantrel.Image of these pixels, which are freed when it cannot be made (null with an error set).
+/// A new vantrel.Image that owns the pixels. On failure, null with an error set; the pixels are then freed.
 PyObject* fx_img_newOwner(OwnedPicBuf pixels);
 
-/// Attribute look-up, the getattro slot: ImageAttributes.cpp.
+/// The attribute look-up, for the getattro slot. Defined in ImageAttributes.cpp.
 PyObject* fx_pyimg_GetAttrO(PyObject* self, PyObject* name);
 
-/// Prepares the table of attribute names; false with an error set when there is no memory for it.
+/// Prepares the table of attribute names. False with an error set if memory runs out.
 bool fx_img_prepareAttributes();

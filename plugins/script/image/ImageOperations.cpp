@@ -1,4 +1,4 @@
-// Conversions that make a new image, operations on two images, saving.
+// Conversions that make a new image, operations on two images, and saving.
 
 #include "CxImageData.h"
 #include "CxImageFormatManager.h"
@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* outOfMemory = "cannot allocate new image, out of memory";
 
-// False with an error set. The memory is cleared: not every operation writes every pixel.
+// Clears the memory, since not every operation writes every pixel. On failure, returns false with an error set.
 bool allocateResult(OwnedPicBuf& result, SxPicBufInfo info)
 {
     info.lineStride = 0;
@@ -29,7 +29,7 @@ PyObject* newImage(OwnedPicBuf& result)
     return fx_img_newOwner(std::move(result));
 }
 
-// False with an error set. A negative size would turn into an enormous one.
+// False with an error set for a negative size, which would become enormous as an unsigned number.
 bool isSize(int width, int height)
 {
     if (width >= 0 && height >= 0)
@@ -38,7 +38,7 @@ bool isSize(int width, int height)
     return false;
 }
 
-// An operation on the buffers of the object and of another one.
+// Runs an operation on the buffers of two images. Null without an error if one of the buffers is missing.
 template<typename Operation>
 PyObject* onTwoImages(PyObject* self, PyObject* other, Operation operation)
 {

@@ -1,11 +1,11 @@
-// Reading and writing single pixels, drawing lines and outlines.
+// Reading and writing single pixels, and drawing lines and outlines.
 
 #include "ImageMethods.h"
 #include "LineDrawing.h"
 
 namespace {
 
-// False with an error set.
+// False with an error set if the position is out of range.
 bool isInRange(int position, std::uint32_t limit, const char* complaint)
 {
     if (position >= 0 && std::uint32_t(position) < limit)
@@ -25,13 +25,13 @@ bool pixelExists(const SxPicBuf& buffer, int x, int y, int channel)
            isInRange(y, buffer.height, "y-coordinate out of range") && channelExists(buffer, channel);
 }
 
-/// Whether there is memory to read and write. An operation of the host would look for itself; here nothing else does.
+/// Whether the buffer has pixels. The host's operations check this themselves; the functions here need this check.
 bool hasMemory(const SxPicBuf& buffer)
 {
     return buffer.data != nullptr;
 }
 
-/// Arguments of both drawing methods.
+/// The arguments of both drawing methods.
 struct Drawing {
     long long value = 0;
     int x1 = 0;
@@ -41,7 +41,7 @@ struct Drawing {
     int channel = 0;
 };
 
-// The buffer to draw on, or null.
+// Returns the buffer to draw on, or null if an argument is wrong or there are no pixels.
 SxPicBuf* parseDrawing(PyObject* self, PyObject* args, Drawing& drawing)
 {
     if (!PyArg_ParseTuple(args, "Liiii|i", &drawing.value, &drawing.x1, &drawing.y1, &drawing.x2, &drawing.y2,

@@ -37,8 +37,8 @@ int sign(long long number)
     return (number > 0) - (number < 0);
 }
 
-// Sets what fx_setPicPixelValue() would, without finding each pixel's place anew.
-// One step along the major axis is always taken, one along the minor axis when the error is not negative.
+// Writes what fx_setPicPixelValue() would, but moves from pixel to pixel instead of computing each position.
+// Each move takes one step along the major axis, and one along the minor axis if the error is not negative.
 template<typename T>
 void drawLine(std::uint8_t* to, T value, long long majorLength, long long minorLength, std::ptrdiff_t majorStep,
               std::ptrdiff_t minorStep)

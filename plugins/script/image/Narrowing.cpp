@@ -4,13 +4,13 @@
 #include "SxPicBuf.h"
 
 namespace {
-// The types whose bits in use decide; bytes stay bytes.
+// Whether the bits in use decide the new type. Bytes stay bytes.
 bool isUnsignedWide(ExImageDataType type)
 {
     return SxPicBufInfo::isUnsigned(type) && type != ExImageDataType::UInt8;
 }
 
-// 8 bits become a byte; fewer do not, since a depth of less than 8 in 16 bits is what cameras deliver too.
+// 8 bits become a byte. Fewer bits become 16-bit values, since cameras also deliver fewer than 8 bits that way.
 ExImageDataType narrowedUnsigned(ExImageDataType type, unsigned bits)
 {
     if (bits == 8)
@@ -33,7 +33,7 @@ ExImageDataType narrowedSigned(ExImageDataType type, unsigned bits)
     return type;
 }
 
-// An even count from 8 on. A maximum equal to the power of two counts as fitting.
+// The smallest even number of bits, at least 8, that fits a maximum. A maximum of exactly 2^bits counts as fitting.
 unsigned evenBitsFor(std::uint64_t maximum, unsigned typeBits)
 {
     unsigned bits = 8;

@@ -4,7 +4,7 @@ struct SxPicBuf;
 
 /// Converts a buffer into the smallest data type that holds its values.
 ///
-/// Returns true when `out` was allocated and holds the converted pixels; it is then the caller's to free. Returns
-/// false, with nothing allocated, when the type is the right one already or when memory is short. `in` keeps its
-/// pixels; where the bits in use were counted, its bpc tells them afterwards.
+/// Returns true if `out` holds the converted pixels; the caller then frees `out`. Returns false, with nothing
+/// allocated, if the type is already right or the conversion fails, for example for lack of memory. `in` keeps its
+/// pixels. If the function counts the bits in use, it stores the count in the bpc of `in`.
 bool fx_img_convertToBestBpc(SxPicBuf& out, SxPicBuf& in);

@@ -42,7 +42,7 @@ bool MemoryProbe::canRead(std::uint64_t begin, std::uint64_t end, Pages pages)
     for (std::uint64_t done = 0; done < count;) {
         const std::uint64_t now = std::min<std::uint64_t>(count - done, inMemory.size());
         if (mincore(reinterpret_cast<void*>(first + done * page), now * page, inMemory.data()) != 0)
-            return false; // some page is not mapped
+            return false; // a page is not mapped
         for (std::uint64_t i = 0; i < now; ++i) {
             if (!(inMemory[i] & 1U) && !canReadPages(first + (done + i) * page, 1))
                 return false;
@@ -52,8 +52,8 @@ bool MemoryProbe::canRead(std::uint64_t begin, std::uint64_t end, Pages pages)
     return true;
 }
 
-// Writes a byte of each page into a pipe: the system refuses addresses that cannot be read, and does nothing else. It
-// is asked directly, since a sanitizer would look at the addresses before the system does.
+// Writes one byte of each page into a pipe. The system refuses addresses that cannot be read, without a signal. The
+// call goes to the system directly, because a sanitizer would look at the addresses first.
 bool MemoryProbe::canReadPages(std::uint64_t begin, std::uint64_t count)
 {
     if (m_pipe[0] < 0 && pipe2(m_pipe, O_CLOEXEC | O_NONBLOCK) != 0)
