@@ -39,7 +39,7 @@ PyObject* PyInit_emb()
     emb::g_stderr_saved = nullptr;
 
     emb::TxPyStdOutType = reinterpret_cast<PyObject*>(
-        fx_makeType(emb::TxPyStdOutType_Spec, "PyInit_emb", "Failed to register emb.StdOutType"));
+        fx_makeType(emb::TxPyStdOutType_Spec, "PyInit_emb(): %1", "Failed to register emb.StdOutType"));
     if (!emb::TxPyStdOutType)
         return nullptr;
     PyObject* module = fx_makeModule(emb::embmodule);

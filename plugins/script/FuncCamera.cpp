@@ -191,7 +191,7 @@ void fx_pycams_TypeReady()
     TxPyCameraType = nullptr;
     if (fx_cam_prepareAttributes())
         TxPyCameraType =
-            fx_makeType(TxPyCameraType_Spec, "fx_pycams_TypeReady", "Failed to register vantrel.CameraType");
+            fx_makeType(TxPyCameraType_Spec, "fx_pycams_TypeReady(): %1", "Failed to register vantrel.CameraType");
 }
 
 int fx_pycams_TypeAdd(PyObject* module)

@@ -258,7 +258,8 @@ static PyType_Spec TxPyGraphType_Spec = {
 void fx_pygraphs_TypeReady()
 {
     fx_addHelp("vantrel", nullptr, "graphObj", px_graph_meths);
-    TxPyGraphType = fx_makeType(TxPyGraphType_Spec, "fx_pygraphs_TypeReady", "Failed to register vantrel.GraphType");
+    TxPyGraphType =
+        fx_makeType(TxPyGraphType_Spec, "fx_pygraphs_TypeReady(): %1", "Failed to register vantrel.GraphType");
 }
 
 int fx_pygraphs_TypeAdd(PyObject* module)

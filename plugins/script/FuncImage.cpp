@@ -304,7 +304,7 @@ void fx_pyimages_TypeReady()
     fx_addHelp("vantrel", nullptr, "imgObj", px_image_meths);
     TxPyImageType = nullptr;
     if (fx_img_prepareAttributes())
-        TxPyImageType = fx_makeType(TxPyImageType_Spec, "fx_pyimages_TypeReady",
+        TxPyImageType = fx_makeType(TxPyImageType_Spec, "fx_pyimages_TypeReady(): %1",
                                     "Failed to register vantrel.ImageType with limited API");
 }
 

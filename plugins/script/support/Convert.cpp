@@ -50,14 +50,12 @@ PyObject* fx_makeModule(PyModuleDef& definition)
     return PyModule_Create2(&definition, stableAbiVersion);
 }
 
-PyTypeObject* fx_makeType(PyType_Spec& specification, const char* function, const char* problem, const char* file,
+PyTypeObject* fx_makeType(PyType_Spec& specification, const char* format, const char* problem, const char* file,
                           int line)
 {
     PyObject* type = PyType_FromSpec(&specification);
-    if (!type) {
-        const QString format = QString::fromLatin1(function) + QStringLiteral("(): %1");
-        fx_logError(format.arg(QString::fromLatin1(problem)), file, line);
-    }
+    if (!type)
+        fx_logError(QString::fromLatin1(format).arg(QString::fromLatin1(problem)), file, line);
     return reinterpret_cast<PyTypeObject*>(type);
 }
 

@@ -77,9 +77,9 @@ PyObject* fx_raise(const char* text);
 /// may be used again after the interpreter has been finalised and restarted.
 PyObject* fx_makeModule(PyModuleDef& definition);
 
-/// Makes a type from its specification. On failure logs function + "(): " + problem, as in "fx_pycams_TypeReady():
-/// ...", and returns null with the interpreter's error still set. The log line names the caller's file and line.
-PyTypeObject* fx_makeType(PyType_Spec& specification, const char* function, const char* problem,
+/// Makes a type from its specification. On failure logs format with problem in the place of %1, and returns null with
+/// the interpreter's error still set. The log line names the caller's file and line.
+PyTypeObject* fx_makeType(PyType_Spec& specification, const char* format, const char* problem,
                           const char* file = __builtin_FILE(), int line = __builtin_LINE());
 
 /// Adds a type to a module under a name. Returns 1 on success, and 0 if the type is null or adding fails. Leaves no
