@@ -58,7 +58,7 @@ public:
         for (const QString& directory : {m_options.workingDirectory, m_options.pythonHome})
             if (!directory.isEmpty() && !QFileInfo(directory).isDir())
                 return QStringLiteral("%1 is not a folder.").arg(directory);
-        if (const QString problem = m_viewer.loadScripting(); !problem.isEmpty())
+        if (QString problem = m_viewer.loadScripting(); !problem.isEmpty())
             return problem;
         for (const QString& path : m_options.filesToOpen)
             if (!m_viewer.window().views().openFile(path))

@@ -21,7 +21,7 @@ namespace {
 
 QString pluginLibrary()
 {
-    const QString chosen = qEnvironmentVariable("VANTREL_PLUGIN");
+    QString chosen = qEnvironmentVariable("VANTREL_PLUGIN");
     if (!chosen.isEmpty())
         return chosen;
     const QDir programs(QCoreApplication::applicationDirPath());
@@ -77,7 +77,7 @@ Viewer::~Viewer()
 
 QString Viewer::loadScripting()
 {
-    const QString problem = m_scripts->load(pluginLibrary());
+    QString problem = m_scripts->load(pluginLibrary());
     m_window.setScriptLanguage(m_scripts->language());
     return problem;
 }

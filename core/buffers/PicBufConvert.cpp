@@ -37,7 +37,7 @@ template<typename D, typename W>
 D toInteger(W value, W highest)
 {
     constexpr auto lowest = static_cast<W>(std::numeric_limits<D>::min());
-    value = value == value ? value : W(0);
+    value = value == value ? value : W(0); // NOLINT(misc-redundant-expression): false for not-a-number
     value = value < lowest ? lowest : value;
     value = value > highest ? highest : value;
     return static_cast<D>(rounded(value));
