@@ -7,11 +7,10 @@
 #include "IxCameraDevice.h"
 
 #include <QtCore/QLoggingCategory>
-#include <QtCore/QMutexLocker>
-#include <QtCore/QRecursiveMutex>
 
 #include <algorithm>
 #include <cmath>
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -21,8 +20,9 @@ struct CxCameraParameters::Private {
     IxCameraDevice* device = nullptr; // guarded by the mutex
     bool deviceIsReleased = false;    // guarded by the mutex
     std::vector<std::unique_ptr<CxCameraParam>> params;
-    // Held during calls to the device. Recursive, because a device may report values back from within a write.
-    mutable QRecursiveMutex mutex;
+    // Held during calls to the device. Recursive, because a device may report values back from within a write. The thread
+    // sanitizer knows the standard library's mutex, but not Qt's.
+    mutable std::recursive_mutex mutex;
     QRect region;
 
     ExWriteStatus write(CxCameraParam& param, const CxValue& value, bool commit);
@@ -75,7 +75,7 @@ CxCameraParameters::~CxCameraParameters() = default;
 
 void CxCameraParameters::releaseDevice()
 {
-    const QMutexLocker lock(&d->mutex);
+    const std::lock_guard lock(d->mutex);
     d->device = nullptr;
     d->deviceIsReleased = true;
 }
@@ -148,7 +148,7 @@ bool CxCameraParameters::getParamDirect(const QString& name, CxValue& value, int
         if (found)
             value = param->paramValue();
     } else {
-        const QMutexLocker lock(&d->mutex);
+        const std::lock_guard lock(d->mutex);
         found = d->device && d->device->readParam(name, value);
     }
     store(status, found ? Written : Unknown);
@@ -175,7 +175,7 @@ bool CxCameraParameters::setROIRectParams(int x, int y, int width, int height, b
         return false;
     const QRect region(int(left), int(top), int(right - left), int(bottom - top));
     {
-        const QMutexLocker lock(&d->mutex);
+        const std::lock_guard lock(d->mutex);
         if (commit && (d->deviceIsReleased || (d->device && !d->device->writeRegion(region))))
             return false;
         d->region = region;
@@ -187,7 +187,7 @@ bool CxCameraParameters::setROIRectParams(int x, int y, int width, int height, b
 
 QList<QRect> CxCameraParameters::currentROIRectParams() const
 {
-    const QMutexLocker lock(&d->mutex);
+    const std::lock_guard lock(d->mutex);
     return {d->region};
 }
 
@@ -241,7 +241,7 @@ CxCameraParameters::ExWriteStatus CxCameraParameters::Private::write(CxCameraPar
         return Refused;
     const bool clipped = clip(wanted, param);
 
-    const QMutexLocker lock(&mutex);
+    const std::lock_guard lock(mutex);
     if (commit && (deviceIsReleased || (device && !device->writeParam(param.name(), wanted))))
         return Refused;
     param.setParamValue(wanted);

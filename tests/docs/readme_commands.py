@@ -33,7 +33,7 @@ def start(command, seconds):
     """Starts a command that a person ends. It must run for that time, and end after the signal to terminate."""
     print("--", command, flush=True)
     process = subprocess.Popen(command.split(), cwd=root, env=environment, stdin=subprocess.DEVNULL)
-    time.sleep(seconds)
+    time.sleep(seconds)  # the time that it must live
     if process.poll() is not None:
         failures.append(f"{command}: ended too early, with status {process.returncode}")
     process.terminate()

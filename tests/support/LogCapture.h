@@ -1,14 +1,24 @@
 #pragma once
 
+#include <QtCore/QList>
 #include <QtCore/QMutex>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 #include <QtCore/QtGlobal>
 
-/// Collects Qt's log records while it lives, and writes them nowhere else. Only one may exist at a time.
+/// Collects the log records that any thread writes while it lives, and writes them nowhere else. Only one may exist at
+/// a time.
 class LogCapture
 {
 public:
+    struct Record {
+        QtMsgType type = QtDebugMsg;
+        QString category;
+        bool namesFile = false; ///< whether the record names the source file that wrote it
+        int line = 0;
+        QString text;
+    };
+
     LogCapture()
     {
         s_current = this;
@@ -21,16 +31,19 @@ public:
     }
     Q_DISABLE_COPY_MOVE(LogCapture)
 
-    struct Record {
-        QtMsgType type = QtDebugMsg;
-        QString category;
-        QString text;
-    };
-
     QList<Record> records() const
     {
         const QMutexLocker locker(&m_lock);
         return m_records;
+    }
+
+    /// The texts of all records, in order.
+    QStringList texts() const
+    {
+        QStringList texts;
+        for (const Record& record : records())
+            texts.append(record.text);
+        return texts;
     }
 
     /// The texts of the critical records, in order.
@@ -44,11 +57,18 @@ public:
         return texts;
     }
 
+    void clear()
+    {
+        const QMutexLocker locker(&m_lock);
+        m_records.clear();
+    }
+
 private:
     static void receive(QtMsgType type, const QMessageLogContext& context, const QString& text)
     {
         const QMutexLocker locker(&s_current->m_lock);
-        s_current->m_records.append({type, QString::fromUtf8(context.category), text});
+        s_current->m_records.append(
+            {type, QString::fromUtf8(context.category), context.file != nullptr, context.line, text});
     }
 
     static inline LogCapture* s_current = nullptr;

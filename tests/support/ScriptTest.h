@@ -4,6 +4,7 @@
 
 #include "CxPicBufAPI.h"
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <utility>
@@ -59,6 +60,13 @@ protected:
                                    "    print(type(error).__name__ + ': ' + str(error), end='')\n";
         const QString result = host.run(QString::fromStdString(script));
         return (host.printed().trimmed() + result).toStdString();
+    }
+
+    /// Each row: an expression, and what value() gives for it.
+    void expectValues(std::initializer_list<std::pair<std::string, std::string>> rows)
+    {
+        for (const auto& [expression, expected] : rows)
+            EXPECT_EQ(value(expression), expected) << expression;
     }
 
     /// Publishes an image to scripts. The test keeps owning the image and must keep it until the test ends.

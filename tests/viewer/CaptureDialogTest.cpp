@@ -1,6 +1,6 @@
 #include "window/CaptureDialog.h"
 
-#include "CameraTest.h"
+#include "CameraWindowTest.h"
 #include "CxPicBufAPI.h"
 #include "views/ImageWidget.h"
 

@@ -94,6 +94,7 @@ TEST(DialogAnswers, WithoutAnAnswerADialogThatNobodySeesIsDismissed)
 TEST(DialogAnswers, WithoutAnAnswerADialogThatIsSeenIsLeftToTheUser)
 {
     const DialogAnswers answers({}, true);
+    // Time enough to answer the dialog, which nothing must do.
     QTimer::singleShot(200, qApp, [] {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         ASSERT_NE(box, nullptr);

@@ -1,4 +1,4 @@
-#include "CameraTest.h"
+#include "CameraWindowTest.h"
 #include "scripting/ScriptWait.h"
 
 #include <QtCore/QPointer>
@@ -72,7 +72,7 @@ TEST_F(LiveView, KeepsTheLastFrameWhenTheCameraStops)
     EXPECT_TRUE(delegate.setCameraAcquisition(false, handle()));
     EXPECT_FALSE(view->isLive());
     const std::shared_ptr<CxImageData> last = view->image();
-    runFor(150);
+    runFor(150); // several frames' time, in which none may come
     EXPECT_EQ(view->image(), last);
 }
 
@@ -96,7 +96,7 @@ TEST_F(LiveView, ClosingItFromWithinAFrameIsHarmless)
     QObject::connect(view, &ImageView::imageShown, view, [&view] { view->closeMdiView(); });
     ASSERT_TRUE(until([this] { return !camera()->isRunning(); }));
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    runFor(50);
+    runFor(50); // so that a frame that is still on its way would come
     EXPECT_TRUE(window.views().ids().empty());
 }
 

@@ -1,11 +1,12 @@
 #include "Program.h"
+#include "support/SleepingThread.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
-#include <QtCore/QThread>
 #include <QtGui/QImage>
+#include <QtTest/QTest>
 
 #include <opencv2/videoio.hpp>
 
@@ -17,9 +18,14 @@ using testing::Test;
 
 void interrupt(QProcess& process)
 {
-    // The script sits where it is told to when the line before that has been printed; a moment later at the latest.
-    QThread::msleep(200);
     kill(pid_t(process.processId()), SIGINT);
+}
+
+/// Interrupts a script that waits as soon as the whole process does.
+void interruptTheWait(QProcess& process)
+{
+    EXPECT_TRUE(QTest::qWaitFor([&process] { return processSleeps(process.processId()); }, 60000));
+    interrupt(process);
 }
 
 /// What is to hold on the GUI thread and on a thread of the scripts' own.
@@ -86,7 +92,7 @@ TEST_P(RunOnEitherThread, AnInterruptStopsAScriptThatComputes)
 
 TEST_P(RunOnEitherThread, AnInterruptStopsAScriptThatSleeps)
 {
-    const Outcome outcome = run("import time\nprint('begun')\ntime.sleep(600)\n", thread(), interrupt);
+    const Outcome outcome = run("import time\nprint('begun')\ntime.sleep(600)\n", thread(), interruptTheWait);
     EXPECT_NE(outcome.errors.find("KeyboardInterrupt"), std::string::npos) << outcome.errors;
     EXPECT_EQ(outcome.status, 1);
 }
@@ -121,7 +127,7 @@ TEST_F(RunCommand, OutputAppearsAsItIsPrinted)
 {
     run("import vantrel\nprint('a', end='')\nvantrel.wait(600)\n", {}, [](QProcess& process) {
         EXPECT_EQ(process.readAllStandardOutput(), "a");
-        interrupt(process);
+        interruptTheWait(process);
     });
 }
 
@@ -151,7 +157,7 @@ TEST_F(RunCommand, AnInterruptStopsAScriptThatWaits)
                                 "    print('stopped')\n"
                                 "vantrel.wait(0.2)\n"
                                 "print('went on')\n",
-                                {}, interrupt);
+                                {}, interruptTheWait);
     EXPECT_EQ(outcome.output, "begun\nstopped\nwent on\n");
     EXPECT_EQ(outcome.status, 0) << outcome.errors;
 }
@@ -159,7 +165,7 @@ TEST_F(RunCommand, AnInterruptStopsAScriptThatWaits)
 TEST_F(RunCommand, AnInterruptStopsOneScriptOfSeveral)
 {
     const QString first = write("first.py", "import vantrel\nprint('begun')\nvantrel.wait(600)\n");
-    const Outcome outcome = run("print('next')\n", QStringList(first), interrupt);
+    const Outcome outcome = run("print('next')\n", QStringList(first), interruptTheWait);
     EXPECT_EQ(outcome.output, "begun\nnext\n");
     EXPECT_EQ(outcome.status, 1);
 }

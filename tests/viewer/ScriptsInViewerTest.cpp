@@ -20,6 +20,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <functional>
 
 namespace {
 
@@ -49,6 +50,26 @@ protected:
             QCoreApplication::quit();
         });
         QCoreApplication::exec();
+    }
+
+    /// Does something from the event loop, and so while the script waits, as soon as a condition holds.
+    void once(const std::function<bool()>& holds, const std::function<void()>& act)
+    {
+        auto* timer = new QTimer(&viewer->window());
+        QObject::connect(timer, &QTimer::timeout, timer, [timer, holds, act] {
+            if (!holds())
+                return;
+            timer->deleteLater();
+            timer->stop();
+            act();
+        });
+        timer->start(1);
+    }
+
+    /// Does something when the script has printed a text and waits.
+    void oncePrinted(const char* text, const std::function<void()>& act)
+    {
+        once([this, text] { return console() == QString::fromUtf8(text); }, act);
     }
 
     void run(const char* script)
@@ -84,7 +105,7 @@ TEST_F(ScriptsInViewer, AMenuItemUsedWhileAScriptWaitsRunsWhenThatHasEnded)
     QAction* item = addItem(write("tool.py", "print('tool')\n"));
     run("import vantrel\nprint('begin')\nvantrel.wait(0.3)\nprint('end')\n");
     run("print('second')\n");
-    QTimer::singleShot(100, item, &QAction::trigger);
+    oncePrinted("begin\n", [item] { item->trigger(); });
     runAll();
     EXPECT_EQ(console().toStdString(), "begin\nend\nsecond\ntool\n");
     EXPECT_EQ(results.join(QString()), QString());
@@ -102,14 +123,14 @@ TEST_F(ScriptsInViewer, AMenuItemWhoseScriptIsGoneIsReported)
 
 TEST_F(ScriptsInViewer, TheStopItemStopsTheRunningScript)
 {
-    run("import vantrel\nvantrel.wait(600)\n");
+    run("import vantrel\nprint('begun')\nvantrel.wait(600)\n");
     QAction* stop = nullptr;
     for (QAction* action : viewer->window().menu(MainWindow::ScriptMenu)->actions())
         if (action->text() == QStringLiteral("&Stop Script"))
             stop = action;
     ASSERT_NE(stop, nullptr);
     EXPECT_TRUE(stop->isEnabled());
-    QTimer::singleShot(300, stop, &QAction::trigger);
+    oncePrinted("begun\n", [stop] { stop->trigger(); });
     runAll();
     ASSERT_EQ(results.size(), 1);
     EXPECT_TRUE(results[0].contains(QStringLiteral("KeyboardInterrupt"))) << results[0].toStdString();
@@ -119,9 +140,9 @@ TEST_F(ScriptsInViewer, TheStopItemStopsTheRunningScript)
 TEST_F(ScriptsInViewer, ClosingTheWindowStopsTheScriptBeforeTheApplicationEnds)
 {
     viewer->window().show();
-    run("import vantrel\nvantrel.wait(600)\n");
+    run("import vantrel\nprint('begun')\nvantrel.wait(600)\n");
     run("print('never')\n");
-    QTimer::singleShot(300, &viewer->window(), &QWidget::close);
+    oncePrinted("begun\n", [this] { viewer->window().close(); });
     QCoreApplication::exec();
     EXPECT_FALSE(viewer->scripts().isBusy());
     ASSERT_EQ(results.size(), 1);
@@ -138,10 +159,7 @@ TEST_F(ScriptsInViewer, ADialogIsDismissedWhenTheMainWindowCloses)
         results.clear();
         viewer->window().show();
         run(QByteArray("import vantrel\nprint('asking')\n").append(dialog).append("\nprint('never')\n"));
-        QTimer::singleShot(300, &viewer->window(), [this] {
-            EXPECT_NE(QApplication::activeModalWidget(), nullptr);
-            viewer->window().close();
-        });
+        once([] { return QApplication::activeModalWidget() != nullptr; }, [this] { viewer->window().close(); });
         QTimer::singleShot(20000, &viewer->window(), [] {
             ADD_FAILURE() << "the dialog stays open";
             std::abort();
@@ -190,10 +208,10 @@ TEST_F(ScriptsInViewer, AViewClosedByHandEndsTheWaitForItsFrame)
 {
     ImageView* view = viewer->window().views().add(nullptr, QStringLiteral("camera"));
     view->setLive(true);
-    run("import vantrel\nprint(vantrel.wait_for_next_frame())\nprint(vantrel.get_active_view_id())\n");
-    QTimer::singleShot(300, view, &QWidget::close);
+    run("import vantrel\nprint('begun')\nprint(vantrel.wait_for_next_frame())\nprint(vantrel.get_active_view_id())\n");
+    oncePrinted("begun\n", [view] { view->close(); });
     runAll();
-    EXPECT_EQ(console().toStdString(), "False\n-1\n");
+    EXPECT_EQ(console().toStdString(), "begun\nFalse\n-1\n");
 }
 
 TEST_F(ScriptsInViewer, AScriptMayCloseTheViewItWorksOn)

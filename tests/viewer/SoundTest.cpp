@@ -1,6 +1,6 @@
 #include "process/SoundPlayer.h"
 
-#include "support/LogCatcher.h"
+#include "support/LogCapture.h"
 #include "support/OtherThread.h"
 
 #include <QtCore/QCoreApplication>
@@ -13,11 +13,10 @@ namespace {
 
 TEST(Sounds, AMissingFileIsOneLogLine)
 {
-    const LogCatcher log;
+    const LogCapture log;
     SoundPlayer player;
     player.play(QStringLiteral("/nowhere/bell.wav"));
-    EXPECT_EQ(LogCatcher::texts(),
-              QStringList({QStringLiteral("Cannot play the sound /nowhere/bell.wav: no such file")}));
+    EXPECT_EQ(log.texts(), QStringList({QStringLiteral("Cannot play the sound /nowhere/bell.wav: no such file")}));
 }
 
 TEST(Sounds, AFileThatIsNoSoundIsOneLogLine)
@@ -26,22 +25,22 @@ TEST(Sounds, AFileThatIsNoSoundIsOneLogLine)
     ASSERT_TRUE(file.open());
     file.write("no sound");
     file.close();
-    const LogCatcher log;
+    const LogCapture log;
     SoundPlayer player;
     player.play(file.fileName());
-    const auto ours = [] { return LogCatcher::texts().filter(QStringLiteral("Cannot play the sound")); };
+    const auto ours = [&log] { return log.texts().filter(QStringLiteral("Cannot play the sound")); };
     EXPECT_TRUE(QTest::qWaitFor([&ours] { return !ours().isEmpty(); }));
     EXPECT_EQ(ours().size(), 1);
 }
 
 TEST(Sounds, MayBeAskedForOnAnyThread)
 {
-    const LogCatcher log;
+    const LogCapture log;
     SoundPlayer player;
     onOtherThread([&player] { player.play(QStringLiteral("/nowhere/bell.wav")); });
-    EXPECT_TRUE(LogCatcher::texts().isEmpty());
+    EXPECT_TRUE(log.texts().isEmpty());
     QCoreApplication::processEvents();
-    EXPECT_EQ(LogCatcher::texts().size(), 1);
+    EXPECT_EQ(log.texts().size(), 1);
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 
 #include <QtCore/QThread>
 
+#include <future>
+
 namespace {
 /// The interpreter's recursion limit assumes a stack as large as a main thread's.
 constexpr unsigned stackBytes = 16U << 20U;
@@ -86,8 +88,14 @@ void ScriptQueue::noteEnd(const QString& result)
 template<typename Function>
 void ScriptQueue::callRunner(Function function)
 {
-    if (m_thread)
-        QMetaObject::invokeMethod(m_runner.get(), function, Qt::BlockingQueuedConnection);
-    else
+    if (!m_thread) {
         function();
+        return;
+    }
+    // A future also brings back what the function throws, and the thread sanitizer understands its wait.
+    const auto task = std::make_shared<std::packaged_task<void()>>(std::move(function));
+    std::future<void> done = task->get_future();
+    QMetaObject::invokeMethod(
+        m_runner.get(), [task] { (*task)(); }, Qt::QueuedConnection);
+    done.get();
 }

@@ -60,7 +60,8 @@ private:
     void startNext();
     void noteEnd(const QString& result);
 
-    /// Calls a function on the runner's thread and waits until it returns. The function must not run a script.
+    /// Calls a function on the runner's thread and waits until it returns. Throws what the function throws. The
+    /// function must not run a script.
     template<typename Function>
     void callRunner(Function function);
 

@@ -1,5 +1,5 @@
 #include "PicBufReference.h"
-#include "core/LogCapture.h"
+#include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
 
@@ -94,7 +94,7 @@ TEST(PicBufArithmetic, DifferentKindsAreRefused)
     EXPECT_FALSE(CxPicBufAPI::Subtract(a.record, colour.record));
     EXPECT_FALSE(CxPicBufAPI::Add(a.record, empty));
     EXPECT_EQ(a.pixels(), before.pixels());
-    EXPECT_EQ(LogCapture::lines().size(), 3);
+    EXPECT_EQ(log.texts().size(), 3);
 }
 
 TEST(PicBufArithmetic, QuotientsAreRoundedAndSaturate)
@@ -163,7 +163,7 @@ TEST(PicBufArithmetic, DivisionByZeroChangesNothing)
         EXPECT_FALSE(CxPicBufAPI::DivideByValue(image.record, 0));
         EXPECT_EQ(image.pixels(), before.pixels());
     }
-    EXPECT_EQ(LogCapture::lines().size(), qsizetype(allTypes.size()));
+    EXPECT_EQ(log.texts().size(), qsizetype(allTypes.size()));
 }
 
 } // namespace

@@ -1,5 +1,5 @@
 #include "PicBufReference.h"
-#include "core/LogCapture.h"
+#include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
 
@@ -135,7 +135,7 @@ TEST(PicBufConvert, RefusesOtherSizesPackedColoursAndSharedMemory)
     EXPECT_FALSE(CxPicBufAPI::ConvertPicToDifBpc(source.record, packed.record, true));
     EXPECT_FALSE(CxPicBufAPI::ConvertPicToDifBpc(packed.record, source.record, false));
     EXPECT_FALSE(CxPicBufAPI::ConvertPicToDifBpc(source.record, source.record, false));
-    EXPECT_EQ(LogCapture::lines().size(), 4);
+    EXPECT_EQ(log.texts().size(), 4);
 }
 
 TEST(PicBufColor, EverythingBecomesEightBitColour)
@@ -235,7 +235,7 @@ TEST(PicBufColor, SwapRefusesWhatHasNoRedAndBlue)
     EXPECT_FALSE(CxPicBufAPI::SwapRedAndBlue(mono.record));
     EXPECT_FALSE(CxPicBufAPI::SwapRedAndBlue(packed.record));
     EXPECT_FALSE(CxPicBufAPI::SwapRedAndBlue(empty));
-    EXPECT_EQ(LogCapture::lines().size(), 3);
+    EXPECT_EQ(log.texts().size(), 3);
 }
 
 TEST(PicBufColor, ExtractsAChannelOfEveryType)

@@ -1,5 +1,5 @@
 #include "PicBufReference.h"
-#include "core/LogCapture.h"
+#include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
 
@@ -138,7 +138,7 @@ TEST(PicBufDetect, FloatsHaveNoBitDepthAndAreAlwaysValid)
     unsigned bpc = 5;
     EXPECT_FALSE(CxPicBufAPI::DetectColorBitDepth(source.record, bpc, true));
     EXPECT_EQ(bpc, 5U);
-    EXPECT_EQ(LogCapture::lines().size(), 1);
+    EXPECT_EQ(log.texts().size(), 1);
     EXPECT_TRUE(CxPicBufAPI::CheckPicValidData(source.record));
     EXPECT_EQ(CxPicBufAPI::DetectMaxAbsValue(source.record), std::numeric_limits<std::uint64_t>::max());
     source.set(0, 0, -2.75F);

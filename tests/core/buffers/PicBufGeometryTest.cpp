@@ -1,5 +1,5 @@
 #include "PicBufReference.h"
-#include "core/LogCapture.h"
+#include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
 
@@ -76,7 +76,7 @@ TEST(PicBufGeometry, DifferentKindsAreRefused)
     EXPECT_FALSE(CxPicBufAPI::Resize(source.record, colour.record));
     EXPECT_FALSE(CxPicBufAPI::Resize(source.record, empty));
     EXPECT_FALSE(CxPicBufAPI::CopyPicBuf(deep.record, source.record, true));
-    EXPECT_EQ(LogCapture::lines().size(), 7);
+    EXPECT_EQ(log.texts().size(), 7);
 }
 
 TEST(PicBufGeometry, CopyPicBufLeavesThePaddingAlone)
@@ -215,7 +215,7 @@ TEST(PicBufGeometry, RectanglesOutsideAreRefused)
     EXPECT_FALSE(CxPicBufAPI::ResizeRect(source.record, 0, 0, 1, 1, target.record, 6, 0, 1, 1));
     EXPECT_FALSE(CxPicBufAPI::ResizeRect(source.record, 0, 0, 1, 1, target.record, 0, 0xFFFFFFFFU, 1, 1));
     EXPECT_EQ(target.pixels(), before.pixels());
-    EXPECT_EQ(LogCapture::lines().size(), 4);
+    EXPECT_EQ(log.texts().size(), 4);
 }
 
 TEST(PicBufGeometry, ResizeWithinOneImageReadsTheOldPixels)

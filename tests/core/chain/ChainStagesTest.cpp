@@ -5,7 +5,8 @@
 #include "CxPicBufAPI.h"
 #include "CxRTTI.h"
 #include "chain/StagePixels.h"
-#include "support/LogCatcher.h"
+#include "support/LogCapture.h"
+#include "support/PixelTypeOf.h"
 
 #include <gtest/gtest.h>
 
@@ -81,53 +82,10 @@ std::vector<T> processed(const ImageStage& stage, ExImageDataType type, unsigned
 // ---- every pixel type ----
 
 template<typename T>
-struct TypeCode;
-template<>
-struct TypeCode<std::int8_t> {
-    static constexpr auto code = ExImageDataType::Int8;
-};
-template<>
-struct TypeCode<std::uint8_t> {
-    static constexpr auto code = ExImageDataType::UInt8;
-};
-template<>
-struct TypeCode<std::int16_t> {
-    static constexpr auto code = ExImageDataType::Int16;
-};
-template<>
-struct TypeCode<std::uint16_t> {
-    static constexpr auto code = ExImageDataType::UInt16;
-};
-template<>
-struct TypeCode<std::int32_t> {
-    static constexpr auto code = ExImageDataType::Int32;
-};
-template<>
-struct TypeCode<std::uint32_t> {
-    static constexpr auto code = ExImageDataType::UInt32;
-};
-template<>
-struct TypeCode<std::int64_t> {
-    static constexpr auto code = ExImageDataType::Int64;
-};
-template<>
-struct TypeCode<std::uint64_t> {
-    static constexpr auto code = ExImageDataType::UInt64;
-};
-template<>
-struct TypeCode<float> {
-    static constexpr auto code = ExImageDataType::Float;
-};
-template<>
-struct TypeCode<double> {
-    static constexpr auto code = ExImageDataType::Double;
-};
-
-template<typename T>
 class EveryType : public testing::Test
 {
 protected:
-    static constexpr ExImageDataType type = TypeCode<T>::code;
+    static constexpr ExImageDataType type = pixelTypeOf<T>();
     static constexpr unsigned bits = 8 * sizeof(T);
     static std::vector<T> run(const ImageStage& stage, const std::vector<T>& values)
     {
@@ -370,13 +328,13 @@ TEST(ChainStages, WhatCannotBeProcessedStaysAndIsLoggedOnce)
     const auto unknown = makeImage<std::uint8_t>(ExImageDataType::None, 8, 2, 1, {1, 2});
     const auto broad = makeImage<std::uint8_t>(ExImageDataType::UInt8, 8, 2, 600, std::vector<std::uint8_t>(1200, 5));
     const auto stage = makeStage("GaussianBlurStage");
-    const LogCatcher log;
+    const LogCapture log;
     for (CxImageData* image : {planar.get(), planar.get(), unknown.get(), broad.get(), broad.get()})
         stage->process(*image);
-    ASSERT_EQ(LogCatcher::texts().size(), 3) << LogCatcher::texts().join(u'\n').toStdString();
-    EXPECT_EQ(LogCatcher::texts().at(0).toStdString(),
+    ASSERT_EQ(log.texts().size(), 3) << log.texts().join(u'\n').toStdString();
+    EXPECT_EQ(log.texts().at(0).toStdString(),
               "Gaussian Blur: the image is left as it is: planar pixels are not supported");
-    EXPECT_EQ(LogCatcher::texts().at(2).toStdString(),
+    EXPECT_EQ(log.texts().at(2).toStdString(),
               "Gaussian Blur: the image is left as it is: the pixels have too many channels");
     EXPECT_EQ(valuesOf<std::uint8_t>(*planar), (std::vector<std::uint8_t>{1, 2}));
     EXPECT_EQ(valuesOf<std::uint8_t>(*broad), std::vector<std::uint8_t>(1200, 5));
@@ -411,12 +369,12 @@ class WrongSettings : public testing::TestWithParam<WrongValue>
 
 TEST_P(WrongSettings, AreLoggedAndTheDefaultIsUsed)
 {
-    const LogCatcher log;
+    const LogCapture log;
     const auto stage = makeStage(GetParam().stage, {{GetParam().name, GetParam().value}});
     EXPECT_EQ(stage->summary().toStdString(), GetParam().summary);
-    ASSERT_EQ(LogCatcher::texts().size(), 1);
-    EXPECT_TRUE(LogCatcher::texts().first().contains(QLatin1String(GetParam().name)));
-    EXPECT_TRUE(LogCatcher::texts().first().contains(QLatin1String(GetParam().value).left(20)));
+    ASSERT_EQ(log.texts().size(), 1);
+    EXPECT_TRUE(log.texts().first().contains(QLatin1String(GetParam().name)));
+    EXPECT_TRUE(log.texts().first().contains(QLatin1String(GetParam().value).left(20)));
 }
 
 INSTANTIATE_TEST_SUITE_P(All, WrongSettings,
@@ -434,10 +392,10 @@ INSTANTIATE_TEST_SUITE_P(All, WrongSettings,
 
 TEST(ChainStages, UnknownAttributesAreIgnored)
 {
-    const LogCatcher log;
+    const LogCapture log;
     const auto stage = makeStage("GainStage", {{"sigma", "wrong"}, {"Gain", "5"}, {"gain", "3"}});
     EXPECT_EQ(stage->summary().toStdString(), "gain 3, offset 0");
-    EXPECT_TRUE(LogCatcher::texts().isEmpty());
+    EXPECT_TRUE(log.texts().isEmpty());
 }
 
 TEST(ChainStages, ANewConfigurationStartsFromTheDefaults)

@@ -1,8 +1,8 @@
 // Image files that are as they should be: what is saved comes back.
 
 #include "CxImageFormatManager.h"
-#include "core/LogCapture.h"
 #include "core/buffers/PicBufReference.h"
+#include "support/LogCapture.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -147,7 +147,7 @@ TEST_F(ImageFile, OtherTypesAreStoredWhereEveryValueSurvives)
         if (row.stored == Type::None) {
             const LogCapture log;
             EXPECT_FALSE(save(*source.image(), file));
-            EXPECT_EQ(LogCapture::lines().size(), 1);
+            EXPECT_EQ(log.texts().size(), 1);
             continue;
         }
         ASSERT_TRUE(save(*source.image(), file));
@@ -189,7 +189,7 @@ TEST_F(ImageFile, TwoChannelsAreRefused)
     const TestPicBuf source({2, 2, 2});
     for (const char* name : {"a.png", "a.tif", "a.bmp", "a.ppm", "a.jpg"})
         EXPECT_FALSE(save(*source.image(), path(QString::fromLatin1(name))));
-    EXPECT_EQ(LogCapture::lines().size(), 5);
+    EXPECT_EQ(log.texts().size(), 5);
 }
 
 TEST_F(ImageFile, FloatsComeBackUnchangedFromTiff)
@@ -279,11 +279,11 @@ TEST_F(ImageFile, ARefusedSaveLeavesTheOldFileAndOneLogLine)
     {
         LogCapture log;
         EXPECT_FALSE(save(*floats.image(), path(QStringLiteral("a.png"))));
-        EXPECT_EQ(LogCapture::lines().size(), 1);
+        EXPECT_EQ(log.texts().size(), 1);
         EXPECT_FALSE(save(empty, path(QStringLiteral("a.png"))));
-        EXPECT_EQ(LogCapture::lines().size(), 2);
+        EXPECT_EQ(log.texts().size(), 2);
         EXPECT_FALSE(save(*floats.image(), path(QStringLiteral("no/such/folder/a.tif"))));
-        EXPECT_EQ(LogCapture::lines().size(), 3);
+        EXPECT_EQ(log.texts().size(), 3);
     }
     const auto loaded = load(path(QStringLiteral("a.png")));
     ASSERT_NE(loaded, nullptr);
@@ -305,8 +305,8 @@ TEST_F(ImageFile, WhateverTheImageThrowsIsOneLogLine)
     const QString file = path(QStringLiteral("x.png"));
     const std::unique_ptr<CxImageFileSaver> saver(CxImageFormatManager::instance()->saverForFile(file));
     EXPECT_NO_THROW(EXPECT_FALSE(saver->saveImage(&image, nullptr)));
-    ASSERT_EQ(LogCapture::lines().size(), 1);
-    EXPECT_TRUE(LogCapture::lines()[0].contains(QStringLiteral("the pixels are gone")));
+    ASSERT_EQ(log.texts().size(), 1);
+    EXPECT_TRUE(log.texts()[0].contains(QStringLiteral("the pixels are gone")));
     EXPECT_FALSE(QFile::exists(file));
 }
 
@@ -316,7 +316,7 @@ TEST_F(ImageFile, ANullImageIsRefused)
     const std::unique_ptr<CxImageFileSaver> saver(
         CxImageFormatManager::instance()->saverForFile(path(QStringLiteral("a.png"))));
     EXPECT_FALSE(saver->saveImage(nullptr, nullptr));
-    EXPECT_EQ(LogCapture::lines().size(), 1);
+    EXPECT_EQ(log.texts().size(), 1);
 }
 
 } // namespace

@@ -197,12 +197,13 @@ const std::map<QString, std::function<void(Host&)>> stages = {
     {QStringLiteral("while_a_thread_of_the_script_runs"),
      [](Host& host) {
          host.initialised();
-         host.run(QStringLiteral("import threading\n"
-                                 "def work():\n"
-                                 "    import time\n"
-                                 "    for i in range(100): time.sleep(0.001)\n"
-                                 "threading.Thread(target=work, daemon=True).start()\n"
-                                 "threading.Thread(target=work).start()\n"));
+         host.run(
+             QStringLiteral("import threading\n"
+                            "def work():\n"
+                            "    import time\n"
+                            "    for i in range(100): time.sleep(0.001)\n" // so that it lives when the process leaves
+                            "threading.Thread(target=work, daemon=True).start()\n"
+                            "threading.Thread(target=work).start()\n"));
      }},
     {QStringLiteral("by_system_exit_on_another_thread"),
      [](Host& host) {

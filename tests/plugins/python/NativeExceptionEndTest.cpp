@@ -1,6 +1,6 @@
 // A C++ exception of the host ends the script: what the script would do with the error does not count.
 
-#include "plugins/support/CameraTest.h"
+#include "plugins/support/CameraScriptTest.h"
 #include "support/LogCapture.h"
 #include "support/TestSettings.h"
 
@@ -47,7 +47,7 @@ public:
     bool throws = true;
 };
 
-class EndOfScript : public CameraTest
+class EndOfScript : public CameraScriptTest
 {
 protected:
     EndOfScript()

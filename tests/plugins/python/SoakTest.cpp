@@ -3,10 +3,10 @@
 #include "CxChain.h"
 #include "CxChainManager.h"
 #include "CxRTTI.h"
-#include "plugins/support/CameraTest.h"
+#include "plugins/support/CameraScriptTest.h"
 #include "plugins/support/WitnessStage.h"
 #include "support/Leftovers.h"
-#include "support/LogCatcher.h"
+#include "support/LogCapture.h"
 #include "support/OtherThread.h"
 #include "support/TestSettings.h"
 
@@ -75,7 +75,7 @@ const Chore chores[] = {
     {"ordered = sorted(vars(vantrel))\nassert 'Image' in ordered\nprint(shared.width, shared)"},
 };
 
-class Soak : public CameraTest
+class Soak : public CameraScriptTest
 {
 protected:
     Soak()
@@ -116,7 +116,7 @@ protected:
         host.environment.calls.clear();
         host.environment.resolved.clear();
         host.environment.itemMenus.clear();
-        LogCatcher::records.clear();
+        log.clear();
         WitnessStage::steps.clear();
         device.written.clear();
         menu.clear();
@@ -145,7 +145,7 @@ protected:
         return QDir(QString::fromUtf8(folderOfProcess)).entryList(QDir::AllEntries | QDir::System).size();
     }
 
-    LogCatcher log;
+    LogCapture log;
     std::mt19937 random{20000};
     QTemporaryDir folder;
     QMenu menu;

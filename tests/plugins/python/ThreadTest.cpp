@@ -20,7 +20,7 @@ protected:
                                       nullptr, nullptr);
     }
 
-    /// Runs a script on a thread of its own and waits for it.
+    /// Runs a script on a new thread and waits for it.
     QString runElsewhere(const char* script)
     {
         QString result;
@@ -111,7 +111,7 @@ TEST_F(Threads, ARunThatWaitsAlreadyLendsItsEnvironmentToTheRunningScript)
                 ran = true;
             });
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        std::this_thread::sleep_for(std::chrono::milliseconds(1)); // the pace of the script's loop, no more
     };
     second.onWait = [&](double) {
         EXPECT_FALSE(ran);

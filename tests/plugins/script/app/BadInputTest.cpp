@@ -181,12 +181,22 @@ TEST_F(BadInput, EmbInternalsInScriptsHandsDoNoHarm)
 
 TEST_F(BadInput, ThreadsThatOutliveTheScriptAreHarmless)
 {
-    EXPECT_CLEAN_RUN("import threading\n"
+    // They sleep so that they live on; only while a script runs are they let on.
+    EXPECT_CLEAN_RUN("import builtins, threading\n"
+                     "builtins.rounds = 0\n"
                      "def work():\n"
-                     "    import time\n"
-                     "    for i in range(200): time.sleep(0.001)\n"
+                     "    import builtins, time\n"
+                     "    for i in range(200):\n"
+                     "        time.sleep(0.001)\n"
+                     "        builtins.rounds += 1\n"
                      "for i in range(4): threading.Thread(target=work, daemon=i % 2 == 0).start()\n");
-    EXPECT_CLEAN_RUN("import time\ntime.sleep(0.05)");
+    EXPECT_CLEAN_RUN("import builtins, time\n"
+                     "enough = builtins.rounds + 40\n"
+                     "for i in range(10000):\n"
+                     "    if builtins.rounds >= enough: break\n"
+                     "    time.sleep(0.001)\n"
+                     "else:\n"
+                     "    raise AssertionError('the threads have ended')\n");
 }
 
 } // namespace

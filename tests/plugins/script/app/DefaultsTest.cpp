@@ -4,7 +4,7 @@
 #include "CxChain.h"
 #include "CxChainManager.h"
 #include "CxRTTI.h"
-#include "plugins/support/CameraTest.h"
+#include "plugins/support/CameraScriptTest.h"
 #include "plugins/support/WitnessStage.h"
 #include "support/DialogDriver.h"
 
@@ -111,7 +111,7 @@ TEST(Defaults, AllThatTheHelpTextsNameAreTried)
     EXPECT_EQ(tried, described);
 }
 
-class DefaultsOf : public CameraTest, public testing::WithParamInterface<Function>
+class DefaultsOf : public CameraScriptTest, public testing::WithParamInterface<Function>
 {
 protected:
     DefaultsOf()

@@ -1,7 +1,7 @@
 // Message boxes, questions, notifications and the error log.
 
 #include "support/DialogDriver.h"
-#include "support/LogCatcher.h"
+#include "support/LogCapture.h"
 #include "support/OtherThread.h"
 #include "support/PluginHost.h"
 
@@ -242,10 +242,10 @@ TEST_F(Dialogs, ANotificationReachesTheApplication)
 
 TEST_F(Dialogs, TheErrorLogGetsOneQuotedCriticalRecord)
 {
-    const LogCatcher log;
+    const LogCapture log;
     EXPECT_EQ(printed(QStringLiteral("print(vantrel.print_to_error_log('say \"no\"\\n\\u00e4'))")), "None\n");
-    ASSERT_EQ(LogCatcher::records.size(), 1);
-    const LogCatcher::Record& record = LogCatcher::records.first();
+    ASSERT_EQ(log.records().size(), 1);
+    const LogCapture::Record record = log.records().constFirst();
     EXPECT_EQ(record.type, QtCriticalMsg);
     EXPECT_EQ(record.category, QStringLiteral("default"));
     EXPECT_FALSE(record.namesFile);
@@ -255,9 +255,9 @@ TEST_F(Dialogs, TheErrorLogGetsOneQuotedCriticalRecord)
 
 TEST_F(Dialogs, TheErrorLogIsOpenToEveryThread)
 {
-    const LogCatcher log;
+    const LogCapture log;
     onOtherThread([this] { EXPECT_CLEAN_RUN("vantrel.print_to_error_log('from there')"); });
-    EXPECT_EQ(LogCatcher::texts(), QStringList({QStringLiteral("\"from there\"")}));
+    EXPECT_EQ(log.texts(), QStringList({QStringLiteral("\"from there\"")}));
 }
 
 // ---- what all of them refuse ----

@@ -101,9 +101,11 @@ TEST_F(SaveToFile, OfAViewWithoutAnImageFailsWithoutAnException)
 TEST_F(SaveToFile, WithoutASaverForTheNameFailsWithoutAnException)
 {
     host.delegate.addView(makeTestImage(4, 3));
-    EXPECT_EQ(value("vantrel.save_to_file('picture.unknown')"), "SystemError");
-    EXPECT_EQ(value("vantrel.save_to_file('picture')"), "SystemError");
-    EXPECT_EQ(value("vantrel.save_to_file('')"), "SystemError");
+    expectValues({
+        {"vantrel.save_to_file('picture.unknown')", "SystemError"},
+        {"vantrel.save_to_file('picture')", "SystemError"},
+        {"vantrel.save_to_file('')", "SystemError"},
+    });
 }
 
 TEST_F(SaveToFile, IgnoresAFolderThatCannotBeMade)

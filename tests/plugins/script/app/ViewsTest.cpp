@@ -76,9 +76,11 @@ TEST_F(Views, GetActiveViewIdReturnsTheActiveView)
 
 TEST_F(Views, ActivateViewHandsTheIdentifierOnUnchanged)
 {
-    EXPECT_EQ(value("vantrel.activate_view()"), "None");
-    EXPECT_EQ(value("vantrel.activate_view(-5)"), "None");
-    EXPECT_EQ(value("vantrel.activate_view(12)"), "None");
+    expectValues({
+        {"vantrel.activate_view()", "None"},
+        {"vantrel.activate_view(-5)", "None"},
+        {"vantrel.activate_view(12)", "None"},
+    });
     EXPECT_EQ(host.delegate.calls, QStringList({QStringLiteral("activateView(-1)"), QStringLiteral("activateView(-5)"),
                                                 QStringLiteral("activateView(12)")}));
     EXPECT_TRUE(host.delegate.lookups.empty());
@@ -141,9 +143,11 @@ TEST_F(Views, TileViewsTilesAndTakesNoArguments)
 
 TEST_F(Views, SwitchFullScreenTakesTheTruthOfItsArgument)
 {
-    EXPECT_EQ(value("vantrel.switch_full_screen(True)"), "None");
-    EXPECT_EQ(value("vantrel.switch_full_screen([])"), "None");
-    EXPECT_EQ(value("vantrel.switch_full_screen('no')"), "None");
+    expectValues({
+        {"vantrel.switch_full_screen(True)", "None"},
+        {"vantrel.switch_full_screen([])", "None"},
+        {"vantrel.switch_full_screen('no')", "None"},
+    });
     EXPECT_EQ(value("vantrel.switch_full_screen()").substr(0, 10), "TypeError:");
     EXPECT_EQ(host.delegate.calls,
               QStringList({QStringLiteral("setFullScreen(true)"), QStringLiteral("setFullScreen(false)"),

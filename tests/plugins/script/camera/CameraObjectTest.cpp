@@ -1,10 +1,10 @@
 // vantrel.Camera: attaching, device information, acquisition.
 
-#include "plugins/support/CameraTest.h"
+#include "plugins/support/CameraScriptTest.h"
 
 namespace {
 
-class CameraObject : public CameraTest
+class CameraObject : public CameraScriptTest
 {
 protected:
     QString acquisition(int start) const
@@ -122,9 +122,11 @@ TEST_F(CameraObject, WrongArgumentsAreTypeErrors)
 
 TEST_F(CameraObject, OpensByTextWhateverTheLetterCase)
 {
-    EXPECT_EQ(value("(loose.open_device_by_SN('fake01'), str(loose))"), "(None, 'camera(Fake, sn: FAKE01)')");
-    EXPECT_EQ(value("(loose.open_device_by_user_id('BENCH'), str(loose))"), "(None, 'camera(Fake, sn: FAKE01)')");
-    EXPECT_EQ(value("(loose.open_device_by_path('Fake://0'), str(loose))"), "(None, 'camera(Fake, sn: FAKE01)')");
+    expectValues({
+        {"(loose.open_device_by_SN('fake01'), str(loose))", "(None, 'camera(Fake, sn: FAKE01)')"},
+        {"(loose.open_device_by_user_id('BENCH'), str(loose))", "(None, 'camera(Fake, sn: FAKE01)')"},
+        {"(loose.open_device_by_path('Fake://0'), str(loose))", "(None, 'camera(Fake, sn: FAKE01)')"},
+    });
 }
 
 TEST_F(CameraObject, TextsBeyondAsciiAreFoundAndTold)
@@ -142,11 +144,13 @@ TEST_F(CameraObject, TextsBeyondAsciiAreFoundAndTold)
 
 TEST_F(CameraObject, EachTextMethodLooksAtItsOwnField)
 {
-    EXPECT_EQ(value("loose.open_device_by_SN('bench')"), "Exception: Camera not found");
-    EXPECT_EQ(value("loose.open_device_by_user_id('fake://0')"), "Exception: Camera not found");
-    EXPECT_EQ(value("loose.open_device_by_path('FAKE01')"), "Exception: Camera not found");
-    EXPECT_EQ(value("loose.open_device_by_SN('FAKE0')"), "Exception: Camera not found");
-    EXPECT_EQ(value("loose.open_device_by_SN('')"), "Exception: Camera not found");
+    expectValues({
+        {"loose.open_device_by_SN('bench')", "Exception: Camera not found"},
+        {"loose.open_device_by_user_id('fake://0')", "Exception: Camera not found"},
+        {"loose.open_device_by_path('FAKE01')", "Exception: Camera not found"},
+        {"loose.open_device_by_SN('FAKE0')", "Exception: Camera not found"},
+        {"loose.open_device_by_SN('')", "Exception: Camera not found"},
+    });
 }
 
 TEST_F(CameraObject, ATextThatFitsNoCameraLeavesTheObjectAttached)
@@ -173,9 +177,11 @@ TEST_F(CameraObject, CamerasWithoutParametersAndNullHandlesArePassedOver)
     manager->addCamera(nullptr, parameters.get());
     EXPECT_EQ(value("loose.open_device_by_SN('FAKE01')"), "Exception: Camera not found");
     add(parameters.get());
-    EXPECT_EQ(value("(loose.open_device_by_SN('FAKE01'), str(loose))"), "(None, 'camera(Fake, sn: FAKE01)')");
-    EXPECT_EQ(value("(loose.open_device(1), str(loose))"), "(None, 'camera(disconnected)')");
-    EXPECT_EQ(value("vantrel.get_number_devices()"), "3");
+    expectValues({
+        {"(loose.open_device_by_SN('FAKE01'), str(loose))", "(None, 'camera(Fake, sn: FAKE01)')"},
+        {"(loose.open_device(1), str(loose))", "(None, 'camera(disconnected)')"},
+        {"vantrel.get_number_devices()", "3"},
+    });
 }
 
 TEST_F(CameraObject, ClosingDetachesAndTouchesNoCamera)
@@ -190,9 +196,11 @@ TEST_F(CameraObject, AStaleHandleIsLikeNone)
     EXPECT_CLEAN_RUN("import builtins\nbuiltins.kept = vantrel.Camera()\nbuiltins.kept.open_device()\n");
     manager->removeCamera(handle);
     add(parameters.get());
-    EXPECT_EQ(value("str(kept)"), "'camera(disconnected)'");
-    EXPECT_EQ(value("kept.get_exposure()"), "None");
-    EXPECT_EQ(value("kept.set_exposure(5)"), "None");
+    expectValues({
+        {"str(kept)", "'camera(disconnected)'"},
+        {"kept.get_exposure()", "None"},
+        {"kept.set_exposure(5)", "None"},
+    });
     for (const char* call : {"kept.get_param('exposure')", "kept.set_param('exposure', 5)", "kept.get_roi()",
                              "kept.set_roi(0, 0, 1, 1)", "kept.get_device_info_string('device_sn')",
                              "kept.save_settings_to_file('x')", "kept.load_settings_from_file('x')"})

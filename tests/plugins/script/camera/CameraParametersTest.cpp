@@ -1,36 +1,40 @@
 // Camera parameters as attributes and by name.
 
-#include "plugins/support/CameraTest.h"
+#include "plugins/support/CameraScriptTest.h"
 
 #include <stdexcept>
 
 namespace {
 
-class CameraParametersOfScripts : public CameraTest
+class CameraParametersOfScripts : public CameraScriptTest
 {
 };
 
 TEST_F(CameraParametersOfScripts, ReadThroughBothReadingPrefixes)
 {
-    EXPECT_EQ(value("cam.get_exposure()"), "10000");
-    EXPECT_EQ(value("cam.is_exposure()"), "10000");
-    EXPECT_EQ(value("cam.get_gain()"), "0.0");
-    EXPECT_EQ(value("cam.is_auto_exposure()"), "False");
-    EXPECT_EQ(value("cam.get_trigger_mode()"), "'off'");
+    expectValues({
+        {"cam.get_exposure()", "10000"},
+        {"cam.is_exposure()", "10000"},
+        {"cam.get_gain()", "0.0"},
+        {"cam.is_auto_exposure()", "False"},
+        {"cam.get_trigger_mode()", "'off'"},
+    });
 }
 
 TEST_F(CameraParametersOfScripts, WriteAndGiveTheStatus)
 {
     EXPECT_EQ(value("cam.set_exposure(5000)"), "0");
     EXPECT_EQ(stored("exposure"), CxValue::fromInt(5000));
-    EXPECT_EQ(value("cam.set_exposure(5)"), "1");
-    EXPECT_EQ(value("cam.set_trigger_mode('nonsense')"), "-2");
-    EXPECT_EQ(value("cam.set_cooling(True)"), "-2");
-    EXPECT_EQ(value("cam.set_frame_count(3)"), "-3");
-    EXPECT_EQ(value("cam.set_sensor_temperature(3)"), "-3");
-    EXPECT_EQ(value("cam.set_nothing(3)"), "-1");
-    EXPECT_EQ(value("cam.set_param('nothing', 3)"), "-1");
-    EXPECT_EQ(value("cam.set_param('gain', 3.5)"), "0");
+    expectValues({
+        {"cam.set_exposure(5)", "1"},
+        {"cam.set_trigger_mode('nonsense')", "-2"},
+        {"cam.set_cooling(True)", "-2"},
+        {"cam.set_frame_count(3)", "-3"},
+        {"cam.set_sensor_temperature(3)", "-3"},
+        {"cam.set_nothing(3)", "-1"},
+        {"cam.set_param('nothing', 3)", "-1"},
+        {"cam.set_param('gain', 3.5)", "0"},
+    });
     EXPECT_EQ(stored("gain"), CxValue::fromFloat(3.5F));
 }
 
@@ -46,41 +50,48 @@ TEST_F(CameraParametersOfScripts, SwitchOnAndOff)
 
 TEST_F(CameraParametersOfScripts, RangeWordsSelectTheLimits)
 {
-    EXPECT_EQ(value("(cam.get_exposure_minimum(), cam.get_exposure_maximum(), cam.get_exposure_increment())"),
-              "(10, 1000000, 10)");
-    EXPECT_EQ(value("cam.is_gain_maximum()"), "24.0");
-    EXPECT_EQ(value("cam.get_auto_exposure_maximum()"), "None");
-    EXPECT_EQ(value("cam.set_exposure_minimum(3)"), "-3");
+    expectValues({
+        {"(cam.get_exposure_minimum(), cam.get_exposure_maximum(), cam.get_exposure_increment())", "(10, 1000000, 10)"},
+        {"cam.is_gain_maximum()", "24.0"},
+        {"cam.get_auto_exposure_maximum()", "None"},
+        {"cam.set_exposure_minimum(3)", "-3"},
+    });
     EXPECT_EQ(stored("exposure"), CxValue::fromInt(10000));
 }
 
 TEST_F(CameraParametersOfScripts, SuffixesSelectTheLimitsByName)
 {
-    EXPECT_EQ(value("[cam.get_param('exposure' + s) for s in (':min', ':max', ':inc', ':info', '')]"),
-              "[10, 1000000, 10, 10000, 10000]");
-    EXPECT_EQ(value("cam.get_param('exposure:abc')"), "Exception: Parameter not supported by the camera.");
-    EXPECT_EQ(value("cam.get_param('exposure:min:max')"), "Exception: Parameter not supported by the camera.");
-    EXPECT_EQ(value("cam.get_param('exposure_increment')"), "Exception: Parameter not supported by the camera.");
-    EXPECT_EQ(value("cam.get_param(':min')"), "Exception: Parameter not supported by the camera.");
-    EXPECT_EQ(value("cam.set_param('exposure:min', 5)"), "-3");
+    expectValues({
+        {"[cam.get_param('exposure' + s) for s in (':min', ':max', ':inc', ':info', '')]",
+         "[10, 1000000, 10, 10000, 10000]"},
+        {"cam.get_param('exposure:abc')", "Exception: Parameter not supported by the camera."},
+        {"cam.get_param('exposure:min:max')", "Exception: Parameter not supported by the camera."},
+        {"cam.get_param('exposure_increment')", "Exception: Parameter not supported by the camera."},
+        {"cam.get_param(':min')", "Exception: Parameter not supported by the camera."},
+        {"cam.set_param('exposure:min', 5)", "-3"},
+    });
 }
 
 TEST_F(CameraParametersOfScripts, AreReadDirectlyWhenTheStoreDoesNotListThem)
 {
-    EXPECT_EQ(value("cam.get_sensor_temperature()"), "35.5");
-    EXPECT_EQ(value("cam.get_param('sensor_temperature')"), "35.5");
-    EXPECT_EQ(value("cam.get_param('sensor_temperature:min')"), "Exception: Parameter not supported by the camera.");
+    expectValues({
+        {"cam.get_sensor_temperature()", "35.5"},
+        {"cam.get_param('sensor_temperature')", "35.5"},
+        {"cam.get_param('sensor_temperature:min')", "Exception: Parameter not supported by the camera."},
+    });
 }
 
 TEST_F(CameraParametersOfScripts, DeviceKeysAreReadFromTheDescription)
 {
-    EXPECT_EQ(value("[cam.get_param('device_' + k) for k in "
-                    "['sn', 'inst_path', 'type', 'name', 'user_id', 'model_id']]"),
-              "['FAKE01', 'fake://0', 'test', 'Fake', 'bench', 7]");
-    EXPECT_EQ(value("cam.get_device_sn()"), "'FAKE01'");
-    EXPECT_EQ(value("cam.get_device_model_id()"), "7");
-    EXPECT_EQ(value("cam.get_param('DEVICE_SN')"), "Exception: Parameter not supported by the camera.");
-    EXPECT_EQ(value("cam.get_param('device_sn:info')"), "Exception: Parameter not supported by the camera.");
+    expectValues({
+        {"[cam.get_param('device_' + k) for k in "
+         "['sn', 'inst_path', 'type', 'name', 'user_id', 'model_id']]",
+         "['FAKE01', 'fake://0', 'test', 'Fake', 'bench', 7]"},
+        {"cam.get_device_sn()", "'FAKE01'"},
+        {"cam.get_device_model_id()", "7"},
+        {"cam.get_param('DEVICE_SN')", "Exception: Parameter not supported by the camera."},
+        {"cam.get_param('device_sn:info')", "Exception: Parameter not supported by the camera."},
+    });
 }
 
 TEST_F(CameraParametersOfScripts, AParameterNamedLikeADeviceKeyComesFirst)
@@ -99,9 +110,11 @@ TEST_F(CameraParametersOfScripts, AnExceptionOfABoundCallIsTheCauseOfASystemErro
 {
     const std::string unsupported = "SystemError <- Exception: Parameter not supported by the camera.";
     const std::string wrongType = "SystemError <- Exception: Unsupported camera parameter value type.";
-    EXPECT_EQ(value("cam.get_cooling()"), unsupported);
-    EXPECT_EQ(value("cam.get_nothing()"), unsupported);
-    EXPECT_EQ(value("cam.is_cooling_maximum()"), unsupported);
+    expectValues({
+        {"cam.get_cooling()", unsupported},
+        {"cam.get_nothing()", unsupported},
+        {"cam.is_cooling_maximum()", unsupported},
+    });
     for (const char* argument : {"[1]", "None", "b'5'", "(1,)", "{}", "object()", "1j", "cam", "vantrel"})
         EXPECT_EQ(value("cam.set_exposure(" + std::string(argument) + ")"), wrongType) << argument;
     EXPECT_EQ(stored("exposure"), CxValue::fromInt(10000));
@@ -168,18 +181,22 @@ TEST_F(CameraParametersOfScripts, NullResultsAreSystemErrorsAtTheCallAlsoInHotLo
 
 TEST_F(CameraParametersOfScripts, ByNameTheExceptionIsRaisedAsItIs)
 {
-    EXPECT_EQ(value("cam.set_param('exposure', [1])"), "Exception: Unsupported camera parameter value type.");
-    EXPECT_EQ(value("cam.set_param('nothing', None)"), "Exception: Unsupported camera parameter value type.");
-    EXPECT_EQ(value("cam.get_param('nothing')"), "Exception: Parameter not supported by the camera.");
+    expectValues({
+        {"cam.set_param('exposure', [1])", "Exception: Unsupported camera parameter value type."},
+        {"cam.set_param('nothing', None)", "Exception: Unsupported camera parameter value type."},
+        {"cam.get_param('nothing')", "Exception: Parameter not supported by the camera."},
+    });
 }
 
 TEST_F(CameraParametersOfScripts, WithoutACameraAttributesGiveNoneAndNamesASystemError)
 {
-    EXPECT_EQ(value("(loose.get_exposure(), loose.set_exposure(5), loose.enable_auto_exposure(), "
-                    "loose.set_exposure([1]))"),
-              "(None, None, None, None)");
-    EXPECT_EQ(value("loose.get_param('exposure')"), "SystemError");
-    EXPECT_EQ(value("loose.set_param('exposure', 1)"), "SystemError");
+    expectValues({
+        {"(loose.get_exposure(), loose.set_exposure(5), loose.enable_auto_exposure(), "
+         "loose.set_exposure([1]))",
+         "(None, None, None, None)"},
+        {"loose.get_param('exposure')", "SystemError"},
+        {"loose.set_param('exposure', 1)", "SystemError"},
+    });
 }
 
 TEST_F(CameraParametersOfScripts, UnknownNamesAreOrdinaryAttributes)
@@ -188,10 +205,11 @@ TEST_F(CameraParametersOfScripts, UnknownNamesAreOrdinaryAttributes)
                              "Get_exposure", "exposure", "get_exposure_Maximum", "get_exposure_maximum_maximum",
                              "set_EXPOSURE", "getexposure", "disable_nothing_else"})
         EXPECT_EQ(value("cam." + std::string(name)).substr(0, 15), "AttributeError:") << name;
-    EXPECT_EQ(value("callable(cam.get_roi) and callable(cam.set_roi) and callable(cam.get_device_info_string)"),
-              "True");
-    EXPECT_EQ(value("getattr(cam, '\\ud800', 'none')"), "'none'");
-    EXPECT_EQ(value("object.__getattribute__(cam, 'get_roi') is not None"), "True");
+    expectValues({
+        {"callable(cam.get_roi) and callable(cam.set_roi) and callable(cam.get_device_info_string)", "True"},
+        {"getattr(cam, '\\ud800', 'none')", "'none'"},
+        {"object.__getattribute__(cam, 'get_roi') is not None", "True"},
+    });
     EXPECT_EQ(value("vantrel.Camera.__getattribute__(cam, 5)").substr(0, 10), "TypeError:");
 }
 

@@ -5,6 +5,7 @@
 #include "CxCameraManager.h"
 #include "support/FakeCameraDevice.h"
 #include "support/FakeHost.h"
+#include "support/ListedCameras.h"
 
 #include <QtCore/QList>
 
@@ -33,26 +34,16 @@ protected:
         delegate.onCall = [this] { manager->removeCamera(handle); };
     }
 
-    ~CameraRestart() override
-    {
-        fx_script_waitForHost = wait;
-        const QList<void*> cameras = manager->openedCameras();
-        for (void* camera : cameras)
-            manager->removeCamera(camera);
-    }
+    ~CameraRestart() override { fx_script_waitForHost = wait; }
 
-    void* add(CxCameraParameters* store)
-    {
-        void* fresh = manager->newHandle();
-        manager->addCamera(fresh, store);
-        return fresh;
-    }
+    void* add(CxCameraParameters* store) { return cameras.add(store); }
 
     CxCameraManager* manager = CxCameraManager::instance();
     FakeDelegate delegate;
     std::unique_ptr<CxCameraParameters> parameters = makeFakeParameters(nullptr);
     void* handle = nullptr;
     void (*const wait)(int milliseconds) = fx_script_waitForHost;
+    ListedCameras cameras;
 };
 
 TEST_F(CameraRestart, LooksSixtyTimesForACameraThatNeverComesBack)

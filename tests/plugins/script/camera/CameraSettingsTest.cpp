@@ -1,6 +1,6 @@
 // The camera as a whole: region, settings files, restart, capture dialog, shading presets.
 
-#include "plugins/support/CameraTest.h"
+#include "plugins/support/CameraScriptTest.h"
 #include "support/TestSettings.h"
 
 #include <QtCore/QCoreApplication>
@@ -11,7 +11,7 @@
 
 namespace {
 
-class CameraAsAWhole : public CameraTest
+class CameraAsAWhole : public CameraScriptTest
 {
 protected:
     /// What calling an exported function gives: it stands in no table, so the library is opened for it. 'null' stands
@@ -38,9 +38,11 @@ protected:
 
 TEST_F(CameraAsAWhole, TheRegionComesBackAsItWasSet)
 {
-    EXPECT_EQ(value("cam.get_roi()"), "(0, 0, 640, 480)");
-    EXPECT_EQ(value("(cam.set_roi(16, 8, 320, 240), cam.get_roi())"), "(None, (16, 8, 320, 240))");
-    EXPECT_EQ(value("(cam.set_roi(5, 6, 1, 1), cam.get_roi())"), "(None, (5, 6, 1, 1))");
+    expectValues({
+        {"cam.get_roi()", "(0, 0, 640, 480)"},
+        {"(cam.set_roi(16, 8, 320, 240), cam.get_roi())", "(None, (16, 8, 320, 240))"},
+        {"(cam.set_roi(5, 6, 1, 1), cam.get_roi())", "(None, (5, 6, 1, 1))"},
+    });
 }
 
 TEST_F(CameraAsAWhole, ARegionReachesTheCameraAndUserInterfaces)
@@ -64,9 +66,11 @@ TEST_F(CameraAsAWhole, ARegionOutsideTheSensorNegativeOrZero)
 
 TEST_F(CameraAsAWhole, WithoutACameraTheRegionIsASystemErrorBeforeTheArgumentsAreLookedAt)
 {
-    EXPECT_EQ(value("loose.set_roi(0, 0, 10, 10)"), "SystemError");
-    EXPECT_EQ(value("loose.set_roi('wrong')"), "SystemError");
-    EXPECT_EQ(value("loose.get_roi()"), "SystemError");
+    expectValues({
+        {"loose.set_roi(0, 0, 10, 10)", "SystemError"},
+        {"loose.set_roi('wrong')", "SystemError"},
+        {"loose.get_roi()", "SystemError"},
+    });
 }
 
 TEST_F(CameraAsAWhole, SettingsGoToAFileAndComeBack)

@@ -1,7 +1,7 @@
 // Who owns a captured image at which moment: the record, its pixels and the image made of them.
 
 #include "CxPicBufAPI.h"
-#include "plugins/support/CameraTest.h"
+#include "plugins/support/CameraScriptTest.h"
 #include "plugins/support/HeapWatch.h"
 #include "support/LogCapture.h"
 
@@ -43,7 +43,7 @@ public:
     bool shownPixels = false;
 };
 
-class CaptureOwnership : public CameraTest
+class CaptureOwnership : public CameraScriptTest
 {
 protected:
     /// Bytes of the large blocks that the C heap has given out. Always 0 under the address sanitizer, which finds

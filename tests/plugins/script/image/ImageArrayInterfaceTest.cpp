@@ -14,9 +14,11 @@ TEST_F(ArrayInterface, OfAThreeChannelImageOfWidth10AndLineStride32HasItsShapeAn
 {
     const auto image = makeImage(imageInfo(10, 7, 3, ExImageDataType::UInt8, 32));
     publish("img", *image);
-    EXPECT_EQ(value("img.padding_x"), "2");
-    EXPECT_EQ(value("img.__array_interface__['shape']"), "(10, 7, 3)");
-    EXPECT_EQ(value("img.__array_interface__['strides']"), "(3, 32, 1)");
+    expectValues({
+        {"img.padding_x", "2"},
+        {"img.__array_interface__['shape']", "(10, 7, 3)"},
+        {"img.__array_interface__['strides']", "(3, 32, 1)"},
+    });
 }
 
 TEST_F(ArrayInterface, OfAMonoImageHasTwoAxesXFirst)

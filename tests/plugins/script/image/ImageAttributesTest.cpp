@@ -24,7 +24,7 @@ void PrintTo(const Row& row, std::ostream* stream)
 
 std::unique_ptr<CxImageData> makeCameraFrame()
 {
-    // Every field has a value of its own.
+    // Every field has a different value.
     SxPicBufInfo info = imageInfo(10, 4, 3, ExImageDataType::UInt16, 80);
     info.bpc = 12;
     info.blackLevel = 3000000001U;
@@ -267,12 +267,12 @@ TEST_F(ImageAttributes, UnknownNamesRaiseAttributeError)
 {
     const auto frame = makeCameraFrame();
     publish("img", *frame);
-    EXPECT_EQ(value("img.no_such_thing"), "AttributeError: 'vantrel.Image' object has no attribute 'no_such_thing'");
-    EXPECT_EQ(value("vantrel.Image().no_such_thing"),
-              "AttributeError: 'vantrel.Image' object has no attribute 'no_such_thing'");
-    EXPECT_EQ(value("[hasattr(img, name) for name in ('Width', 'width ', '', 'widt')]"),
-              "[False, False, False, False]");
-    EXPECT_EQ(value("getattr(img, 'no_such_thing', 7)"), "7");
+    expectValues({
+        {"img.no_such_thing", "AttributeError: 'vantrel.Image' object has no attribute 'no_such_thing'"},
+        {"vantrel.Image().no_such_thing", "AttributeError: 'vantrel.Image' object has no attribute 'no_such_thing'"},
+        {"[hasattr(img, name) for name in ('Width', 'width ', '', 'widt')]", "[False, False, False, False]"},
+        {"getattr(img, 'no_such_thing', 7)", "7"},
+    });
 }
 
 TEST_F(ImageAttributes, NamesThatAreNotAsciiRaiseAttributeError)
@@ -314,9 +314,11 @@ TEST_F(ImageAttributes, NamesThatAreNoTextsRaiseTypeError)
 
 TEST_F(ImageAttributes, MethodsAndStandardAttributesAreFoundOnAnEmptyObjectToo)
 {
-    EXPECT_EQ(value("vantrel.Image().__class__ is vantrel.Image"), "True");
-    EXPECT_EQ(value("callable(vantrel.Image().get_width)"), "True");
-    EXPECT_EQ(value("callable(vantrel.Image().tobytes)"), "True");
+    expectValues({
+        {"vantrel.Image().__class__ is vantrel.Image", "True"},
+        {"callable(vantrel.Image().get_width)", "True"},
+        {"callable(vantrel.Image().tobytes)", "True"},
+    });
 }
 
 TEST_F(ImageAttributes, OtherNamesFetchBothRecordsOnceToo)

@@ -32,9 +32,11 @@ TEST_F(ImageDataNumpy, RawIsTheObjectItself)
 {
     const auto image = makeTestImage(5, 3, 3);
     publish("img", *image);
-    EXPECT_EQ(value("img.get_image_data_numpy(True) is img"), "True");
-    EXPECT_EQ(value("img.get_image_data_numpy('yes') is img"), "True");
-    EXPECT_EQ(value("img.get_image_data_numpy(0) is img"), "False");
+    expectValues({
+        {"img.get_image_data_numpy(True) is img", "True"},
+        {"img.get_image_data_numpy('yes') is img", "True"},
+        {"img.get_image_data_numpy(0) is img", "False"},
+    });
 }
 
 TEST_F(ImageDataNumpy, TheObjectItselfIsANewReference)

@@ -100,13 +100,15 @@ TEST_F(ImageObject, TheTextShowsLargeFieldsWithoutASign)
 
 TEST_F(ImageObject, SimpleMethodsReturnTheFieldsOfTheBuffer)
 {
-    EXPECT_EQ(value("img.get_width()"), "10");
-    EXPECT_EQ(value("img.get_height()"), "4");
-    EXPECT_EQ(value("img.get_channels()"), "3");
-    EXPECT_EQ(value("img.get_bpc()"), "12");
-    EXPECT_EQ(value("img.get_frame_number()"), "-3");
-    EXPECT_EQ(value("img.get_time_stamp()"), "9223372036854775813");
-    EXPECT_EQ(value("img.get_bytes_per_pixel()"), "6");
+    expectValues({
+        {"img.get_width()", "10"},
+        {"img.get_height()", "4"},
+        {"img.get_channels()", "3"},
+        {"img.get_bpc()", "12"},
+        {"img.get_frame_number()", "-3"},
+        {"img.get_time_stamp()", "9223372036854775813"},
+        {"img.get_bytes_per_pixel()", "6"},
+    });
 }
 
 TEST_F(ImageObject, SimpleMethodsOfAnEmptyObjectFailWithoutAnException)
@@ -158,10 +160,12 @@ TEST_F(ImageObject, BytesAreAllRowsWithTheirPadding)
     for (unsigned i = 0; i < 10; ++i)
         buffer->data[i] = std::uint8_t(i + 65);
     publish("padded", *image);
-    EXPECT_EQ(value("bytes(padded)"), "b'ABCDEFGHIJ'");
-    EXPECT_EQ(value("padded.__bytes__()"), "b'ABCDEFGHIJ'");
-    EXPECT_EQ(value("padded.get_image_data_raw()"), "b'ABCDEFGHIJ'");
-    EXPECT_EQ(value("padded.tobytes()"), "b'ABCDEFGHIJ'");
+    expectValues({
+        {"bytes(padded)", "b'ABCDEFGHIJ'"},
+        {"padded.__bytes__()", "b'ABCDEFGHIJ'"},
+        {"padded.get_image_data_raw()", "b'ABCDEFGHIJ'"},
+        {"padded.tobytes()", "b'ABCDEFGHIJ'"},
+    });
 }
 
 TEST_F(ImageObject, BytesAreACopy)

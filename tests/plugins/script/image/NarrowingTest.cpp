@@ -1,6 +1,8 @@
 #include "image/Narrowing.h"
 
 #include "PicBufHolder.h"
+#include "core/buffers/PixelTypes.h"
+#include "support/PixelTypeOf.h"
 
 #include <gtest/gtest.h>
 
@@ -22,19 +24,6 @@ struct Result {
 };
 
 template<typename T>
-constexpr Type typeOf()
-{
-    if constexpr (std::is_same_v<T, double>)
-        return Type::Double;
-    else if constexpr (std::is_same_v<T, float>)
-        return Type::Float;
-    else {
-        const unsigned step = sizeof(T) == 1 ? 0 : sizeof(T) == 2 ? 2 : sizeof(T) == 4 ? 4 : 6;
-        return Type((std::is_signed_v<T> ? 1U : 2U) + step);
-    }
-}
-
-template<typename T>
 void appendValues(const SxPicBuf& buffer, std::vector<double>& values)
 {
     for (unsigned y = 0; y < buffer.height; ++y)
@@ -45,38 +34,8 @@ void appendValues(const SxPicBuf& buffer, std::vector<double>& values)
 std::vector<double> valuesOf(const SxPicBuf& buffer)
 {
     std::vector<double> values;
-    switch (buffer.dataType) {
-    case Type::Int8:
-        appendValues<std::int8_t>(buffer, values);
-        break;
-    case Type::Int16:
-        appendValues<std::int16_t>(buffer, values);
-        break;
-    case Type::UInt16:
-        appendValues<std::uint16_t>(buffer, values);
-        break;
-    case Type::Int32:
-        appendValues<std::int32_t>(buffer, values);
-        break;
-    case Type::UInt32:
-        appendValues<std::uint32_t>(buffer, values);
-        break;
-    case Type::Int64:
-        appendValues<std::int64_t>(buffer, values);
-        break;
-    case Type::UInt64:
-        appendValues<std::uint64_t>(buffer, values);
-        break;
-    case Type::Float:
-        appendValues<float>(buffer, values);
-        break;
-    case Type::Double:
-        appendValues<double>(buffer, values);
-        break;
-    default:
+    if (!visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) { appendValues<T>(buffer, values); }))
         appendValues<std::uint8_t>(buffer, values);
-        break;
-    }
     return values;
 }
 
@@ -84,7 +43,7 @@ std::vector<double> valuesOf(const SxPicBuf& buffer)
 template<typename T>
 Result narrowed(const std::vector<T>& values, unsigned channels = 1)
 {
-    PicBufHolder in(3, 2, channels, typeOf<T>());
+    PicBufHolder in(3, 2, channels, pixelTypeOf<T>());
     std::size_t next = 0;
     for (unsigned y = 0; y < 2; ++y)
         for (unsigned x = 0; x < 3 * channels; ++x)
@@ -226,7 +185,7 @@ void keepsRandomValues(std::mt19937_64& random)
             else if (result.type == Type::UInt32)
                 value = std::min(value, 4294967295.0);
         }
-        ASSERT_EQ(result.values, wanted) << "type " << unsigned(typeOf<T>()) << " to " << unsigned(result.type)
+        ASSERT_EQ(result.values, wanted) << "type " << unsigned(pixelTypeOf<T>()) << " to " << unsigned(result.type)
                                          << ", values from " << *low << " to " << *high;
     }
 }

@@ -2,15 +2,18 @@
 
 #include "CxCameraManager.h"
 #include "support/FakeCameraDevice.h"
+#include "support/ListedCameras.h"
 #include "support/PluginHost.h"
 
+#include <initializer_list>
 #include <string>
+#include <utility>
 
 /// A test with an interpreter and, at first, one fake camera that stands in the host's list.
-class CameraTest : public PluginTest
+class CameraScriptTest : public PluginTest
 {
 protected:
-    CameraTest()
+    CameraScriptTest()
     {
         host.environment.cameraParameters = QStringLiteral("exposure gain auto_exposure trigger_mode frame_count "
                                                            "cooling sensor_temperature nothing device_sn "
@@ -20,19 +23,7 @@ protected:
         host.run("");
     }
 
-    ~CameraTest() override
-    {
-        const QList<void*> cameras = manager->openedCameras();
-        for (void* camera : cameras)
-            manager->removeCamera(camera);
-    }
-
-    void* add(CxCameraParameters* store)
-    {
-        void* fresh = manager->newHandle();
-        manager->addCamera(fresh, store);
-        return fresh;
-    }
+    void* add(CxCameraParameters* store) { return cameras.add(store); }
 
     /// What an expression gives with `cam` attached to the first camera and `loose` attached to none: its repr, or
     /// "Type: message" of what it raises, followed by " <- " and the same of the cause. A SystemError shows no message:
@@ -58,6 +49,13 @@ protected:
         return (host.printed() + result).toStdString();
     }
 
+    /// Each row: an expression, and what value() gives for it.
+    void expectValues(std::initializer_list<std::pair<std::string, std::string>> rows)
+    {
+        for (const auto& [expression, expected] : rows)
+            EXPECT_EQ(value(expression), expected) << expression;
+    }
+
     /// The stored value of a parameter.
     CxValue stored(const char* name) { return parameters->findParam(QString::fromUtf8(name), false)->paramValue(); }
 
@@ -65,4 +63,7 @@ protected:
     FakeCameraDevice device;
     std::unique_ptr<CxCameraParameters> parameters = makeFakeParameters(&device);
     void* handle = nullptr;
+
+private:
+    ListedCameras cameras;
 };

@@ -1,24 +1,14 @@
-// The store of shared values under threads. Built with the thread sanitizer, together with the store alone.
+// The store of shared values under threads.
 
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
+#include "OnThreads.h"
 #include "app/GlobalVariables.h"
+#include "support/SleepingThread.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <chrono>
 #include <memory>
-#include <thread>
-#include <vector>
-
-// Texts are shared between threads by atomic reference counts. Half of the counting happens inside the Qt library,
-// where the sanitizer does not see it, so it takes the library's release of the last reference for a race.
-extern "C" Q_DECL_EXPORT const char* __tsan_default_suppressions();
-extern "C" const char* __tsan_default_suppressions()
-{
-    return "called_from_lib:libQt6Core.so\n";
-}
 
 namespace {
 
@@ -33,31 +23,13 @@ std::unique_ptr<CxImageData> makeImage(std::uint8_t value)
     return image;
 }
 
-/// Runs a function on several threads at once, with the number of each.
-template<typename Function>
-void onThreads(int count, Function function)
-{
-    std::atomic<bool> go = false;
-    std::vector<std::thread> threads;
-    for (int number = 0; number < count; ++number) {
-        threads.emplace_back([&go, &function, number] {
-            while (!go)
-                std::this_thread::yield();
-            function(number);
-        });
-    }
-    go = true;
-    for (std::thread& thread : threads)
-        thread.join();
-}
-
 /// A thread that sets an integer.
 class Writer
 {
 public:
     explicit Writer(const QString& name)
         : m_thread([this, name] {
-            m_begun = true;
+            m_number = threadNumber();
             fx_vars_setInt(name, 1);
             m_done = true;
         })
@@ -66,17 +38,16 @@ public:
     ~Writer() { m_thread.join(); }
     Q_DISABLE_COPY_MOVE(Writer)
 
-    /// Looks after a time that suffices for setting it.
+    /// Waits until the value is set or the thread sleeps before it.
     bool isHeldBack() const
     {
-        while (!m_begun)
+        while (!m_done && !(m_number && threadSleeps(getpid(), m_number)))
             std::this_thread::yield();
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
         return !m_done;
     }
 
 private:
-    std::atomic<bool> m_begun = false;
+    std::atomic<int> m_number = 0;
     std::atomic<bool> m_done = false;
     std::thread m_thread;
 };

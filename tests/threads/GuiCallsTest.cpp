@@ -1,5 +1,7 @@
 #include "process/GuiCalls.h"
 
+#include "support/SleepingThread.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QThread>
 
@@ -82,8 +84,13 @@ TEST(GuiCallsTest, GiveUpWhenTheEventLoopHasEndedAndAreNotMadeLater)
     GuiCalls calls;
     bool called = false;
     bool result = true;
-    std::thread worker([&] { result = calls.run([&called] { called = true; }); });
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    std::atomic<int> number = 0;
+    std::thread worker([&] {
+        number = threadNumber();
+        result = calls.run([&called] { called = true; });
+    });
+    while (!number || !threadSleeps(getpid(), number))
+        std::this_thread::yield();
     calls.end();
     worker.join();
     QCoreApplication::processEvents();
