@@ -86,6 +86,16 @@ struct VANTREL_HOST_EXPORT SxPicBufInfo {
         return channels == 3 && (type == ExImageDataType::UInt8 || type == ExImageDataType::UInt16);
     }
 
+    /// Makes the pixels colours of 8 bits a channel, blue first, interleaved: 3 channels, or 4 with alpha.
+    void setByteColors(std::uint32_t colorChannels)
+    {
+        channels = colorChannels;
+        bpc = 8;
+        dataType = ExImageDataType::UInt8;
+        storageFormat = ExDataStorageFormat::Interleaved;
+        isColor = true;
+    }
+
     /// Size of one pixel with all its channels, in bytes.
     std::uint32_t bytesPerPixel() const;
 

@@ -20,8 +20,8 @@ struct CxCameraParameters::Private {
     IxCameraDevice* device = nullptr; // guarded by the mutex
     bool deviceIsReleased = false;    // guarded by the mutex
     std::vector<std::unique_ptr<CxCameraParam>> params;
-    // Held during calls to the device. Recursive, because a device may report values back from within a write. The thread
-    // sanitizer knows the standard library's mutex, but not Qt's.
+    // Held during calls to the device. Recursive, because a device may report values back from within a write.
+    // The thread sanitizer knows the standard library's mutex, but not Qt's.
     mutable std::recursive_mutex mutex;
     QRect region;
 

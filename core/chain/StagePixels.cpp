@@ -167,11 +167,7 @@ SxPicBuf unpack565(const SxPicBuf& packed)
     SxPicBufInfo info;
     info.width = packed.width;
     info.height = packed.height;
-    info.channels = 3;
-    info.bpc = 8;
-    info.dataType = ExImageDataType::UInt8;
-    info.storageFormat = ExDataStorageFormat::Interleaved;
-    info.isColor = true;
+    info.setByteColors(3);
     OwnedPicBuf colour;
     if (colour.allocate(info))
         CxPicBufAPI::ConvertPicToRGB(packed, colour.buffer);

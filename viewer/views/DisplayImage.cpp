@@ -123,11 +123,7 @@ QImage packedImage(const SxPicBuf& buffer)
     SxPicBuf colours;
     colours.width = buffer.width;
     colours.height = buffer.height;
-    colours.channels = 3;
-    colours.bpc = 8;
-    colours.dataType = ExImageDataType::UInt8;
-    colours.storageFormat = ExDataStorageFormat::Interleaved;
-    colours.isColor = true;
+    colours.setByteColors(3);
     colours.lineStride = std::uint32_t(image.bytesPerLine());
     colours.data = image.bits();
     return CxPicBufAPI::ConvertPicToRGB(buffer, colours) ? image : QImage();

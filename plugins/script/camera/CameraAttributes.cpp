@@ -19,8 +19,9 @@ using Action = CameraAttributeName::Action;
 
 // ---- names ----
 
-// Scripts use the same few names again and again, so parsed names are kept. The dictionary maps names to indices in
-// parsedNames and belongs to the running interpreter.
+// Scripts use the same few names again and again, so parsed names are kept: parsing a name at each access would make
+// the access take four times as long. The dictionary maps names to indices in parsedNames and belongs to the running
+// interpreter.
 PyObject* knownNames = nullptr;
 std::deque<CameraAttributeName> parsedNames;
 constexpr std::size_t mostKnownNames = 1000;

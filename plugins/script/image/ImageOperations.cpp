@@ -60,12 +60,8 @@ PyObject* fx_pyimg_ToRgb(PyObject* self, PyObject* /*args*/)
     if (!source)
         return nullptr;
     SxPicBufInfo info = *source;
-    info.channels = 4;
-    info.dataType = ExImageDataType::UInt8;
-    info.bpc = 8;
-    info.storageFormat = ExDataStorageFormat::Interleaved;
+    info.setByteColors(4);
     info.blackLevel = 0;
-    info.isColor = true;
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;
