@@ -1,6 +1,6 @@
 """Finds the exposure that brings the mean of the picture to half of full scale, in at most ten frames.
 
-    ./vantrel run examples/auto_exposure.py
+    ./vantrel run --show examples/auto_exposure.py
 
 It uses the first camera. A sensor is linear until it saturates, so one picture that is neither dark nor saturated is
 enough to calculate the exposure. Each further picture makes the exposure more exact.
