@@ -2,7 +2,8 @@
 
 usage: readme_commands.py README PRESET
 
-The command that runs every test is not run, because this script is one of the tests; only its presence is checked.
+The command that runs every test is not run, because this script is one of the tests; only its presence is checked. Another
+test makes the packages.
 """
 
 import contextlib
@@ -51,15 +52,21 @@ def run(command, environment):
     return done
 
 
-def start(command, environment, seconds):
-    """Starts a command that a person ends. It must run for that time, and end after the signal to terminate."""
+def start(command, environment, last_line=None):
+    """Starts a command that a person ends. It must stay open after it has printed last_line, and end after the signal to
+    terminate."""
     print("--", command, flush=True)
-    process = subprocess.Popen(command.split(), cwd=root, env=environment, stdin=subprocess.DEVNULL)
-    time.sleep(seconds)
+    process = subprocess.Popen(command.split(), cwd=root, env=environment, stdin=subprocess.DEVNULL,
+                               stdout=subprocess.PIPE, text=True)
+    if last_line:
+        lines = iter(process.stdout.readline, "")
+        if not any(last_line in line for line in lines):
+            failures.append(f"{command}: does not print {last_line}")
+    time.sleep(5)
     if process.poll() is not None:
         failures.append(f"{command}: ended too early, with status {process.returncode}")
     process.terminate()
-    process.wait(60)
+    process.communicate(timeout=60)
 
 
 def block_of(kind):
@@ -100,15 +107,19 @@ def check_commands(environment, folder):
     check_script(script, environment)
 
     for command in dict.fromkeys(command for command in blocks + inline if command.startswith("./vantrel ")):
-        if command.startswith("./vantrel view") or " --show " in command:
-            start(command.replace(" " + name, f" {script}"), environment, 5)
-        elif command not in (tests_all, "./vantrel help"):
+        if command.startswith("./vantrel view"):
+            start(command, environment)
+        elif command.endswith(" " + name):
+            start(command.replace(" " + name, f" {script}"), environment, block_of("text").splitlines()[-1])
+        elif " --show " in command:
+            start(command, environment, "scene.tif, read back with the same values: True")
+        elif command not in (tests_all, "./vantrel help", "./vantrel package"):
             run(command, environment)
 
 
-# The files and folders that the text names exist.
+# The files and folders that the text names exist, except those that a command makes.
 for name in re.findall(r"`([\w.]+(?:/[\w.]*)+|[\w-]+\.md)`", text):
-    if not any((folder / name).exists() for folder in (root, root / "docs")):
+    if not name.startswith("build/") and not any((folder / name).exists() for folder in (root, root / "docs")):
         failures.append(f"{name} does not exist")
 
 with display() as environment, tempfile.TemporaryDirectory() as folder:
