@@ -1,12 +1,15 @@
 """Marks the brightest pixel of a picture: a frame around it, a cross through it, a scale along the lower edge.
 
-    ./vantrel run examples/annotate.py
+    ./vantrel run --show examples/annotate.py
 
-It reads data/scene12.tif and writes annotate/marked.png. Both paths start at the working directory: this script's
-folder, unless --workdir sets another.
+It reads data/scene12.tif below the working directory: this script's folder, unless --workdir sets another. It writes
+annotate/marked.png below the current folder.
 """
+import os
+
 import vantrel
 
+OUTPUT = os.path.abspath("annotate/marked.png")
 MARK_SIZE = 24
 RED, GREEN, YELLOW = (0, 0, 255), (0, 255, 0), (0, 255, 255)  # colours are stored blue first
 
@@ -24,6 +27,15 @@ def draw_frame(img: vantrel.Image, color: tuple, x1: int, y1: int, x2: int, y2: 
 
 def brightest(profiles: list) -> int:
     return max(range(len(profiles)), key=lambda position: profiles[position][0]["max"])
+
+
+def save(img: vantrel.Image, path: str) -> None:
+    """Save the image. save_to_file() only logs what goes wrong, so look for the new file."""
+    if os.path.isfile(path):
+        os.remove(path)
+    img.save_to_file(path)
+    if not os.path.isfile(path):
+        raise RuntimeError("cannot save " + path)
 
 
 source = vantrel.Image()
@@ -47,6 +59,6 @@ draw_line(marked, RED, left, bottom, right, top)
 for position in range(0, marked.width, 10):
     draw_line(marked, GREEN, position, last_y, position, max(0, last_y - (12 if position % 50 == 0 else 6)))
 
-marked.save_to_file("annotate/marked.png")
-print("saved annotate/marked.png")
+save(marked, OUTPUT)
+print("saved", OUTPUT)
 vantrel.new_view_with_image(marked, "Marked")

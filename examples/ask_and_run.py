@@ -1,10 +1,12 @@
 """Ask and run: asks for a level, shows a message box, and runs another script with the answer.
 
-Run it in the viewer, or unattended with the answers on the command line:
+    ./vantrel run --show examples/ask_and_run.py
+
+For an unattended run, give the answers on the command line:
 
     ./vantrel run --answer 40 --answer "Show it" examples/ask_and_run.py
 
-Without answers the script runs as if the user closed the question.
+Without a display and without answers, the script runs as if the user closed the question.
 """
 import vantrel
 

@@ -1,6 +1,6 @@
 """Finds the exposure that brings the mean of the picture to half of full scale, in at most ten frames.
 
-    ./vantrel run examples/auto_exposure.py
+    ./vantrel run --show examples/auto_exposure.py
 
 It uses the first camera. A sensor is linear until it saturates, so one picture that is neither dark nor saturated is
 enough to calculate the exposure. Each further picture makes the exposure more exact.
@@ -34,7 +34,7 @@ try:
         if not vantrel.wait_for_next_frame(5.0, view):
             raise RuntimeError("no frame came")
         img = vantrel.get_view_image(view)
-        exposure = int(cam.get_exposure() or 0)
+        exposure = img.exposure_time_us  # not the camera's setting: a frame may be older than that
         channels = img.measure_rect()
         level = sum(channel["mean"] for channel in channels) / len(channels) / img.data_saturation
         print("frame %2d: %7d us, mean %5.1f %% of full scale" % (number, exposure, 100 * level))
@@ -54,6 +54,6 @@ finally:
     cam.stop_acquisition()
 
 if found:
-    print("found: %d us" % int(cam.get_exposure() or 0))
+    print("found: %d us" % exposure)
 else:
     print("not found in %d frames" % MOST_FRAMES)

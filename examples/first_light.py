@@ -1,12 +1,11 @@
 """First light: opens a 12-bit picture, changes it through NumPy and saves the result.
 
-Run it with
+    ./vantrel run --show examples/first_light.py
 
-    ./vantrel run examples/first_light.py
-
-It reads data/scene12.tif and writes to the folder first_light. Both paths start at the working directory: this script's
-folder, unless --workdir sets another.
+It reads data/scene12.tif below the working directory: this script's folder, unless --workdir sets another. It writes to
+the folder first_light below the current folder.
 """
+import os
 import sys
 
 import vantrel
@@ -48,12 +47,17 @@ pixels[:2, :] = pixels[-2:, :] = full
 pixels[:, :2] = pixels[:, -2:] = full
 print("changed through the array: values from %d to %d, mean %.1f" % (pixels.min(), pixels.max(), pixels.mean()))
 
-# The view gets a copy of the image. save_to_file() saves what the active view shows and creates missing folders.
+# The view gets a copy of the image. save_to_file() saves what the active view shows and creates missing folders. It only
+# logs what goes wrong, so remove an old file first and look for the new one.
 result = vantrel.new_view_with_image(img, "First light")
-for name in ("first_light/scene.png", "first_light/scene.tif"):
+for path in (os.path.abspath("first_light/scene.png"), os.path.abspath("first_light/scene.tif")):
+    if os.path.isfile(path):
+        os.remove(path)
     vantrel.activate_view(result)
-    vantrel.save_to_file(name)
-    vantrel.open_file(name)
+    vantrel.save_to_file(path)
+    if not os.path.isfile(path):
+        raise RuntimeError("cannot save " + path)
+    vantrel.open_file(path)
     same = numpy.array_equal(numpy.asarray(vantrel.get_view_image()), pixels)
-    print("saved", name + ", read back with the same values:", same)
+    print("saved", path + ", read back with the same values:", same)
 vantrel.tile_views()

@@ -1,15 +1,27 @@
 """Draws the mean brightness of a picture's rows and columns as a graph with dark background and saves it as PNG.
 
-    ./vantrel run examples/line_profile.py
+    ./vantrel run --show examples/line_profile.py
 
-It reads data/scene12.tif and writes line_profile/profile.png. Both paths start at the working directory: this script's
-folder, unless --workdir sets another. To use your own file, pass it as the variable `picture`:
+It reads data/scene12.tif below the working directory: this script's folder, unless --workdir sets another. It writes
+line_profile/profile.png below the current folder. To use your own file, pass it as the variable `picture`:
 
-    ./vantrel run --image picture=FILE examples/line_profile.py
+    ./vantrel run --show --image picture=FILE examples/line_profile.py
 """
+import os
+
 import vantrel
 
-OUTPUT = "line_profile/profile.png"
+OUTPUT = os.path.abspath("line_profile/profile.png")
+
+
+def save(img: vantrel.Image, path: str) -> None:
+    """Save the image. save_to_file() only logs what goes wrong, so look for the new file."""
+    if os.path.isfile(path):
+        os.remove(path)
+    img.save_to_file(path)
+    if not os.path.isfile(path):
+        raise RuntimeError("cannot save " + path)
+
 
 picture = globals().get("picture")
 if picture is None:
@@ -32,5 +44,6 @@ chart = vantrel.Image()
 chart.alloc(1000, 500, 3, 8)
 graph.draw_into_image(chart)
 
-chart.save_to_file(OUTPUT)
+save(chart, OUTPUT)
 print("saved", OUTPUT)
+vantrel.new_view_with_image(chart, "Mean brightness of rows (blue) and columns (orange)")

@@ -1,13 +1,24 @@
 """Live chain: adds a gain and a blur stage to a live camera, and shows a frame before and a frame after that.
 
-Run it with
+    ./vantrel run --show examples/live_chain.py
 
-    ./vantrel run examples/live_chain.py
-
-It uses the first camera and writes live_chain.png to the working directory: this script's folder, unless --workdir sets
-another.
+It uses the first camera and writes live_chain.png to the current folder.
 """
+import os
+
 import vantrel
+
+OUTPUT = os.path.abspath("live_chain.png")
+
+
+def save(img: vantrel.Image, path: str) -> None:
+    """Save the image. save_to_file() only logs what goes wrong, so look for the new file."""
+    if os.path.isfile(path):
+        os.remove(path)
+    img.save_to_file(path)
+    if not os.path.isfile(path):
+        raise RuntimeError("cannot save " + path)
+
 
 if vantrel.get_number_devices() == 0:
     raise RuntimeError("live_chain needs a camera: start with --sim-cameras 1")
@@ -43,5 +54,5 @@ both.alloc(2 * before.width, before.height, before.channels, before.bpc)
 before.copy_rect_to(0, 0, before.width, before.height, both, 0, 0)
 after.copy_rect_to(0, 0, after.width, after.height, both, before.width, 0)
 vantrel.new_view_with_image(both, "Before and after")
-vantrel.save_to_file("live_chain.png")
-print("saved live_chain.png: %d x %d" % (both.width, both.height))
+save(both, OUTPUT)
+print("saved %s: %d x %d" % (OUTPUT, both.width, both.height))

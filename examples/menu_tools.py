@@ -1,8 +1,8 @@
 """Menu tools: adds a submenu of small tools to the Script menu.
 
-Choose it in the viewer (Script, Run Script...), or run it with
+    ./vantrel run --show examples/menu_tools.py
 
-    ./vantrel run examples/menu_tools.py
+In the viewer you can also choose it with Script > Run Script....
 
 The tools are the scripts in the folder tools next to this script. Each item runs its script on the active view, and its
 tooltip says what the script does. An item that is chosen while a script runs waits until that script has ended.

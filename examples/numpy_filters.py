@@ -1,14 +1,14 @@
 """Flat-field correction of 12-bit pictures with NumPy.
 
-    ./vantrel run examples/numpy_filters.py
+    ./vantrel run --show examples/numpy_filters.py
 
 A lens passes less light to the corners, and a sensor adds an offset to each pixel. Two calibration pictures remove both
 errors: a dark one (no light) and a flat one (an evenly lit surface):
 
     corrected = (raw - dark) * mean(flat - dark) / (flat - dark)
 
-This script calculates its pictures, so that it can compare the result with the truth. With a camera, get the pictures
-from cam.capture_image().
+This script calculates its pictures, so that it can compare the result with the truth. With a camera that runs, get each
+picture with vantrel.get_view_image(), or let the user take it with cam.ask_user_capture_image().
 """
 import sys
 

@@ -2,16 +2,26 @@
 
     ./vantrel run examples/time_lapse.py
 
-It uses the first camera and writes time_lapse/frame_000.png and so on. The paths start at the working directory: this
-script's folder, unless --workdir sets another.
+It uses the first camera and writes time_lapse/frame_000.png and so on below the current folder.
 """
+import os
 import time
 
 import vantrel
 
 FRAMES = 5
 INTERVAL = 0.2  # seconds
-FOLDER = "time_lapse"
+FOLDER = os.path.abspath("time_lapse")
+
+
+def save(img: vantrel.Image, path: str) -> None:
+    """Save the image. save_to_file() only logs what goes wrong, so look for the new file."""
+    if os.path.isfile(path):
+        os.remove(path)
+    img.save_to_file(path)
+    if not os.path.isfile(path):
+        raise RuntimeError("cannot save " + path)
+
 
 if vantrel.get_number_devices() == 0:
     raise RuntimeError("time_lapse needs a camera: start with --sim-cameras 1")
@@ -29,8 +39,8 @@ try:
         if not vantrel.wait_for_next_frame(5.0, view):
             raise RuntimeError("no frame came")
         img = vantrel.get_view_image(view)
-        path = "%s/frame_%03d.png" % (FOLDER, number)
-        img.save_to_file(path)
+        path = os.path.join(FOLDER, "frame_%03d.png" % number)
+        save(img, path)
         print("%d of %d: frame %d after %.2f s, %s" %
               (number + 1, FRAMES, img.get_frame_number(), time.monotonic() - begin, path))
 finally:

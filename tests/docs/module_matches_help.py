@@ -91,5 +91,48 @@ for entry in entries:
         except Exception:
             pass
 
+# The table of camera parameters.
+for camera_number in range(vantrel.get_number_devices()):
+    camera = vantrel.Camera()
+    camera.open_device(camera_number)
+    for parameter in make_reference.CAMERA_PARAMETERS:
+        try:
+            value = camera.get_param(parameter.name)
+        except Exception:
+            value = None
+        if (value is None) != (parameter.access == make_reference.NOT_SUPPORTED):
+            problems.append(f"{parameter.name}: wrong about whether camera {camera_number} supports it")
+            continue
+        if value is None:
+            continue
+        if value != parameter.default or type(value).__name__ != parameter.kind:
+            problems.append(f"{parameter.name}: camera {camera_number} has {value!r}")
+        if (camera.set_param(parameter.name, value) == 0) != (parameter.access == "read and write"):
+            problems.append(f"{parameter.name}: wrong about writing it to camera {camera_number}")
+        for suffix, limit in zip((":min", ":max", ":inc"), parameter.limits or (None, None, None)):
+            try:
+                seen = camera.get_param(parameter.name + suffix)
+            except Exception:  # as for a parameter that is read directly
+                seen = None
+            if seen != limit and not (limit and seen and abs(seen - limit) < 1e-6):
+                problems.append(f"{parameter.name}{suffix}: camera {camera_number} has {seen!r}")
+if vantrel.get_number_devices() == 0:
+    problems.append("no camera is open")
+
+# The shapes and entries of what measuring returns.
+rectangle = (1, 0, 2, 3)
+shapes = {"measure_rect": (), "measure_row_profiles_in_rect": (3,), "measure_column_profiles_in_rect": (2,)}
+for name, shape in shapes.items():
+    result = getattr(samples["Image"], name)(*rectangle)
+    if shape and len(result) != shape[0]:
+        problems.append(f"{name} returns {len(result)} entries, not {shape[0]}")
+    for channels in result if shape else [result]:
+        if len(channels) != 3:
+            problems.append(f"{name} returns {len(channels)} channels")
+        for channel in channels:
+            seen = [(key, type(value).__name__) for key, value in channel.items()]
+            if seen != [(key, kind) for key, kind, _ in make_reference.MEASURED]:
+                problems.append(f"{name} returns {seen}")
+
 for line in problems:
     print(line, file=sys.stderr)

@@ -10,6 +10,7 @@ import sys
 import tempfile
 
 program, guide, *options = sys.argv[1:]
+WITHOUT_CODE = {"The viewer"}
 answers = {"Talking to the user": ["--answer", "Wafer 7", "--answer", "Go on"]}
 
 failed = 0
@@ -17,12 +18,14 @@ chapters = re.split(r"^## ", pathlib.Path(guide).read_text(), flags=re.M)[1:]
 for chapter in chapters:
     title = chapter.split("\n", 1)[0]
     blocks = re.findall(r"```python\n(.*?)```", chapter, flags=re.S)
+    if title in WITHOUT_CODE:
+        continue
     assert blocks, f"the chapter {title!r} has no code"
     with tempfile.TemporaryDirectory() as folder:
         script = pathlib.Path(folder, "chapter.py")
         script.write_text("\n".join(blocks))
         run = subprocess.run([program, "run", *options, *answers.get(title, []), str(script)],
-                             capture_output=True, text=True, timeout=120)
+                             cwd=folder, capture_output=True, text=True, timeout=120)
     lacks_library = "is not installed" in run.stderr
     if run.returncode != 0 and not lacks_library:
         failed += 1

@@ -73,6 +73,16 @@ TEST(CommandLine, HelpIsGivenForEveryCommand)
     }
 }
 
+TEST(CommandLine, TheFirstExampleOfTheHelpShowsTheWindows)
+{
+    for (const char* arguments : {"--help", "run --help"}) {
+        const QString help = parse(arguments).text;
+        const qsizetype usage = help.indexOf(QStringLiteral("\n\n"));
+        const qsizetype example = help.indexOf(QStringLiteral("vantrel run "), usage);
+        EXPECT_EQ(help.mid(example, 19).toStdString(), "vantrel run --show ") << arguments;
+    }
+}
+
 TEST(CommandLine, HelpOfRunNamesEveryOption)
 {
     const QString help = parse("run --help").text;
