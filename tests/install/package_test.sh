@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
-# usage: package_test.sh BUILD_FOLDER
+# usage: package_test.sh PACKAGES
 #
-# Makes the Debian package and installs it into an empty root. Runs a script and an example with the installed viewer,
-# builds and runs the minimal host with the installed files, and removes the package.
+# Installs the Debian packages into an empty root. Runs a script and an example with the installed viewer, builds and
+# runs the minimal host with the installed files, and removes the packages.
 set -euo pipefail
 
-build=$1
+packages=$1
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 root=$work/root
@@ -17,21 +17,29 @@ fail() {
     exit 1
 }
 
-step 'make the package'
-package=$("$(dirname -- "$0")/make_package.sh" "$build" "$work/package") || fail 'cpack'
+depends() { dpkg-deb -f "$packages/$1"_*.deb Depends | tr ',' '\n' | sed 's/^ *//'; }
 
-step 'check that its dependencies are packages of the distribution'
-dpkg-deb -f "$package" Depends | tr ',' '\n' | sed 's/ *(.*//; s/^ *//' | while read -r name; do
-    dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null | grep -q installed || fail "depends on $name, which is not installed here"
+step 'check the dependencies'
+for package in vantrel libvantrel-core1; do
+    depends $package | sed 's/ *(.*//' | grep -v '^libvantrel' | while read -r name; do
+        dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null | grep -q installed || fail "$package depends on $name, which is not installed here"
+    done
 done
-dpkg-deb -f "$package" Depends | grep -q 'libpython3' || fail 'no dependency on Python'
-dpkg-deb -f "$package" Depends | grep -q 'libqt6core6' || fail 'no dependency on Qt'
+version=$(dpkg-deb -f "$packages"/vantrel_*.deb Version)
+for dependency in "vantrel libvantrel-core1 (= $version)" "libvantrel-dev libvantrel-core1 (= $version)" \
+    "libvantrel-dev vantrel (= $version)" 'vantrel libqt6core6' 'vantrel libqcustomplot' 'libvantrel-core1 libqt6core6'; do
+    depends "${dependency%% *}" | grep -qF -- "${dependency#* }" || fail "${dependency%% *} does not depend on ${dependency#* }"
+done
+linked=$(dpkg-deb --fsys-tarfile "$packages"/vantrel_*.deb | tar -xO --wildcards '*/libvantrel_python.so' >"$work/plugin.so" &&
+    readelf -d "$work/plugin.so" | sed -n 's/.*\[libpython\(.*\)\.so.*/\1/p')
+depends vantrel | grep -q "^libpython$linked\b" || fail "vantrel does not depend on Python $linked, which the plugin is linked with"
+[ "$(dpkg-deb -f "$packages"/vantrel_*.deb Recommends)" = python3-numpy ] || fail 'vantrel does not recommend NumPy'
 
-step 'install it into an empty root'
+step 'install them into an empty root'
 mkdir -p "$root/var/lib/dpkg/"{info,updates,triggers}
 touch "$root/var/lib/dpkg/"{status,available}
 manage() { dpkg --root="$root" --force-not-root --force-depends --force-script-chrootless --log="$work/dpkg.log" "$@" >"$work/dpkg.out" 2>&1 || { cat "$work/dpkg.out"; fail "dpkg $1"; }; }
-manage --install "$package"
+manage --install "$packages"/*.deb
 
 step 'run a script with the installed viewer'
 cat >"$work/script.py" <<'PYTHON'
@@ -65,8 +73,18 @@ cmake -S "$root/usr/share/vantrel/examples/minimal_host" -B "$work/host" -G Ninj
 echo 'print("the answer is", ANSWER)' >"$work/answer.py"
 [ "$("$work/host/minimal_host" "$work/answer.py")" = 'the answer is 42' ] || fail 'the minimal host'
 
-step 'remove the package'
-manage --purge vantrel
+step 'configure the minimal host where /bin comes before /usr/bin'
+ln -s usr/bin "$root/bin"
+ln -s usr/lib "$root/lib"
+PATH=$root/bin:$PATH cmake -S "$root/usr/share/vantrel/examples/minimal_host" -B "$work/host2" -G Ninja >"$work/cmake.log" 2>&1 || {
+    cat "$work/cmake.log"
+    fail 'configuring the minimal host'
+}
+grep -qxF "Vantrel_DIR:PATH=$root/lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)/cmake/Vantrel" "$work/host2/CMakeCache.txt" || fail 'other files were found'
+rm "$root/bin" "$root/lib"
+
+step 'remove the packages'
+manage --purge libvantrel-dev vantrel libvantrel-core1
 left=$(find "$root" -not -type d -not -path "$root/var/lib/dpkg/*")
 [ -z "$left" ] || fail "left behind: $left"
 left=$(find "$root/usr" 2>/dev/null || true)
