@@ -15,10 +15,9 @@ install(TARGETS vantrel RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT 
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/packaging/shared_files.txt")
 file(STRINGS "${CMAKE_SOURCE_DIR}/packaging/shared_files.txt" vantrel_shared_files)
 foreach(file IN LISTS vantrel_shared_files)
-    if(file MATCHES "^docs/(.*)")
-        set(installed "${CMAKE_INSTALL_DOCDIR}/${CMAKE_MATCH_1}")
-    elseif(file STREQUAL "README.md")
-        set(installed "${CMAKE_INSTALL_DOCDIR}/README.md")
+    # Documents lie as in the source tree, so that their links to each other work.
+    if(file MATCHES "^docs/|\\.md$")
+        set(installed "${CMAKE_INSTALL_DOCDIR}/${file}")
     else()
         set(installed "${CMAKE_INSTALL_DATADIR}/vantrel/${file}")
     endif()

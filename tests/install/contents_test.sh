@@ -17,7 +17,7 @@ trap 'rm -rf "$work"' EXIT
 
 {
     sed "s|@LIB@|usr/lib/$3|" "$(dirname -- "$0")/contents.txt"
-    sed -E 's|^docs/|usr/share/doc/vantrel/|; t done; s|^README|usr/share/doc/vantrel/README|; t done; s|^|usr/share/vantrel/|; :done; s|^|vantrel |' \
+    sed -E 's,^(docs/|README),usr/share/doc/vantrel/\1,; t done; s|^|usr/share/vantrel/|; :done; s|^|vantrel |' \
         "$source/packaging/shared_files.txt"
     sed "s|^|libvantrel-dev usr/include/vantrel/|" <(cd "$source/host" && ls ./*.h | sed 's|^\./||')
 } >"$work/expected"
