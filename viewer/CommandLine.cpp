@@ -11,12 +11,14 @@ const char* const programUsage = R"(Usage: vantrel run [options] SCRIPT...
   run    runs scripts one after another in one interpreter
   view   opens the desktop viewer
 
+For example: vantrel run --show script.py runs a script and shows what it opens.
 Use vantrel run --help for the options of run.
 )";
 
 const char* const runUsage = R"(Usage: vantrel run [options] SCRIPT...
 
 Runs the scripts one after another in one process and one interpreter. Each script is a separate run.
+For example, to run a script and look at what it opens: vantrel run --show script.py
 
   --open FILE         open FILE in a view before the first script (repeatable)
   --image NAME=FILE   give the scripts the image in FILE as the variable NAME (repeatable)
