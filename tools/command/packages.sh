@@ -206,6 +206,7 @@ follow_apt() {
             IFS=: read -r name percent status <<<"${line#*pmstatus:}"
             [ "$phase" = install ] || progress_next=0
             phase=install
+            [ "$name" != dpkg-exec ] || name="running dpkg"
             progress "${percent%%.*}" "installing ${percent%%.*} %, $name"
             ;;
         *'Could not get lock'* | *'Waiting for cache lock'*)
