@@ -148,6 +148,7 @@ class Packages(checkout.CheckoutTest):
         outcome = self.interrupt(process)
         self.assertEqual(outcome.status, 130, outcome)
         self.assertLess(outcome.seconds, 3)
+        self.assert_says(outcome, "apt-get finishes in the background")
         self.clear("slow")
         self.assertEqual(self.call("run", "script.py").status, 0)
 

@@ -23,8 +23,12 @@ stop_job() {
     [ -z "$job_follower" ] || kill "$job_follower" 2>/dev/null || true
     [ -n "$job" ] || return 0
     [ -z "$job_group" ] || target=-$job
-    kill -"$job_signal" -- "$target" 2>/dev/null || return 0
-    [ "$job_signal" = TERM ] || return 0
+    kill -"$job_signal" -- "$target" 2>/dev/null || true
+    if [ "$job_signal" = INT ]; then
+        sleep 0.2
+        [ ! -d "/proc/$job" ] || say "apt-get finishes in the background what it has begun; the next call waits for it"
+        return 0
+    fi
     for attempt in 1 2 3 4 5 6 7 8 9 10; do
         kill -0 -- "$target" 2>/dev/null || return 0
         sleep 0.1

@@ -137,6 +137,7 @@ describe_plan() {
     local count download space
     count=$(sed -n 's/^\([0-9]*\) upgraded, \([0-9]*\) newly installed.*/\1 + \2/p' <<<"$1")
     download=$(sed -n 's/^Need to get \([^/]*\)\(\/.*\)\? of archives.*/\1/p' <<<"$1")
+    [ "$download" != '0 B' ] || download=
     space=$(sed -n 's/^After this operation, \(.*\) of additional disk space.*/\1/p' <<<"$1")
     printf 'installing %d packages (with what they depend on): %s to download, %s of disk space' "$((count))" "${download:-nothing}" "${space:-none}"
 }
@@ -179,12 +180,19 @@ update_lists() {
 apt_get() {
     local log=$1 command=$2 status=0
     shift 2
+    ! is_dpkg_locked || say "another package manager is at work; waiting for it to finish"
     begin_progress
     run_package_job follow_apt "$log" as_root apt-get -o APT::Status-Fd=1 -o DPkg::Lock::Timeout=600 \
         -o Acquire::Retries=1 -o Acquire::http::Timeout=8 -o Acquire::https::Timeout=8 \
         "$command" --assume-yes --no-install-recommends "$@" || status=$?
     clear_progress
     return "$status"
+}
+
+is_dpkg_locked() {
+    local inode
+    inode=$(stat -c %i /var/lib/dpkg/lock-frontend 2>/dev/null) || return 1
+    grep -q ":$inode " /proc/locks 2>/dev/null
 }
 
 as_root() {
@@ -208,10 +216,6 @@ follow_apt() {
             phase=install
             [ "$name" != dpkg-exec ] || name="running dpkg"
             progress "${percent%%.*}" "installing ${percent%%.*} %, $name"
-            ;;
-        *'Could not get lock'* | *'Waiting for cache lock'*)
-            [ "$phase" = wait ] || say "another package manager is at work; waiting for it to finish"
-            phase='wait'
             ;;
         *) printf '%s\n' "$line" ;;
         esac
