@@ -18,6 +18,18 @@ extern "C" const char* __asan_default_options()
 }
 #endif
 
+namespace {
+
+const char* const noDisplayText = R"(there is no display: log in with ssh -X, or put xvfb-run before the command
+)";
+
+bool needsDisplay(const CommandLine& line)
+{
+    return line.command == CommandLine::Command::View || line.run.show;
+}
+
+} // namespace
+
 int main(int argc, char** argv)
 {
     QStringList arguments;
@@ -43,5 +55,9 @@ int main(int argc, char** argv)
     QApplication::setApplicationVersion(QStringLiteral(VANTREL_VERSION));
     // While the main window is hidden, closing a dialog must not end the application.
     QApplication::setQuitOnLastWindowClosed(false);
+    if (needsDisplay(line) && isDisplayMissing()) {
+        writeAll(STDERR_FILENO, QByteArrayLiteral("vantrel: ") + noDisplayText);
+        return 2;
+    }
     return line.command == CommandLine::Command::Run ? runScripts(line.run) : openViewer(line.view);
 }

@@ -314,8 +314,25 @@ TEST_F(RunCommand, HelpGoesToStandardOutput)
     }
 }
 
+TEST_F(RunCommand, WindowsWithoutADisplayGiveStatusTwoAndAHint)
+{
+    write("script.py", "print('ran')\n");
+    for (const char* display : {"", ":987"}) { // none, and one that does not answer
+        environment.insert(QStringLiteral("DISPLAY"), QString::fromUtf8(display));
+        for (const QStringList& arguments : {list({"view"}), list({"run", "--show", "script.py"})}) {
+            const Outcome outcome = call(arguments);
+            EXPECT_EQ(outcome.status, 2) << display;
+            EXPECT_EQ(outcome.output, "");
+            EXPECT_NE(outcome.errors.find("there is no display"), std::string::npos) << outcome.errors;
+            EXPECT_NE(outcome.errors.find("ssh -X"), std::string::npos) << outcome.errors;
+            EXPECT_NE(outcome.errors.find("xvfb-run"), std::string::npos) << outcome.errors;
+        }
+    }
+}
+
 TEST_F(RunCommand, TheViewerStaysOpenAndSaysWhatItCannotShow)
 {
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     ASSERT_TRUE(QImage(6, 4, QImage::Format_Grayscale8).save(path("a.png")));
     QProcess process;
     process.setProcessEnvironment(environment);

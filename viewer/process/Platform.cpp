@@ -2,16 +2,20 @@
 
 #include <QtCore/QByteArray>
 #include <QtCore/QtGlobal>
+#include <QtGui/QGuiApplication>
 
 #include <clocale>
 #include <langinfo.h>
 
 namespace {
 
+bool usesDisplay = false; // the environment did not choose another platform
+
 void prepareDisplay()
 {
     if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         return;
+    usesDisplay = true;
     // If a display does not answer, Qt tries the next platform of the list.
     if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "wayland;xcb;offscreen");
@@ -36,4 +40,9 @@ void preparePlatform()
 {
     prepareDisplay();
     prepareLocale();
+}
+
+bool isDisplayMissing()
+{
+    return usesDisplay && QGuiApplication::platformName() == QStringLiteral("offscreen");
 }

@@ -5,3 +5,6 @@
 /// Unless QT_QPA_PLATFORM is set, windows appear on the display, or on Qt's offscreen platform if there is no display.
 /// A locale that is not UTF-8 becomes C.UTF-8: Qt and scripts assume UTF-8.
 void preparePlatform();
+
+/// Whether windows were to appear on a display and there is none. Call it after the application object was made.
+bool isDisplayMissing();

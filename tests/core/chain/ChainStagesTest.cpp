@@ -17,6 +17,7 @@
 #include <limits>
 #include <memory>
 #include <numeric>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -163,7 +164,10 @@ TYPED_TEST(EveryType, BlurSpreadsAPointAndKeepsAFlatImage)
     std::vector<TypeParam> values(81, TypeParam(7));
     const auto flat = makeImage<TypeParam>(this->type, this->bits, 9, 1, values);
     stage->process(*flat);
-    EXPECT_EQ(valuesOf<TypeParam>(*flat), values);
+    // OpenCV's releases add up the products of floating-point values in different orders.
+    const double rounding = std::is_floating_point_v<TypeParam> ? 1e-5 : 0;
+    for (const TypeParam value : valuesOf<TypeParam>(*flat))
+        EXPECT_NEAR(double(value), 7.0, rounding);
 
     std::fill(values.begin(), values.end(), TypeParam(0));
     values[40] = 100;
@@ -172,8 +176,8 @@ TYPED_TEST(EveryType, BlurSpreadsAPointAndKeepsAFlatImage)
     const std::vector<TypeParam> result = valuesOf<TypeParam>(*point);
     // The centre of a Gaussian of one pixel: 1 / (2 pi).
     EXPECT_NEAR(double(result[40]), 100.0 / (2 * 3.14159265), 1.0);
-    EXPECT_EQ(result[39], result[41]);
-    EXPECT_EQ(result[31], result[49]);
+    EXPECT_NEAR(double(result[39]), double(result[41]), rounding);
+    EXPECT_NEAR(double(result[31]), double(result[49]), rounding);
     EXPECT_GT(result[41], result[42]);
 }
 

@@ -184,7 +184,8 @@ TEST(PicBufMeas, PackedColoursAreMeasuredByComponent)
     source.setBits(0, 0, 10U | 60U << 5U | 31U << 11U);
     source.setBits(1, 0, 20U | 40U << 5U | 1U << 11U);
     const CxHistoData data = measured(PaddedImage(source).image, QRect(0, 0, 2, 1));
-    EXPECT_EQ(data.channelNames, (QList<QString>{u"Blue"_qs, u"Green"_qs, u"Red"_qs}));
+    EXPECT_EQ(data.channelNames,
+              (QList<QString>{QStringLiteral("Blue"), QStringLiteral("Green"), QStringLiteral("Red")}));
     EXPECT_EQ(data.stats[0].mean, 15.0);
     EXPECT_EQ(data.stats[1].mean, 50.0);
     EXPECT_EQ(data.stats[2].max, 31.0);
@@ -193,9 +194,11 @@ TEST(PicBufMeas, PackedColoursAreMeasuredByComponent)
 TEST(PicBufMeas, ChannelsAreNamedInTheOrderOfMemory)
 {
     const QRect all(0, 0, 1, 1);
-    EXPECT_EQ(measured(PaddedImage(TestPicBuf({1, 1, 1})).image, all).channelNames, QList<QString>{u"Mono"_qs});
+    EXPECT_EQ(measured(PaddedImage(TestPicBuf({1, 1, 1})).image, all).channelNames,
+              QList<QString>{QStringLiteral("Mono")});
     EXPECT_EQ(measured(PaddedImage(TestPicBuf({1, 1, 4})).image, all).channelNames,
-              (QList<QString>{u"Blue"_qs, u"Green"_qs, u"Red"_qs, u"Alpha"_qs}));
+              (QList<QString>{QStringLiteral("Blue"), QStringLiteral("Green"), QStringLiteral("Red"),
+                              QStringLiteral("Alpha")}));
 }
 
 TEST(PicBufMeas, RectanglesAreClippedAndOnesOutsideFail)
@@ -325,7 +328,7 @@ TEST(PicBufMeas, LuminanceIsAFurtherChannelOfColours)
     const CxHistoData data =
         measured(PaddedImage(source).image, QRect(0, 0, 2, 1), CxHistoData::Statistics | CxHistoData::Luminance);
     ASSERT_EQ(data.stats.size(), 4);
-    EXPECT_EQ(data.channelNames.last(), u"Luminance"_qs);
+    EXPECT_EQ(data.channelNames.last(), QStringLiteral("Luminance"));
     EXPECT_NEAR(data.stats[3].max, 100.0, 1e-9);
     EXPECT_NEAR(data.stats[3].min, 59.8, 1e-9);
     EXPECT_EQ(measured(PaddedImage(TestPicBuf({1, 1, 1})).image, QRect(0, 0, 1, 1),
