@@ -1,92 +1,111 @@
 # Which Pythons the plugin is built for.
 #
 # VANTREL_PYTHON_ROOT         root of the product's Python: a folder with include/python3.X and lib/
-# VANTREL_EXTRA_PYTHON_ROOTS  roots of other Pythons for the tests; "auto" looks for a 3.8 in the usual places
+# VANTREL_EXTRA_PYTHON_ROOTS  roots of other Pythons for the tests; "auto" looks for them in the usual places
 #
-# Sets VANTREL_PYTHON_VERSIONS (the product's version first), and for each version V the target vantrel_py_V and the
-# variable VANTREL_PYTHON_HOME_V. VANTREL_PRODUCT_PYTHON is the product's version.
+# Sets VANTREL_PRODUCT_PYTHON, the product's version, and three lists of versions: VANTREL_PYTHON_VERSIONS, those on which
+# every test runs (the product's first, then 3.8 if it is found); VANTREL_FURTHER_PYTHON_VERSIONS, the other offered ones
+# that are found, on which a part of the tests runs; and VANTREL_ALL_PYTHON_VERSIONS, both lists. For each version V sets
+# VANTREL_PYTHON_HOME_V and makes two targets: vantrel_python_headers_V and, with the library too, vantrel_py_V.
 #
 # Interpreters are found by location, not through PATH, because another Python may come first there.
 
 set(VANTREL_PYTHON_ROOT "/usr" CACHE PATH "Root of the Python to embed; the distribution's own by default")
 set(VANTREL_EXTRA_PYTHON_ROOTS "auto" CACHE STRING "Roots of other Pythons to test with, or auto")
 
-# Only this file knows which versions are supported.
-set(vantrel_offered_pythons 3.11 3.8)
-function(vantrel_why_not_offered version out)
-    if(version VERSION_GREATER_EQUAL 3.12)
-        set(${out} "it crashes when a second thread runs a script and refuses a second start" PARENT_SCOPE)
-    elseif(version VERSION_GREATER_EQUAL 3.9)
-        set(${out} "it hangs when it is finalised after a second start" PARENT_SCOPE)
-    else()
-        set(${out} "it lacks parts of the interface that the plugin is built on" PARENT_SCOPE)
-    endif()
-endfunction()
+# Only this file knows which versions are offered.
+set(vantrel_offered_pythons 3.8 3.9 3.10 3.11 3.12 3.13)
+# Tested in full beside the product's: the oldest, whose limited API the plugin keeps to.
+set(vantrel_oldest_python 3.8)
 
-# Looks below root for an offered version with headers and a shared library. Sets ${out}_version, ${out}_include and
-# ${out}_library; if there is none, ${out}_version is empty and ${out}_problem says why.
-function(vantrel_probe_python root out)
-    set(${out}_version "" PARENT_SCOPE)
-    set(problem "no Python headers below ${root}/include")
-    file(GLOB include_dirs "${root}/include/python3.*")
-    foreach(include_dir IN LISTS include_dirs)
-        string(REGEX REPLACE ".*/python(3\\.[0-9]+).*" "\\1" version "${include_dir}")
-        if(NOT EXISTS "${include_dir}/Python.h")
-            continue()
-        endif()
-        if(NOT version IN_LIST vantrel_offered_pythons)
-            vantrel_why_not_offered(${version} reason)
-            set(problem "Python ${version} below ${root} cannot be used: ${reason}")
-            continue()
-        endif()
-        find_library(library NAMES "python${version}" PATHS "${root}/lib/${CMAKE_LIBRARY_ARCHITECTURE}" "${root}/lib"
+# The library of a version below root: sets out to its path, or to an empty text if the headers or the library is missing.
+function(vantrel_find_python_library root version out)
+    set(${out} "" PARENT_SCOPE)
+    if(EXISTS "${root}/include/python${version}/Python.h")
+        unset(found) # otherwise find_library() keeps the value
+        find_library(found NAMES "python${version}" PATHS "${root}/lib/${CMAKE_LIBRARY_ARCHITECTURE}" "${root}/lib"
                      NO_DEFAULT_PATH NO_CACHE)
-        if(NOT library OR NOT library MATCHES "\\.so")
-            set(problem "Python ${version} below ${root} has no shared library")
-            continue()
+        if(found MATCHES "\\.so")
+            set(${out} "${found}" PARENT_SCOPE)
         endif()
-        set(${out}_version "${version}" PARENT_SCOPE)
-        set(${out}_include "${include_dir}" PARENT_SCOPE)
-        set(${out}_library "${library}" PARENT_SCOPE)
-        return()
-    endforeach()
-    set(${out}_problem "${problem}" PARENT_SCOPE)
+    endif()
 endfunction()
 
-macro(vantrel_use_python root)
-    add_library(vantrel_py_${probe_version} INTERFACE)
-    target_include_directories(vantrel_py_${probe_version} SYSTEM INTERFACE "${probe_include}")
-    target_link_libraries(vantrel_py_${probe_version} INTERFACE "${probe_library}")
-    list(APPEND VANTREL_PYTHON_VERSIONS "${probe_version}")
-    set(VANTREL_PYTHON_HOME_${probe_version} "${root}")
-endmacro()
-
-set(VANTREL_PYTHON_VERSIONS "")
-vantrel_probe_python("${VANTREL_PYTHON_ROOT}" probe)
-if(NOT probe_version)
-    message(FATAL_ERROR "${probe_problem}. Set VANTREL_PYTHON_ROOT to the root of a Python 3.11 or 3.8.")
-endif()
-vantrel_use_python("${VANTREL_PYTHON_ROOT}")
-set(VANTREL_PRODUCT_PYTHON "${probe_version}")
-message(STATUS "Embedding Python ${probe_version} below ${VANTREL_PYTHON_ROOT}")
-
-if(VANTREL_EXTRA_PYTHON_ROOTS STREQUAL "auto")
-    file(GLOB vantrel_candidates "$ENV{PYENV_ROOT}/versions/3.8.*" "$ENV{HOME}/.pyenv/versions/3.8.*"
-         "/opt/python3.8*" "/usr/local")
-else()
-    set(vantrel_candidates "${VANTREL_EXTRA_PYTHON_ROOTS}")
-endif()
-foreach(root IN LISTS vantrel_candidates)
-    vantrel_probe_python("${root}" probe)
-    if(probe_version AND NOT probe_version IN_LIST VANTREL_PYTHON_VERSIONS)
-        vantrel_use_python("${root}")
-        message(STATUS "Testing also with Python ${probe_version} below ${root}")
+# The offered version below root: the one that the root calls python3, otherwise the newest with headers and a library.
+# Sets ${out}_version and ${out}_library, both empty if there is none.
+function(vantrel_choose_python root out)
+    set(candidates ${vantrel_offered_pythons})
+    list(REVERSE candidates)
+    file(REAL_PATH "${root}/bin/python3" program)
+    if(program MATCHES "/python(3\\.[0-9]+)$" AND CMAKE_MATCH_1 IN_LIST candidates)
+        list(PREPEND candidates "${CMAKE_MATCH_1}")
     endif()
-endforeach()
+    set(${out}_version "" PARENT_SCOPE)
+    foreach(version IN LISTS candidates)
+        vantrel_find_python_library("${root}" ${version} library)
+        if(library)
+            set(${out}_version ${version} PARENT_SCOPE)
+            break()
+        endif()
+    endforeach()
+    set(${out}_library "${library}" PARENT_SCOPE)
+endfunction()
+
+function(vantrel_add_python version root library)
+    add_library(vantrel_python_headers_${version} INTERFACE)
+    target_include_directories(vantrel_python_headers_${version} SYSTEM INTERFACE "${root}/include/python${version}")
+    add_library(vantrel_py_${version} INTERFACE)
+    target_link_libraries(vantrel_py_${version} INTERFACE vantrel_python_headers_${version} "${library}")
+    set(VANTREL_PYTHON_HOME_${version} "${root}" PARENT_SCOPE)
+endfunction()
+
+vantrel_choose_python("${VANTREL_PYTHON_ROOT}" chosen)
+if(NOT chosen_version)
+    list(JOIN vantrel_offered_pythons ", " versions)
+    file(GLOB found RELATIVE "${VANTREL_PYTHON_ROOT}/include" "${VANTREL_PYTHON_ROOT}/include/python3*")
+    list(JOIN found ", " found)
+    message(FATAL_ERROR "Below ${VANTREL_PYTHON_ROOT} there is no Python that the plugin can be built for. Offered are "
+            "${versions}, with headers and a shared library; the headers found there are: ${found}. Set "
+            "VANTREL_PYTHON_ROOT to the root of another Python.")
+endif()
+vantrel_add_python(${chosen_version} "${VANTREL_PYTHON_ROOT}" "${chosen_library}")
+set(VANTREL_PRODUCT_PYTHON "${chosen_version}")
+set(VANTREL_PYTHON_VERSIONS "${chosen_version}")
+set(VANTREL_FURTHER_PYTHON_VERSIONS "")
+message(STATUS "Embedding Python ${chosen_version} below ${VANTREL_PYTHON_ROOT}")
+
 foreach(version IN LISTS vantrel_offered_pythons)
-    if(NOT version IN_LIST VANTREL_PYTHON_VERSIONS)
+    if(version STREQUAL VANTREL_PRODUCT_PYTHON)
+        continue()
+    endif()
+    if(VANTREL_EXTRA_PYTHON_ROOTS STREQUAL "auto")
+        file(GLOB roots "$ENV{PYENV_ROOT}/versions/${version}.*" "$ENV{HOME}/.pyenv/versions/${version}.*"
+             "/opt/python${version}*")
+        list(APPEND roots "/usr/local" "/usr")
+    else()
+        set(roots "${VANTREL_EXTRA_PYTHON_ROOTS}")
+    endif()
+    set(home "")
+    foreach(root IN LISTS roots)
+        vantrel_find_python_library("${root}" ${version} library)
+        if(library)
+            set(home "${root}")
+            break()
+        endif()
+    endforeach()
+    if(NOT home)
         message(STATUS "Python ${version} with a shared library was not found: no test runs on it")
+        continue()
+    endif()
+    vantrel_add_python(${version} "${home}" "${library}")
+    if(version STREQUAL vantrel_oldest_python)
+        list(APPEND VANTREL_PYTHON_VERSIONS ${version})
+        message(STATUS "Testing also with Python ${version} below ${home}")
+    else()
+        list(APPEND VANTREL_FURTHER_PYTHON_VERSIONS ${version})
+        message(STATUS "Testing in part with Python ${version} below ${home}")
     endif()
 endforeach()
+set(VANTREL_ALL_PYTHON_VERSIONS ${VANTREL_PYTHON_VERSIONS} ${VANTREL_FURTHER_PYTHON_VERSIONS})
 # The script vantrel reads this file to say which Pythons the tests run on.
-file(WRITE "${CMAKE_BINARY_DIR}/pythons.txt" "${VANTREL_PYTHON_VERSIONS}\n")
+file(WRITE "${CMAKE_BINARY_DIR}/pythons.txt" "${VANTREL_ALL_PYTHON_VERSIONS}\n")

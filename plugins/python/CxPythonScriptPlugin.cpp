@@ -7,8 +7,10 @@
 #include "MainThread.h"
 #include "OutputRedirection.h"
 #include "ScriptModule.h"
+#include "support/Convert.h"
 #include "support/ErrorLog.h"
 #include "support/HostContext.h"
+#include "support/InterpreterThread.h"
 #include "support/NativeGuard.h"
 #include "support/PyRef.h"
 
@@ -20,6 +22,7 @@
 CxPythonScriptPlugin::~CxPythonScriptPlugin()
 {
     if (m_bPythonInitialized) {
+        const InterpreterThread thread;
         bool crashed = false;
         fx_dropNativeException();
         try {
@@ -60,6 +63,7 @@ QString CxPythonScriptPlugin::runScript(const QString& strScript, IxScriptEnviro
     QString result;
     g_pScriptPlugin = pEnv; // before the lock, so that a running script uses the newest environment
     const QMutexLocker locker(&m_lockScript);
+    const InterpreterThread thread;
     try {
         fx_dropNativeException();
         const std::string script = strScript.toStdString();
@@ -85,7 +89,7 @@ void CxPythonScriptPlugin::startInterpreter(IxScriptEnvironment* pEnv, const QSt
     const std::wstring program = QCoreApplication::applicationFilePath().toStdWString();
     const std::wstring home = strPythonHome.toStdWString();
     fx_setInterpreterPaths(program, home);
-    PyImport_AppendInittab("emb", PyInit_emb);
+    fx_addBuiltinModule("emb", PyInit_emb);
     fx_pyapp_register();
     Py_Initialize();
     ExitReport::writeWhenInterpreterEnds();
@@ -144,6 +148,7 @@ QString CxPythonScriptPlugin::evaluate(const std::string& script, void (*fnStart
 
 void CxPythonScriptPlugin::addImageVariable(const QString& name, CxImageData* image)
 {
+    const InterpreterThread thread;
     PyRef object = PyRef::take(fx_pyimg_createNewImageObject(image, false));
     PyObject* main = object ? PyImport_AddModule("__main__") : nullptr;
     if (main && PyModule_AddObject(main, name.toUtf8().constData(), object.get()) == 0)

@@ -2,6 +2,7 @@
 
 #include "CxPythonScriptPlugin.h"
 #include "support/Convert.h"
+#include "support/InterpreterThread.h"
 #include "support/NativeGuard.h"
 #include "support/PyRef.h"
 
@@ -60,6 +61,7 @@ void forEachName(PyObject* dictionary, Function function)
 
 std::list<std::string> CxPythonScriptPlugin::listLocalVariables()
 {
+    const InterpreterThread thread;
     std::list<std::string> names;
     if (PyObject* dictionary = mainDictionary())
         forEachName(dictionary, [&names](std::string_view name) { names.emplace_back(name); });
@@ -68,6 +70,7 @@ std::list<std::string> CxPythonScriptPlugin::listLocalVariables()
 
 void CxPythonScriptPlugin::deleteNewLocalVariables(const std::list<std::string>& before)
 {
+    const InterpreterThread thread;
     PyObject* dictionary = mainDictionary();
     if (!dictionary)
         return;
@@ -97,6 +100,7 @@ void CxPythonScriptPlugin::deleteNewLocalVariables(const std::list<std::string>&
 
 void CxPythonScriptPlugin::dumpLocalVariables()
 {
+    const InterpreterThread thread;
     PyObject* dictionary = mainDictionary();
     if (!dictionary)
         return;

@@ -5,6 +5,7 @@
 #include "app/AppFunctions.h"
 #include "support/Convert.h"
 #include "support/HostContext.h"
+#include "support/InterpreterThread.h"
 #include "support/NativeGuard.h"
 #include "support/PyRef.h"
 
@@ -20,7 +21,7 @@ extern PyModuleDef px_app_module;
 
 void fx_pyapp_register()
 {
-    if (PyImport_AppendInittab("vantrel", py_app_moduleInit) != 0)
+    if (!fx_addBuiltinModule("vantrel", py_app_moduleInit))
         std::fputs("Error: could not extend in-built modules table\n", stderr);
 }
 
@@ -45,6 +46,7 @@ static PyObject* makeModule()
 
 PyObject* py_app_moduleInit()
 {
+    const InterpreterThread thread;
     return guarded<makeModule>(); // the help texts come from the host
 }
 
@@ -62,6 +64,7 @@ static void runText(const char* text)
 
 void fx_pyapp_RunPythonString(const char* text)
 {
+    const InterpreterThread thread;
     fx_rethrowNativeException();
     runText(text);
     fx_rethrowNativeException();

@@ -8,6 +8,7 @@
 #include "image/ImageObject.h"
 #include "support/Convert.h"
 #include "support/HostContext.h"
+#include "support/InterpreterThread.h"
 #include "support/NativeGuard.h"
 #include "support/PyRef.h"
 
@@ -19,6 +20,7 @@ PyTypeObject* TxPyImageType = nullptr;
 
 PyObject* fx_pyimg_createNewImageObject(CxImageData* image, int owns)
 {
+    const InterpreterThread thread;
     if (!TxPyImageType)
         return fx_raise("vantrel.Image is not available");
     PyObject* object = PyObject_CallObject(reinterpret_cast<PyObject*>(TxPyImageType), nullptr);

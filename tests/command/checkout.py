@@ -47,6 +47,12 @@ APT_GET = """
 echo "apt-get $*" >>"$STATE/calls"
 case " $* " in
 *" --version "*) exit 0 ;;
+*" download small "*)
+    if [ -f "$STATE/no-network" ]; then
+        for i in $(seq 5000); do echo "E: Failed to fetch http://mirror/small.deb  Temporary failure resolving 'mirror'" >&2; done
+        exit 100
+    fi
+    exit 0 ;;
 *" update "*)
     if [ -f "$STATE/no-network" ]; then
         echo "W: Failed to fetch http://mirror/InRelease  Temporary failure resolving 'mirror'"
@@ -59,6 +65,8 @@ if [ ! -f "$STATE/lists" ] || [ -f "$STATE/unknown" ]; then
 fi
 case " $* " in
 *" --print-uris "*)
+    echo "'http://mirror/large.deb' large_1.0_amd64.deb 99000 SHA256:0"
+    echo "'http://mirror/small.deb' small_1.0_all.deb 1000 SHA256:0"
     echo "0 upgraded, 154 newly installed, 0 to remove and 3 not upgraded."
     echo "Need to get 322 MB of archives."
     echo "After this operation, 1,240 MB of additional disk space will be used."

@@ -1,8 +1,15 @@
 #include "TestSettings.h"
 
+#include <QtCore/QVersionNumber>
+
 QString TestSettings::pluginFile;
 QString TestSettings::pythonHome;
 QString TestSettings::pythonVersion;
+
+bool TestSettings::isPythonAtLeast3(int minor)
+{
+    return QVersionNumber::fromString(pythonVersion) >= QVersionNumber(3, minor);
+}
 
 void TestSettings::read(const QStringList& arguments)
 {

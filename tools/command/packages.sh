@@ -104,13 +104,17 @@ install_packages() {
     fi
     require_offered "$(candidate qt6-base-dev)" "$(candidate python3-dev)"
     say "$(describe_plan "$plan")"
+    if ! try_download "$plan"; then
+        # The lists name versions that the mirror has replaced.
+        become_root "$@"
+        update_lists
+    fi
     become_root "$@"
     if ! apt_get "$packages_log" install "$@"; then
         if needs_repair; then
             repair_packages
             apt_get "$packages_log" install "$@" || explain_apt_failure "$packages_log" "$@"
         elif is_download_problem && ! is_network_problem "$packages_log"; then
-            # The lists name versions that the mirror has replaced.
             update_lists
             apt_get "$packages_log" install "$@" || explain_apt_failure "$packages_log" "$@"
         else
@@ -143,6 +147,26 @@ describe_plan() {
     [ "$download" != '0 B' ] || download=
     space=$(sed -n 's/^After this operation, \(.*\) of additional disk space.*/\1/p' <<<"$1")
     printf 'installing %d packages (with what they depend on): %s to download, %s of disk space' "$((count))" "${download:-nothing}" "${space:-none}"
+}
+
+# try_download PLAN: downloads the smallest package of the plan, because apt-get takes minutes to find out that it can
+# download none. Ends if the server cannot be reached, and returns 1 if it does not have the package.
+try_download() {
+    local smallest
+    smallest=$(sed -n "s/^'[^']*' \([^_ ]*\)_[^ ]* \([0-9]*\) .*/\2 \1/p" <<<"$1" | sort -n | sed -n '1s/.* //p')
+    [ -n "$smallest" ] || return 0
+    mkdir -p "$build/download"
+    run_job run_download "$smallest" || {
+        ! is_network_problem "$packages_log" || explain_apt_failure "$packages_log"
+        return 1
+    }
+    rm -rf "$build/download"
+}
+
+run_download() {
+    cd "$build/download"
+    LC_ALL=C apt-get -o Acquire::Retries=0 -o Acquire::http::Timeout=8 -o Acquire::https::Timeout=8 \
+        download "$1" >"$packages_log" 2>&1
 }
 
 candidate() { LC_ALL=C apt-cache policy "$1" 2>/dev/null | sed -n 's/^  Candidate: //p' | grep -v '(none)' || true; }
@@ -235,8 +259,7 @@ is_download_problem() { grep -q 'Failed to fetch\|Unable to fetch' "$packages_lo
 
 # is_network_problem LOG
 is_network_problem() {
-    grep '^ *\([EW]:\|Err:\)' "$1" 2>/dev/null |
-        grep -q 'resolving\|resolve\|Could not connect\|Cannot initiate the connection\|Unable to connect\|timed out\|Network is unreachable\|No route to host'
+    grep -q '^[EW]: .*\(resolving\|resolve\|Could not connect\|Cannot initiate the connection\|Unable to connect\|timed out\|Network is unreachable\|No route to host\)' "$1" 2>/dev/null
 }
 
 # explain_apt_failure LOG [PACKAGE...]

@@ -3,6 +3,7 @@
 #include "CameraObject.h"
 #include "CxCameraParameters.h"
 #include "ScriptModule.h"
+#include "support/InterpreterThread.h"
 
 #include <algorithm>
 
@@ -15,6 +16,7 @@ static QList<CxShadingPreset>::iterator findPreset(QList<CxShadingPreset>& prese
 
 PyObject* fx_pycam_CreateShadingPreset(PyObject* self, PyObject* args)
 {
+    const InterpreterThread thread;
     const char* name = nullptr;
     const char* reference = nullptr;
     const char* note = "";
@@ -40,6 +42,7 @@ PyObject* fx_pycam_CreateShadingPreset(PyObject* self, PyObject* args)
 
 PyObject* fx_pycam_ActivateShadingPreset(PyObject* self, PyObject* args)
 {
+    const InterpreterThread thread;
     CxCameraParameters* parameters = fx_cam_isCamera(self) ? fx_cam_parameters(self) : nullptr;
     const char* name = "";
     if (!parameters || !PyArg_ParseTuple(args, "|s", &name))

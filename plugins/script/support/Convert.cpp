@@ -1,6 +1,7 @@
 #include "Convert.h"
 
 #include "ErrorLog.h"
+#include "InterpreterSymbols.h"
 #include "PyRef.h"
 
 namespace {
@@ -48,6 +49,13 @@ PyObject* fx_makeModule(PyModuleDef& definition)
     // If a script has imported the module twice, m_copy points at a dictionary of the old interpreter after a restart.
     definition.m_base.m_copy = nullptr;
     return PyModule_Create2(&definition, stableAbiVersion);
+}
+
+bool fx_addBuiltinModule(const char* name, PyObject* (*init)())
+{
+    if (fx_hasThreadStatePerThread() && Py_IsInitialized())
+        return true;
+    return PyImport_AppendInittab(name, init) == 0;
 }
 
 PyTypeObject* fx_makeType(PyType_Spec& specification, const char* format, const char* problem, const char* file,

@@ -77,6 +77,10 @@ PyObject* fx_raise(const char* text);
 /// may be used again after the interpreter has been finalised and restarted.
 PyObject* fx_makeModule(PyModuleDef& definition);
 
+/// Adds a module to the interpreter's table of built-in modules. Returns whether it is there. From 3.12 on does nothing
+/// while the interpreter lives: it was added before the start.
+bool fx_addBuiltinModule(const char* name, PyObject* (*init)());
+
 /// Makes a type from its specification. On failure logs format with problem in the place of %1, and returns null with
 /// the interpreter's error still set. The log line names the caller's file and line.
 PyTypeObject* fx_makeType(PyType_Spec& specification, const char* format, const char* problem,

@@ -6,19 +6,14 @@
 
 #include "ScriptUnwinding.h"
 
+#include "InterpreterSymbols.h"
 #include "NativeGuard.h"
 #include "PyRef.h"
-
-#include <QtCore/qglobal.h>
 
 #include <algorithm>
 #include <array>
 #include <string_view>
 #include <utility>
-
-#if defined(Q_OS_UNIX)
-#include <dlfcn.h>
-#endif
 
 namespace {
 
@@ -26,7 +21,7 @@ namespace {
 enum Event : int { Call = 0, Exception = 1, Line = 2, Opcode = 7 };
 
 using TraceFunction = int (*)(PyObject*, PyObject*, int, PyObject*);
-using SetTrace = void (*)(TraceFunction, PyObject*);
+using SetTrace = void(TraceFunction, PyObject*);
 
 thread_local bool unwinding = false;
 
@@ -43,23 +38,9 @@ thread_local Origin origin;
 constexpr int mostExits = 1000;
 thread_local int exitsLeft = 0;
 
-SetTrace findSetTrace()
+SetTrace* setTrace()
 {
-#if defined(Q_OS_UNIX)
-    Dl_info library = {};
-    if (dladdr(reinterpret_cast<const void*>(&Py_Initialize), &library) == 0)
-        return nullptr;
-    // If the interpreter is linked into the program, the program has the symbols.
-    void* handle = dlopen(library.dli_fname, RTLD_LAZY | RTLD_NOLOAD);
-    return reinterpret_cast<SetTrace>(dlsym(handle ? handle : RTLD_DEFAULT, "PyEval_SetTrace"));
-#else
-    return nullptr;
-#endif
-}
-
-SetTrace setTrace()
-{
-    static const SetTrace function = findSetTrace();
+    static SetTrace* const function = fx_findInterpreterFunction<SetTrace>("PyEval_SetTrace");
     return function;
 }
 
@@ -104,14 +85,40 @@ bool mustComplete(PyObject* frame)
                        [file](std::string_view part) { return file.find(part) != std::string_view::npos; });
 }
 
+/// Whether the frame has reached the first instruction of a line. Before 3.10 the call of an `__exit__` after an error
+/// belongs to the last line of the `with` statement, and 3.9 may report that line in its middle. 3.11 and newer never
+/// do.
+bool isAtBeginOfLine(PyObject* frame)
+{
+    if (fx_interpreterVersion() != 0)
+        return true;
+    const PyRef code = PyRef::take(PyObject_GetAttrString(frame, "f_code"));
+    const PyRef table = code ? PyRef::take(PyObject_GetAttrString(code.get(), "co_lnotab")) : PyRef();
+    const PyRef reached = PyRef::take(PyObject_GetAttrString(frame, "f_lasti"));
+    const long instruction = reached ? PyLong_AsLong(reached.get()) : 0;
+    char* bytes = nullptr;
+    Py_ssize_t size = 0;
+    if (table)
+        PyBytes_AsStringAndSize(table.get(), &bytes, &size);
+    PyErr_Clear();
+    // Pairs: how many bytes of instructions to go on, and how many lines.
+    long begin = 0;
+    for (Py_ssize_t i = 0; i + 1 < size && begin < instruction; i += 2) {
+        begin += static_cast<unsigned char>(bytes[i]);
+        if (begin == instruction && bytes[i + 1] != 0)
+            return true;
+    }
+    return instruction == 0 || !bytes;
+}
+
 /// Whether the event leads from an error to the `__exit__` of a `with` statement, which must run to free its lock or
-/// file. Handlers and `finally` blocks stand below the line that failed; a `with` statement does not.
+/// file. Handlers and `finally` blocks begin a line below the line that failed; a `with` statement does not.
 bool leadsToExit(PyObject* frame, int event)
 {
     if (event != Line || frame != origin.frame)
         return false;
     const long line = lineOf(frame);
-    if (line > origin.line || exitsLeft-- <= 0)
+    if ((line > origin.line && isAtBeginOfLine(frame)) || exitsLeft-- <= 0)
         return false;
     origin.line = line; // the error propagates from here to the enclosing statement
     return true;

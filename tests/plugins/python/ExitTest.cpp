@@ -53,18 +53,17 @@ TEST_P(Leaving, IsClean)
     EXPECT_EQ(left.errors, "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Stages, Leaving,
-                         testing::Values("library_loaded", "library_unloaded", "created", "initialised",
-                                         "in_the_start_notification", "in_an_output_callback",
-                                         "in_an_output_callback_of_the_second_run", "in_a_nested_event_loop",
-                                         "after_a_run", "by_exit_after_a_run", "after_a_failed_run",
-                                         "after_a_native_exception", "after_finalising",
-                                         "after_finalising_and_unloading", "after_a_second_start",
-                                         "after_a_second_start_and_finalising", "after_finalising_and_a_new_start",
-                                         "after_runs_on_other_threads", "after_runs_on_other_threads_and_finalising",
-                                         "after_finalising_on_another_thread", "by_system_exit_on_another_thread",
-                                         "while_a_thread_of_the_script_runs"),
-                         [](const auto& row) { return std::string(row.param); });
+INSTANTIATE_TEST_SUITE_P(
+    Stages, Leaving,
+    testing::Values("library_loaded", "library_unloaded", "created", "initialised", "in_the_start_notification",
+                    "in_an_output_callback", "in_an_output_callback_of_the_second_run", "in_a_nested_event_loop",
+                    "after_a_run", "by_exit_after_a_run", "after_a_failed_run", "after_a_native_exception",
+                    "after_finalising", "after_finalising_and_unloading", "after_a_second_start",
+                    "after_a_second_start_and_finalising", "after_finalising_and_a_new_start",
+                    "after_runs_on_other_threads", "after_runs_on_other_threads_and_finalising",
+                    "after_finalising_on_another_thread", "by_system_exit_on_another_thread",
+                    "while_a_thread_of_the_script_runs", "while_a_thread_of_the_script_calls_the_module"),
+    [](const auto& row) { return std::string(row.param); });
 
 struct Status {
     const char* name;

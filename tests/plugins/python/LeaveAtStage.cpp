@@ -10,6 +10,7 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -204,6 +205,18 @@ const std::map<QString, std::function<void(Host&)>> stages = {
                             "    for i in range(100): time.sleep(0.001)\n" // so that it lives when the process leaves
                             "threading.Thread(target=work, daemon=True).start()\n"
                             "threading.Thread(target=work).start()\n"));
+     }},
+    {QStringLiteral("while_a_thread_of_the_script_calls_the_module"),
+     [](Host& host) {
+         host.initialised();
+         host.run(QStringLiteral("import threading\n"
+                                 "def work(vantrel=vantrel):\n"
+                                 "    while True:\n"
+                                 "        img = vantrel.Image()\n"
+                                 "        img.alloc(8, 8, 3, 8)\n"
+                                 "        bytes(img)\n"
+                                 "threading.Thread(target=work, daemon=True).start()\n"));
+         std::this_thread::sleep_for(std::chrono::milliseconds(20));
      }},
     {QStringLiteral("by_system_exit_on_another_thread"),
      [](Host& host) {

@@ -269,6 +269,20 @@ TEST_F(EndOfScript, FreesTheLocksOfWithStatements)
     expectNormalRuns();
 }
 
+// The function's frame began before the exception, so it is traced from its middle on.
+TEST_F(EndOfScript, RunsTheExitOfAWithStatementInTheMiddleOfItsFunction)
+{
+    EXPECT_EQ(run("pool = __import__('concurrent.futures').futures.ThreadPoolExecutor(1)\n"
+                  "def f():\n"
+                  "    with pool:\n"
+                  "        pool.submit(vantrel.wait, 1)\n"
+                  "        x = 1\n"
+                  "        y = 2\n"
+                  "f()"),
+              raised);
+    expectNormalRuns();
+}
+
 TEST_F(EndOfScript, LeavesNoModuleHalfImported)
 {
     QFile module(folder.filePath(QStringLiteral("half_imported.py")));
@@ -330,22 +344,23 @@ protected:
         environment.reached = 0;
         device.written.clear();
         testing::internal::CaptureStderr();
-        EXPECT_EQ(run(std::string("import functools, sys\n"
-                                  "cam = vantrel.Camera()\n"
-                                  "cam.open_device()\n"
-                                  "img = vantrel.Image()\n"
-                                  "img.alloc(2, 2, 1, 8)\n"
-                                  "set_exposure = cam.set_exposure\n"
-                                  "class C: pass\n"
-                                  "if " +
-                                  std::string(calling ? "True" : "False") + ": C.__del__ = functools.partial(") +
-                      GetParam().function +
-                      ")\n"
-                      "def f():\n"
-                      "    c = C()\n"
-                      "    vantrel.wait(1)\n"
-                      "f()"),
-                  result);
+        EXPECT_EQ(
+            run(std::string("import functools, sys\n"
+                            "cam = vantrel.Camera()\n"
+                            "cam.open_device()\n"
+                            "img = vantrel.Image()\n"
+                            "img.alloc(2, 2, 1, 8)\n"
+                            "set_exposure = cam.set_exposure\n"
+                            "class C: pass\n"
+                            "if " +
+                            std::string(calling ? "True" : "False") + ": C.__del__ = staticmethod(functools.partial(") +
+                GetParam().function +
+                "))\n"
+                "def f():\n"
+                "    c = C()\n"
+                "    vantrel.wait(1)\n"
+                "f()"),
+            result);
         testing::internal::GetCapturedStderr();
         return environment.reached + device.written.size() + log.criticals().size();
     }
