@@ -16,7 +16,7 @@ open_build_folder() {
         refuse_build_folder
     fi
     foreign=$(find "$build" -path '*/tests/scratch' -prune -o ! -user "$EUID" ! -type l ! -writable -print -quit 2>/dev/null) || true
-    if [ -n "$foreign" ]; then
+    if [ -e "$foreign" ]; then
         ! is_built_from_these_sources || return 1
         refuse_build_folder "$foreign"
     fi
