@@ -107,5 +107,6 @@ foreach(version IN LISTS vantrel_offered_pythons)
     endif()
 endforeach()
 set(VANTREL_ALL_PYTHON_VERSIONS ${VANTREL_PYTHON_VERSIONS} ${VANTREL_FURTHER_PYTHON_VERSIONS})
-# The script vantrel reads this file to say which Pythons the tests run on.
-file(WRITE "${CMAKE_BINARY_DIR}/pythons.txt" "${VANTREL_ALL_PYTHON_VERSIONS}\n")
+# The script vantrel reads this file to say which Pythons the tests run on: a line with those of all tests, and a line with
+# those of a part of them.
+file(WRITE "${CMAKE_BINARY_DIR}/pythons.txt" "${VANTREL_PYTHON_VERSIONS}\n${VANTREL_FURTHER_PYTHON_VERSIONS}\n")

@@ -76,9 +76,10 @@ run_command() {
 }
 
 run_tests() {
-    local log=$build/test.log status=0 failed=0 total=0 skipped=0
+    local log=$build/test.log status=0 failed=0 total=0 skipped=0 pythons='' further=''
     make_everything
-    say "testing on Python $(sed 's/;/ and /g' "$build/pythons.txt")"
+    { read -r pythons && read -r further; } <"$build/pythons.txt" || true
+    say "testing on Python ${pythons//;/ and }${further:+, in part on ${further//;/, }}"
     grep -q '3\.8' "$build/pythons.txt" ||
         say "this machine has no Python 3.8 with a shared library: no test runs on 3.8"
     if [ -z "${XDG_RUNTIME_DIR:-}" ]; then # without it Qt would write a warning in every test
@@ -106,7 +107,7 @@ run_fuzzer() {
     build=$root/build-asan
     stamp=$build/up-to-date
     make_everything
-    version=$(sed 's/;.*//' "$build/pythons.txt")
+    version=$(sed '1!d; s/;.*//' "$build/pythons.txt")
     VANTREL_FUZZ_SEED=${VANTREL_FUZZ_SEED:-0} VANTREL_FUZZ_SECONDS=$1 exec "$build/tests/script_image_fuzz_test" \
         --plugin="$build/plugins/libvantrel_python.so" --python-version="$version" \
         --python-home="$(cached VANTREL_PYTHON_ROOT)"
