@@ -11,6 +11,10 @@ set(VANTREL_PLUGIN_DIR "${CMAKE_INSTALL_LIBDIR}/vantrel/plugins")
 file(RELATIVE_PATH VANTREL_INSTALLED_PLUGIN
      "/${CMAKE_INSTALL_BINDIR}" "/${VANTREL_PLUGIN_DIR}/libvantrel_python.so")
 
+# The viewer's Python side, and the same from the folder of the program.
+set(VANTREL_PYTHON_DIR "${CMAKE_INSTALL_DATADIR}/vantrel/python")
+file(RELATIVE_PATH VANTREL_INSTALLED_PYTHON "/${CMAKE_INSTALL_BINDIR}" "/${VANTREL_PYTHON_DIR}")
+
 # Relative paths, so that installed programs find the core library even if the whole tree is moved.
 file(RELATIVE_PATH from_bin "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
 file(RELATIVE_PATH from_plugin "/${VANTREL_PLUGIN_DIR}" "/${CMAKE_INSTALL_LIBDIR}")

@@ -6,12 +6,15 @@
 #include "scripting/ScriptFile.h"
 #include "scripting/ScriptQueue.h"
 #include "scripting/ScriptRunner.h"
+#include "stopping/ScriptPulse.h"
 #include "views/ImageView.h"
+#include "window/ScriptBar.h"
 #include "workshop/ScriptConsole.h"
 
 #include <QtCore/QDebug>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
+#include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
 
@@ -29,10 +32,22 @@ QString pluginLibrary()
     return QFileInfo::exists(built) ? built : programs.filePath(QStringLiteral(VANTREL_INSTALLED_PLUGIN));
 }
 
-void dismissDialog()
+/// The folder of the viewer's Python side.
+QString pythonFolder()
 {
-    if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
-        dialog->reject();
+    const QDir programs(QCoreApplication::applicationDirPath());
+    const QString built = programs.filePath(QStringLiteral("../python"));
+    const bool isBuilt = QFileInfo::exists(built + QStringLiteral("/vantrel_viewer"));
+    return QDir::cleanPath(isBuilt ? built : programs.filePath(QStringLiteral(VANTREL_INSTALLED_PYTHON)));
+}
+
+/// Dismisses the dialogs that a script has opened and waits for.
+void dismissDialogs()
+{
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (auto* dialog = qobject_cast<QDialog*>(window))
+            if (dialog->isVisible() && dialog->isModal() && !MainWindow::isOwnDialog(*dialog))
+                dialog->reject();
 }
 
 } // namespace
@@ -48,18 +63,24 @@ Viewer::Viewer(const Settings& settings)
         m_console = new ScriptConsole(&m_window);
         m_window.addDockWidget(Qt::BottomDockWidgetArea, m_console);
         m_console->hide();
+        m_pulse = std::make_unique<ScriptPulse>(pythonFolder());
     }
     m_scripts = std::make_unique<ScriptQueue>(
         std::make_unique<ScriptRunner>(m_settings.pythonHome, [this](const QString& text) { passOutput(text); }),
         m_settings.scriptsOnOwnThread);
 
-    connect(m_scripts.get(), &ScriptQueue::runStarted, &m_window, [this] { m_window.setScriptRunning(true); });
+    connect(m_scripts.get(), &ScriptQueue::runStarted, this, [this](const QString& name) {
+        m_window.setScriptRunning(true);
+        m_runState.begin(name);
+    });
     connect(m_scripts.get(), &ScriptQueue::runEnded, this, &Viewer::noteRunEnd);
     connect(&m_window, &MainWindow::scriptChosen, this, &Viewer::runFile);
-    connect(&m_window, &MainWindow::scriptStopRequested, &m_interrupt, &ScriptInterrupt::interruptScript);
+    connect(&m_window, &MainWindow::scriptStopRequested, &m_runState, &RunState::stop);
+    connect(&m_window.scriptBar(), &ScriptBar::stopForGoodRequested, &m_runState, &RunState::stopForGood);
+    connect(&m_runState, &RunState::changed, &m_window.scriptBar(), &ScriptBar::display);
     connect(&m_window, &MainWindow::closed, this, &Viewer::quitAfterScript);
-    connect(&m_interrupt, &ScriptInterrupt::interrupted, this, dismissDialog);
-    connect(&m_interrupt, &ScriptInterrupt::interruptedWhileIdle, &m_window, &MainWindow::close);
+    connect(&m_interrupt, &ScriptInterrupt::interrupted, this, dismissDialogs);
+    connect(&m_interrupt, &ScriptInterrupt::interruptedWhileIdle, this, &Viewer::closeUnlessBusy);
 
     ProcessExit::prepare([this] {
         for (const int id : m_window.views().ids())
@@ -73,6 +94,7 @@ Viewer::~Viewer()
     m_window.disconnect(this);
     m_delegate.endCalls();
     m_scripts.reset();
+    m_pulse.reset();
 }
 
 QString Viewer::loadScripting()
@@ -86,7 +108,8 @@ void Viewer::runScript(const QString& text, const QString& file)
 {
     const QString folder =
         m_settings.workingDirectory.isEmpty() ? QFileInfo(file).absolutePath() : m_settings.workingDirectory;
-    m_scripts->add(text, std::make_shared<ScriptEnvironment>(folder, [this](const QString& path) { runFile(path); }));
+    m_scripts->add(text, std::make_shared<ScriptEnvironment>(folder, [this](const QString& path) { runFile(path); }),
+                   QFileInfo(file).fileName());
 }
 
 void Viewer::runFile(const QString& path)
@@ -104,15 +127,24 @@ void Viewer::passOutput(const QString& text)
 {
     writeAll(STDOUT_FILENO, text.toUtf8());
     if (m_console)
-        QMetaObject::invokeMethod(m_console, [console = m_console, text] { console->appendOutput(text); });
+        m_console->addOutput(text);
 }
 
 void Viewer::noteRunEnd(const QString& result)
 {
     writeAll(STDERR_FILENO, result.toUtf8());
-    if (m_console && !result.isEmpty())
-        m_console->appendError(result);
+    if (m_console)
+        m_console->appendErrors(result);
+    m_delegate.releaseImage();
     m_window.setScriptRunning(m_scripts->isBusy());
+    m_runState.end(result);
+}
+
+void Viewer::closeUnlessBusy()
+{
+    // Between two scripts of the visible window Ctrl-C has nothing to stop, but the user did not mean the window.
+    if (!m_scripts->isBusy() || !m_window.isVisible())
+        m_window.close();
 }
 
 void Viewer::quitAfterScript()
@@ -124,5 +156,7 @@ void Viewer::quitAfterScript()
         return;
     }
     connect(m_scripts.get(), &ScriptQueue::becameIdle, qApp, &QCoreApplication::quit);
-    m_interrupt.interruptScript();
+    m_runState.stop();
+    // The window with its button is gone.
+    QTimer::singleShot(RunState::patience, &m_runState, &RunState::stopForGood);
 }

@@ -1,13 +1,15 @@
 #pragma once
 
 #include "scripting/ApplicationDelegate.h"
-#include "scripting/ScriptInterrupt.h"
+#include "stopping/RunState.h"
+#include "stopping/ScriptInterrupt.h"
 #include "window/MainWindow.h"
 
 #include <memory>
 
 class ScriptConsole;
 class ScriptEnvironment;
+class ScriptPulse;
 class ScriptQueue;
 
 /// The whole application: the main window, the delegate that gives scripts access to it, and the script queue.
@@ -19,7 +21,8 @@ public:
         bool scriptsOnOwnThread = false;
         QString pythonHome;       ///< empty: the Python home of this build
         QString workingDirectory; ///< of all scripts; empty: each script's own folder
-        bool showsOutput = false; ///< whether the window shows what scripts print
+        bool showsOutput =
+            false; ///< whether the window is shown: it then shows what scripts print, and works meanwhile
         int simulatedCameras = 2; ///< number of simulated cameras to open
     };
 
@@ -39,14 +42,18 @@ public:
     MainWindow& window() { return m_window; }
     ScriptQueue& scripts() { return *m_scripts; }
     ScriptInterrupt& interrupt() { return m_interrupt; }
+    RunState& runState() { return m_runState; }
 
 private:
     void passOutput(const QString& text);
     void noteRunEnd(const QString& result);
+    void closeUnlessBusy();
     void quitAfterScript();
 
     Settings m_settings;
     ScriptInterrupt m_interrupt;
+    RunState m_runState{m_interrupt};
+    std::unique_ptr<ScriptPulse> m_pulse;
     MainWindow m_window;
     ApplicationDelegate m_delegate;
     ScriptConsole* m_console = nullptr;

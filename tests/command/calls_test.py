@@ -46,6 +46,8 @@ class Calls(checkout.CheckoutTest):
             (["fuzz"], ["seconds"]),
             (["fuzz", "ten"], ["seconds"]),
             (["fuzz", "10", "20"], ["20"]),
+            (["soak", "ten"], ["number"]),
+            (["soak", "10", "20"], ["20"]),
         ]:
             with self.subTest(arguments):
                 self.assert_refused(self.call(*arguments), *words)

@@ -33,7 +33,7 @@ for package in "$packages"/*.deb; do
 done
 same 'files in the packages' "$work/expected" "$work/actual"
 
-if tracked=$(git -C "$source" ls-files examples stubs docs README.md 2>/dev/null); then
+if tracked=$(git -C "$source" ls-files examples stubs docs python README.md 2>/dev/null); then
     # Scripts beside the pictures make them and are of no use without the sources.
     grep -v '^docs/pictures/.*\.py$' <<<"$tracked" >"$work/tracked"
     same 'packaging/shared_files.txt' "$work/tracked" "$source/packaging/shared_files.txt"

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "scripting/ScriptEnvironment.h"
-#include "scripting/ScriptInterrupt.h"
 #include "scripting/ScriptQueue.h"
 #include "scripting/ScriptRunner.h"
+#include "stopping/ScriptInterrupt.h"
 
 #include <QtCore/QDir>
 #include <QtTest/QTest>

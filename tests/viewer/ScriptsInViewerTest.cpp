@@ -1,104 +1,14 @@
 // Scripts in a viewer of the test's own process: what only shows when somebody uses the windows meanwhile.
 
 #include "Pictures.h"
-#include "Viewer.h"
-#include "scripting/ScriptEnvironment.h"
-#include "scripting/ScriptQueue.h"
-#include "support/TestSettings.h"
+#include "ViewerTest.h"
 #include "views/ImageView.h"
 
-#include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
-#include <QtCore/QTimer>
-#include <QtGui/QAction>
-#include <QtWidgets/QApplication>
-#include <QtWidgets/QDialog>
-#include <QtWidgets/QDockWidget>
-#include <QtWidgets/QMenu>
-#include <QtWidgets/QPlainTextEdit>
-
-#include <gtest/gtest.h>
-
 #include <cstdlib>
-#include <functional>
 
 namespace {
 
-class ScriptsInViewer : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        qputenv("VANTREL_PLUGIN", QFile::encodeName(TestSettings::pluginFile));
-        QApplication::setQuitOnLastWindowClosed(false);
-        Viewer::Settings settings;
-        settings.pythonHome = TestSettings::pythonHome;
-        settings.showsOutput = true;
-        viewer = std::make_unique<Viewer>(settings);
-        ASSERT_EQ(viewer->loadScripting(), QString());
-        QObject::connect(&viewer->scripts(), &ScriptQueue::runEnded,
-                         [this](const QString& result) { results += result; });
-    }
-
-    /// Runs the event loop until no script is left to run.
-    void runAll()
-    {
-        QObject context;
-        QObject::connect(&viewer->scripts(), &ScriptQueue::becameIdle, &context, [] { QCoreApplication::quit(); });
-        QTimer::singleShot(60000, &context, [] {
-            ADD_FAILURE() << "the scripts do not end";
-            QCoreApplication::quit();
-        });
-        QCoreApplication::exec();
-    }
-
-    /// Does something from the event loop, and so while the script waits, as soon as a condition holds.
-    void once(const std::function<bool()>& holds, const std::function<void()>& act)
-    {
-        auto* timer = new QTimer(&viewer->window());
-        QObject::connect(timer, &QTimer::timeout, timer, [timer, holds, act] {
-            if (!holds())
-                return;
-            timer->deleteLater();
-            timer->stop();
-            act();
-        });
-        timer->start(1);
-    }
-
-    /// Does something when the script has printed a text and waits.
-    void oncePrinted(const char* text, const std::function<void()>& act)
-    {
-        once([this, text] { return console() == QString::fromUtf8(text); }, act);
-    }
-
-    void run(const char* script)
-    {
-        viewer->runScript(QString::fromUtf8(script), folder.filePath(QStringLiteral("s.py")));
-    }
-
-    QString write(const char* name, const char* text)
-    {
-        QFile file(folder.filePath(QString::fromUtf8(name)));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(text);
-        return file.fileName();
-    }
-
-    QString console() const { return viewer->window().findChild<QPlainTextEdit*>()->toPlainText(); }
-
-    QAction* addItem(const QString& script)
-    {
-        QMenu* menu = viewer->window().menu(MainWindow::ScriptMenu);
-        ScriptEnvironment environment(folder.path(), [this](const QString& path) { viewer->runFile(path); });
-        environment.addMenuItem(menu, QStringLiteral("Tool"), script, QString());
-        return menu->actions().last();
-    }
-
-    QTemporaryDir folder;
-    std::unique_ptr<Viewer> viewer;
-    QStringList results;
-};
+using ScriptsInViewer = ViewerTest;
 
 TEST_F(ScriptsInViewer, AMenuItemUsedWhileAScriptWaitsRunsWhenThatHasEnded)
 {
@@ -126,7 +36,7 @@ TEST_F(ScriptsInViewer, TheStopItemStopsTheRunningScript)
     run("import vantrel\nprint('begun')\nvantrel.wait(600)\n");
     QAction* stop = nullptr;
     for (QAction* action : viewer->window().menu(MainWindow::ScriptMenu)->actions())
-        if (action->text() == QStringLiteral("&Stop Script"))
+        if (action->text() == QStringLiteral("&Stop"))
             stop = action;
     ASSERT_NE(stop, nullptr);
     EXPECT_TRUE(stop->isEnabled());
@@ -142,7 +52,7 @@ TEST_F(ScriptsInViewer, ClosingTheWindowStopsTheScriptBeforeTheApplicationEnds)
     viewer->window().show();
     run("import vantrel\nprint('begun')\nvantrel.wait(600)\n");
     run("print('never')\n");
-    oncePrinted("begun\n", [this] { viewer->window().close(); });
+    oncePrinted("begun\n", [this] { stopAndClose(); });
     QCoreApplication::exec();
     EXPECT_FALSE(viewer->scripts().isBusy());
     ASSERT_EQ(results.size(), 1);
@@ -159,7 +69,7 @@ TEST_F(ScriptsInViewer, ADialogIsDismissedWhenTheMainWindowCloses)
         results.clear();
         viewer->window().show();
         run(QByteArray("import vantrel\nprint('asking')\n").append(dialog).append("\nprint('never')\n"));
-        once([] { return QApplication::activeModalWidget() != nullptr; }, [this] { viewer->window().close(); });
+        once([] { return QApplication::activeModalWidget() != nullptr; }, [this] { stopAndClose(); });
         QTimer::singleShot(20000, &viewer->window(), [] {
             ADD_FAILURE() << "the dialog stays open";
             std::abort();

@@ -9,6 +9,7 @@ Usage: ./vantrel COMMAND [...]
   test [FILTER]             run all tests, or those whose names match FILTER, on every offered Python
   bench                     run the benchmarks
   fuzz SECONDS              feed random data to the image functions for that long, with the sanitizers
+  soak [COUNT]              stop scripts of each kind at random moments, COUNT times (200)
   pictures                  make the pictures of the documentation again
   package                   make the Debian packages
   build                     build everything, tests included
@@ -47,6 +48,7 @@ run_command() {
         exec "$root/bench/run" "$build"
         ;;
     fuzz) run_fuzzer "$@" ;;
+    soak) run_soak "$@" ;;
     pictures)
         check_no_arguments pictures "$@"
         make_product "${picture_packages[@]}"
@@ -97,6 +99,15 @@ run_tests() {
 
 run_ctest() { ctest --test-dir "$build" -j "$(nproc)" --output-on-failure ${2:+-R "$2"} 2>&1 | tee "$1"; }
 
+run_soak() {
+    case ${1:-200} in
+    *[!0-9]*) fail "soak needs a number of stops, not \"$1\"" ;;
+    esac
+    [ $# -le 1 ] || fail "soak accepts only a number of stops, but was also given \"$2\""
+    make_everything
+    exec "$root/tools/soak" "${1:-200}" "$build"
+}
+
 run_fuzzer() {
     local version
     case ${1:-} in
@@ -116,7 +127,7 @@ run_fuzzer() {
 # The command that a mistyped one most likely means: the one with the longest common beginning.
 nearest_command() {
     local word=$1 command length best=help most=0
-    for command in run view test bench fuzz pictures package build help; do
+    for command in run view test bench fuzz soak pictures package build help; do
         length=${#command}
         while [ "$length" -gt 0 ] && [ "${word:0:length}" != "${command:0:length}" ]; do
             length=$((length - 1))

@@ -153,10 +153,12 @@ void ApplicationDelegate::setViewImage(int id, CxImageData* image)
 CxImageData* ApplicationDelegate::viewImage(int id)
 {
     std::shared_ptr<CxImageData> image = m_window.views().store().image(id);
-    if (m_window.thread() == QThread::currentThread())
-        return image.get();
-    // Keeps the image alive while the script copies it: the GUI thread may replace the image or close the view at any
-    // time.
+    // Keeps the image alive while the script copies it: the view may get another image or be closed at any time, by the
+    // GUI thread or in events that are processed while a script works there.
+    if (m_window.thread() == QThread::currentThread()) {
+        m_lent = std::move(image);
+        return m_lent.get();
+    }
     thread_local std::shared_ptr<CxImageData> lent;
     lent = std::move(image);
     return lent.get();

@@ -33,8 +33,11 @@ public:
     bool newViewWithImage(CxImageData* image, const QString& title) override;
     void setViewImage(int id, CxImageData* image) override;
 
-    /// On other threads than the GUI thread, the image stays valid until the same thread asks for another one.
+    /// The image stays valid until the same thread asks for another one, or until releaseImage().
     CxImageData* viewImage(int id) override;
+
+    /// Releases the image that viewImage() keeps for the GUI thread. Called there when no script runs.
+    void releaseImage() { m_lent.reset(); }
 
     void playSound(const QString& path) override;
 
@@ -50,4 +53,5 @@ private:
     CameraSet m_cameras;
     LiveViews m_liveViews;
     GuiCalls m_gui;
+    std::shared_ptr<CxImageData> m_lent;
 };

@@ -1,5 +1,7 @@
 #include "DialogAnswers.h"
 
+#include "window/MainWindow.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDebug>
 #include <QtCore/QEvent>
@@ -55,7 +57,8 @@ void DialogAnswers::stop()
 bool DialogAnswers::eventFilter(QObject* object, QEvent* event)
 {
     if (event->type() == QEvent::Show && !m_stopped) {
-        if (auto* dialog = qobject_cast<QDialog*>(object); dialog && dialog->isModal())
+        if (auto* dialog = qobject_cast<QDialog*>(object);
+            dialog && dialog->isModal() && !MainWindow::isOwnDialog(*dialog))
             QTimer::singleShot(0, dialog, [this, dialog] { answer(dialog); });
     }
     return QObject::eventFilter(object, event);

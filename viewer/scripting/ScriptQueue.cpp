@@ -51,9 +51,9 @@ QString ScriptQueue::language()
     return language;
 }
 
-void ScriptQueue::add(const QString& script, std::shared_ptr<ScriptEnvironment> environment)
+void ScriptQueue::add(const QString& script, std::shared_ptr<ScriptEnvironment> environment, const QString& name)
 {
-    m_waiting.push_back({script, std::move(environment)});
+    m_waiting.push_back({script, std::move(environment), name});
     startNext();
 }
 
@@ -67,9 +67,9 @@ void ScriptQueue::startNext()
     if (m_running || m_waiting.empty())
         return;
     m_running = true;
-    Q_EMIT runStarted();
     Job job = std::move(m_waiting.front());
     m_waiting.pop_front();
+    Q_EMIT runStarted(job.name);
     // Queued on the GUI thread as well: add() returns before the script starts.
     QMetaObject::invokeMethod(
         m_runner.get(), [runner = m_runner.get(), job] { runner->run(job.script, job.environment); },

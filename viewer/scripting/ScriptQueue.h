@@ -29,8 +29,8 @@ public:
     /// The script language and its version; empty if no plugin is loaded.
     QString language();
 
-    /// Runs the script when its turn comes.
-    void add(const QString& script, std::shared_ptr<ScriptEnvironment> environment);
+    /// Runs the script when its turn comes. name is for the display.
+    void add(const QString& script, std::shared_ptr<ScriptEnvironment> environment, const QString& name = {});
 
     /// Makes an image a variable of later scripts. Call it after a first run has ended, since that run starts the
     /// interpreter, and while no script runs.
@@ -43,7 +43,7 @@ public:
     void clear() { m_waiting.clear(); }
 
 Q_SIGNALS:
-    void runStarted();
+    void runStarted(const QString& name);
 
     /// A run has ended; result is what the script wrote to its standard error.
     void runEnded(const QString& result);
@@ -55,6 +55,7 @@ private:
     struct Job {
         QString script;
         std::shared_ptr<ScriptEnvironment> environment;
+        QString name;
     };
 
     void startNext();

@@ -3,8 +3,11 @@
 #include "CxImageData.h"
 #include "CxScriptLangInterface.h"
 #include "ScriptEnvironment.h"
-#include "ScriptInterrupt.h"
 #include "process/ProcessExit.h"
+#include "stopping/ScriptInterrupt.h"
+#include "stopping/ScriptPulse.h"
+
+#include <QtCore/QDebug>
 
 namespace {
 
@@ -59,6 +62,9 @@ void ScriptRunner::run(const QString& script, std::shared_ptr<ScriptEnvironment>
 {
     QString result;
     if (m_language) {
+        if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
+            interrupt->runBegins();
+        prepare(*environment);
         result = m_language->runScript(script, environment.get(), m_pythonHome, &noteStart, nullptr, &passOutput);
         ProcessExit::disarm();
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
@@ -66,6 +72,21 @@ void ScriptRunner::run(const QString& script, std::shared_ptr<ScriptEnvironment>
         m_environment = std::move(environment);
     }
     Q_EMIT ended(result);
+}
+
+void ScriptRunner::prepare(ScriptEnvironment& environment)
+{
+    ScriptPulse* pulse = ScriptPulse::instance();
+    if (!pulse || !language().startsWith(QStringLiteral("Python ")))
+        return;
+    const QString preparation = pulse->preparation();
+    if (preparation.isEmpty())
+        return;
+    const QString problem = m_language->runScript(preparation, &environment, m_pythonHome, nullptr, nullptr, nullptr);
+    if (problem.isEmpty())
+        pulse->prepared();
+    else
+        qWarning().noquote() << "The window stands still while a script works:" << problem.trimmed();
 }
 
 void ScriptRunner::publish(const QString& name, std::shared_ptr<CxImageData> image)

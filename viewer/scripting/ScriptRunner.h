@@ -46,6 +46,9 @@ Q_SIGNALS:
     void ended(const QString& result);
 
 private:
+    /// Gives the interpreter what the viewer needs to reach a script while it runs.
+    void prepare(ScriptEnvironment& environment);
+
     QString m_pythonHome;
     QPluginLoader m_loader;
     CxScriptLangInterface* m_language = nullptr;

@@ -1,6 +1,6 @@
 #include "ScriptWait.h"
 
-#include "ScriptInterrupt.h"
+#include "stopping/ScriptInterrupt.h"
 #include "views/ImageView.h"
 
 #include <QtCore/QCoreApplication>
@@ -31,6 +31,7 @@ public:
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance()) {
             interrupt->forgetPending();
             connect(interrupt, &ScriptInterrupt::interrupted, this, [this] { stop(); });
+            m_stopped = ScriptInterrupt::isStopPending(); // asked for just before the wait
         }
     }
 
@@ -43,6 +44,8 @@ public:
 
     void run(double seconds)
     {
+        if (m_stopped)
+            return;
         const auto whole = milliseconds(std::int64_t(std::ceil(std::min(seconds, longestSeconds) * 1000)));
         const QDeadlineTimer deadline(whole, Qt::PreciseTimer);
         do {

@@ -1,6 +1,7 @@
 #include "MainWindow.h"
 
 #include "NotificationArea.h"
+#include "ScriptBar.h"
 #include "views/ImageView.h"
 
 #include <QtGui/QCloseEvent>
@@ -8,13 +9,15 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMdiArea>
 #include <QtWidgets/QMenu>
+#include <QtWidgets/QMessageBox>
+#include <QtWidgets/QPushButton>
+#include <QtWidgets/QVBoxLayout>
 
 MainWindow::MainWindow()
 {
     setWindowTitle(QStringLiteral("Vantrel"));
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/icon/vantrel.png"))); // for the views as well
     resize(1100, 750);
-    setCentralWidget(m_views.area());
     connect(&m_views, &ViewList::activeViewChanged, this, &MainWindow::updateStatusLine);
     connect(&m_views, &ViewList::pixelHovered, this, &MainWindow::showPixel);
     createFileMenu();
@@ -22,7 +25,17 @@ MainWindow::MainWindow()
     createScriptMenu();
     createHelpMenu();
     createStatusLine();
+    m_scriptBar = new ScriptBar(m_stopScript, this);
+    addToolBar(m_scriptBar);
+    auto* center = new QWidget;
+    auto* layout = new QVBoxLayout(center);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_scriptBar->warning());
+    layout->addWidget(m_views.area(), 1);
+    setCentralWidget(center);
     setScriptRunning(false);
+    QApplication::instance()->installEventFilter(this);
 }
 
 void MainWindow::setFullScreen(bool on)
@@ -44,9 +57,43 @@ void MainWindow::showNotification(const QString& text)
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    if (m_scriptRuns && isVisible()) {
+        event->ignore();
+        askToStopAndClose();
+        return;
+    }
     QMainWindow::closeEvent(event);
     if (event->isAccepted())
         Q_EMIT closed();
+}
+
+void MainWindow::askToStopAndClose()
+{
+    if (m_closeQuestion) {
+        m_closeQuestion->raise();
+        return;
+    }
+    m_closeQuestion = new QMessageBox(QMessageBox::Question, tr("Close"), tr("A script is running: stop it and close?"),
+                                      QMessageBox::Cancel, this);
+    const QPushButton* stop = m_closeQuestion->addButton(tr("Stop and Close"), QMessageBox::AcceptRole);
+    connect(stop, &QPushButton::clicked, this, [this] {
+        m_scriptRuns = false; // the question is answered
+        close();
+    });
+    openDialog(m_closeQuestion);
+}
+
+bool MainWindow::eventFilter(QObject* object, QEvent* event)
+{
+    // A dialog blocks the shortcuts of this window, but not this one.
+    if (event->type() == QEvent::KeyPress && m_stopScript && m_stopScript->isEnabled()) {
+        const auto* key = static_cast<QKeyEvent*>(event); // NOLINT(cppcoreguidelines-pro-type-static-cast-downcast)
+        if (key->key() == Qt::Key_Period && key->modifiers() == Qt::ControlModifier) {
+            m_stopScript->trigger();
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(object, event);
 }
 
 void MainWindow::changeEvent(QEvent* event)

@@ -2,6 +2,7 @@
 
 #include "ViewList.h"
 
+#include <QtCore/QPointer>
 #include <QtWidgets/QMainWindow>
 
 #include <map>
@@ -9,7 +10,10 @@
 class ImageView;
 class ImageWidget;
 class NotificationArea;
+class QDialog;
 class QLabel;
+class QMessageBox;
+class ScriptBar;
 
 /// The main window: menus, the views and a status line.
 class MainWindow : public QMainWindow
@@ -34,7 +38,13 @@ public:
     /// Shows a text for a few seconds in a corner and in the status line, after the texts that wait already.
     void showNotification(const QString& text);
 
-    /// Enables Stop Script while a script runs, and Run Script otherwise.
+    /// The bar that shows what the script does.
+    ScriptBar& scriptBar() const { return *m_scriptBar; }
+
+    /// True for a dialog that the user has opened from the menus; false for one of a script.
+    static bool isOwnDialog(const QDialog& dialog);
+
+    /// Enables Stop while a script runs, and Run Script otherwise.
     void setScriptRunning(bool running);
 
     /// Sets the name of the script language that the About box shows.
@@ -53,6 +63,7 @@ Q_SIGNALS:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void changeEvent(QEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
     void createFileMenu();
@@ -61,6 +72,9 @@ private:
     void createHelpMenu();
     void createStatusLine();
 
+    void openDialog(QDialog* dialog);
+    void warn(const QString& title, const QString& text);
+    void askToStopAndClose();
     void askForFilesToOpen();
     void askForFileToSave();
     void askForScript();
@@ -76,6 +90,9 @@ private:
     QAction* m_fullScreen = nullptr;
     QAction* m_runScript = nullptr;
     QAction* m_stopScript = nullptr;
+    ScriptBar* m_scriptBar = nullptr;
+    QPointer<QMessageBox> m_closeQuestion;
+    bool m_scriptRuns = false;
     QLabel* m_format = nullptr;
     QLabel* m_zoom = nullptr;
     QLabel* m_pixel = nullptr;

@@ -22,6 +22,9 @@ namespace {
 
 constexpr double zoomStep = 1.25;
 
+/// The property that marks the dialogs of this window.
+const char* const ownDialog = "vantrelOwnDialog";
+
 QString imageFilter()
 {
     QStringList patterns;
@@ -74,8 +77,8 @@ void MainWindow::createScriptMenu()
     menu->setToolTipsVisible(true);
     m_runScript =
         menu->addAction(tr("&Run Script..."), QKeySequence(Qt::CTRL | Qt::Key_R), this, &MainWindow::askForScript);
-    m_stopScript = menu->addAction(tr("&Stop Script"), QKeySequence(Qt::CTRL | Qt::Key_Period), this,
-                                   &MainWindow::scriptStopRequested);
+    m_stopScript =
+        menu->addAction(tr("&Stop"), QKeySequence(Qt::CTRL | Qt::Key_Period), this, &MainWindow::scriptStopRequested);
     menu->addSeparator();
 }
 
@@ -100,19 +103,44 @@ void MainWindow::createStatusLine()
 
 void MainWindow::setScriptRunning(bool running)
 {
+    m_scriptRuns = running;
+    if (!running && m_closeQuestion)
+        m_closeQuestion->reject();
     m_runScript->setEnabled(!running);
     m_stopScript->setEnabled(running);
 }
 
+bool MainWindow::isOwnDialog(const QDialog& dialog)
+{
+    return dialog.property(ownDialog).toBool();
+}
+
+/// Opens a dialog and returns at once: a script goes on meanwhile. The dialog answers by its signals.
+void MainWindow::openDialog(QDialog* dialog)
+{
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setProperty(ownDialog, true);
+    dialog->open();
+}
+
+void MainWindow::warn(const QString& title, const QString& text)
+{
+    openDialog(new QMessageBox(QMessageBox::Warning, title, text, QMessageBox::Ok, this));
+}
+
 void MainWindow::askForFilesToOpen()
 {
-    QStringList failed;
-    for (const QString& path : QFileDialog::getOpenFileNames(this, tr("Open Images"), {}, imageFilter()))
-        if (!m_views.openFile(path))
-            failed += path;
-    if (!failed.isEmpty())
-        QMessageBox::warning(this, tr("Open Images"),
-                             tr("Cannot open as an image:\n%1").arg(failed.join(QLatin1Char('\n'))));
+    auto* dialog = new QFileDialog(this, tr("Open Images"), {}, imageFilter());
+    dialog->setFileMode(QFileDialog::ExistingFiles);
+    connect(dialog, &QFileDialog::filesSelected, this, [this](const QStringList& paths) {
+        QStringList failed;
+        for (const QString& path : paths)
+            if (!m_views.openFile(path))
+                failed += path;
+        if (!failed.isEmpty())
+            warn(tr("Open Images"), tr("Cannot open as an image:\n%1").arg(failed.join(QLatin1Char('\n'))));
+    });
+    openDialog(dialog);
 }
 
 void MainWindow::askForFileToSave()
@@ -120,27 +148,34 @@ void MainWindow::askForFileToSave()
     const ImageView* active = m_views.active();
     if (!active || !active->image())
         return;
-    // Held here: while the dialog is open, the view may change or close.
-    const std::shared_ptr<CxImageData> image = active->image();
-    const QString path = QFileDialog::getSaveFileName(this, tr("Save Image"), active->windowTitle(), imageFilter());
-    if (!path.isEmpty() && !saveImageFile(*image, path))
-        QMessageBox::warning(this, tr("Save Image"), tr("Cannot save the image as\n%1").arg(path));
+    auto* dialog = new QFileDialog(this, tr("Save Image"), {}, imageFilter());
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->selectFile(active->windowTitle());
+    // The image is held: while the dialog is open, the view may change or close.
+    connect(dialog, &QFileDialog::fileSelected, this, [this, image = active->image()](const QString& path) {
+        if (!saveImageFile(*image, path))
+            warn(tr("Save Image"), tr("Cannot save the image as\n%1").arg(path));
+    });
+    openDialog(dialog);
 }
 
 void MainWindow::askForScript()
 {
-    const QString path = QFileDialog::getOpenFileName(this, tr("Run Script"), {}, tr("Scripts (*.py);;All files (*)"));
-    if (!path.isEmpty())
-        Q_EMIT scriptChosen(path);
+    auto* dialog = new QFileDialog(this, tr("Run Script"), {}, tr("Scripts (*.py);;All files (*)"));
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    connect(dialog, &QFileDialog::fileSelected, this, &MainWindow::scriptChosen);
+    openDialog(dialog);
 }
 
 void MainWindow::showAbout()
 {
-    QMessageBox::about(this, tr("About Vantrel"),
-                       tr("Vantrel %1\nA camera viewer that scripts can drive.\n\nScripts: %2\nQt %3")
-                           .arg(QCoreApplication::applicationVersion(),
-                                m_scriptLanguage.isEmpty() ? tr("none") : m_scriptLanguage,
-                                QString::fromLatin1(qVersion())));
+    const QString text =
+        tr("Vantrel %1\nA camera viewer that scripts can drive.\n\nScripts: %2\nQt %3")
+            .arg(QCoreApplication::applicationVersion(), m_scriptLanguage.isEmpty() ? tr("none") : m_scriptLanguage,
+                 QString::fromLatin1(qVersion()));
+    auto* box = new QMessageBox(QMessageBox::NoIcon, tr("About Vantrel"), text, QMessageBox::Ok, this);
+    box->setIconPixmap(windowIcon().pixmap(64, 64));
+    openDialog(box);
 }
 
 void MainWindow::showPixel(const ImageView& view, const QPoint& pixel)

@@ -1,43 +1,131 @@
 #include "ScriptConsole.h"
 
+#include <QtCore/QLocale>
 #include <QtGui/QFontDatabase>
 #include <QtGui/QTextCharFormat>
+#include <QtWidgets/QLabel>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QScrollBar>
+#include <QtWidgets/QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
-constexpr int maxLines = 10000;
+
+/// Text is shown at most 30 times a second. While it takes long, it is shown more rarely: the script must go on.
+constexpr int shortestPause = 34;
+constexpr int pauseFactor = 5;
+
+/// A longer line is broken: its layout would take too long.
+constexpr int longestLine = 4000;
+
+/// The end of a text, with at most that many lines. The other lines are counted.
+QString lastLines(const QString& text, int most, qint64& dropped)
+{
+    qsizetype begin = text.size();
+    for (int lines = 0; lines < most && begin > 0; ++lines)
+        begin = begin > 1 ? text.lastIndexOf(QLatin1Char('\n'), begin - 2) + 1 : 0;
+    dropped += QStringView(text).left(begin).count(QLatin1Char('\n'));
+    return text.mid(begin);
 }
+
+/// Breaks long lines. column is the length of the last line, before and after.
+QString broken(const QString& text, int& column)
+{
+    QString result;
+    result.reserve(text.size());
+    for (const QChar c : text) {
+        if (c == QLatin1Char('\n')) {
+            column = 0;
+        } else if (++column > longestLine) {
+            result += QLatin1Char('\n');
+            column = 1;
+        }
+        result += c;
+    }
+    return result;
+}
+
+} // namespace
 
 ScriptConsole::ScriptConsole(QWidget* parent)
     : QDockWidget(tr("Script Output"), parent)
+    , m_pause(shortestPause)
+    , m_droppedText(new QLabel)
     , m_text(new QPlainTextEdit)
 {
     setObjectName(QStringLiteral("scriptConsole"));
     m_text->setReadOnly(true);
-    m_text->setMaximumBlockCount(maxLines);
+    m_text->setUndoRedoEnabled(false);
+    m_text->setMaximumBlockCount(mostLines);
     m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    setWidget(m_text);
+    m_droppedText->setObjectName(QStringLiteral("droppedLines"));
+    m_droppedText->setContentsMargins(6, 2, 6, 2);
+    m_droppedText->hide();
+    auto* contents = new QWidget;
+    auto* layout = new QVBoxLayout(contents);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_droppedText);
+    layout->addWidget(m_text, 1);
+    setWidget(contents);
+    m_timer.setSingleShot(true);
+    connect(&m_timer, &QTimer::timeout, this, &ScriptConsole::showCollected);
     hide();
 }
 
-void ScriptConsole::appendOutput(const QString& text)
+void ScriptConsole::addOutput(const QString& text)
 {
-    append(text, palette().color(QPalette::Text));
+    if (!text.isEmpty() && m_collector.add(text))
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                if (!m_timer.isActive())
+                    m_timer.start(m_pause);
+            },
+            Qt::QueuedConnection);
 }
 
-void ScriptConsole::appendError(const QString& text)
+void ScriptConsole::appendErrors(const QString& text)
 {
-    append(text, Qt::red);
+    showCollected();
+    if (!text.isEmpty())
+        append(text, Qt::red);
+}
+
+void ScriptConsole::showCollected()
+{
+    m_timer.stop();
+    const OutputCollector::Text collected = m_collector.take();
+    if (collected.text.isEmpty())
+        return;
+    QElapsedTimer clock;
+    clock.start();
+    noteDropped(collected.droppedLines);
+    append(collected.text, palette().color(QPalette::Text));
+    m_pause = int(std::max<qint64>(shortestPause, pauseFactor * clock.elapsed()));
 }
 
 void ScriptConsole::append(const QString& text, const QColor& color)
 {
+    qint64 dropped = 0;
+    const QString shown = lastLines(broken(text, m_column), mostLines, dropped);
+    const qint64 lines = m_text->blockCount() + QStringView(shown).count(QLatin1Char('\n'));
     QTextCharFormat format;
     format.setForeground(color);
     QTextCursor end(m_text->document());
     end.movePosition(QTextCursor::End);
-    end.insertText(text, format);
+    end.insertText(shown, format);
+    noteDropped(dropped + std::max<qint64>(0, lines - m_text->blockCount()));
     m_text->verticalScrollBar()->setValue(m_text->verticalScrollBar()->maximum());
     show();
+}
+
+void ScriptConsole::noteDropped(qint64 lines)
+{
+    m_dropped += lines;
+    if (m_dropped == 0)
+        return;
+    m_droppedText->setText(tr("%1 earlier lines were dropped.").arg(QLocale().toString(m_dropped)));
+    m_droppedText->show();
 }

@@ -1,0 +1,241 @@
+// A pending error alone does not end a script that swallows errors in a loop. A trace function raises again at each
+// line, and so takes one block after another off the stack. The interpreter keeps a trace function that was set with
+// PyEval_SetTrace(), even if the function raises.
+
+#include "InterpreterCalls.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+#include <dlfcn.h>
+
+namespace {
+
+using Object = void; ///< an object of the interpreter
+using TraceFunction = int (*)(Object*, Object*, int, Object*);
+
+// The interpreter's event numbers.
+enum Event : int { Call = 0, Exception = 1, Line = 2, Return = 3, Opcode = 7 };
+
+template<typename Signature>
+Signature* function(const char* name)
+{
+    return reinterpret_cast<Signature*>(dlsym(RTLD_DEFAULT, name));
+}
+
+/// The functions that this file needs. Looked up at each use, which is rare: a script may start the interpreter later.
+struct Interpreter {
+    int (*isInitialized)() = function<int()>("Py_IsInitialized");
+    void (*release)(Object*) = function<void(Object*)>("Py_DecRef");
+    Object* (*attribute)(Object*, const char*) = function<Object*(Object*, const char*)>("PyObject_GetAttrString");
+    Object* (*call)(Object*, Object*) = function<Object*(Object*, Object*)>("PyObject_CallObject");
+    void (*retain)(Object*) = function<void(Object*)>("Py_IncRef");
+    void (*setObject)(Object*, Object*) = function<void(Object*, Object*)>("PyErr_SetObject");
+    void (*clear)() = function<void()>("PyErr_Clear");
+    int (*checkSignals)() = function<int()>("PyErr_CheckSignals");
+    void (*setCause)(Object*, Object*) = function<void(Object*, Object*)>("PyException_SetCause");
+    void (*setTrace)(TraceFunction, Object*) = function<void(TraceFunction, Object*)>("PyEval_SetTrace");
+    long (*asLong)(Object*) = function<long(Object*)>("PyLong_AsLong");
+    Object* (*asBytes)(Object*) = function<Object*(Object*)>("PyUnicode_AsUTF8String");
+    const char* (*bytes)(Object*) = function<const char*(Object*)>("PyBytes_AsString");
+    Object** interrupt = static_cast<Object**>(dlsym(RTLD_DEFAULT, "PyExc_KeyboardInterrupt"));
+    Object* none = dlsym(RTLD_DEFAULT, "_Py_NoneStruct");
+
+    bool isThere() const
+    {
+        return isInitialized && isInitialized() && release && attribute && call && retain && setObject && clear &&
+               checkSignals && setCause && setTrace && asLong && asBytes && bytes && interrupt && none;
+    }
+};
+
+const Interpreter& interpreter()
+{
+    static const Interpreter functions; // first used when the interpreter runs
+    return functions;
+}
+
+bool isInterpreterThere()
+{
+    // The library may be loaded after the first question, so that is asked without remembering the answer.
+    const auto isInitialized = function<int()>("Py_IsInitialized");
+    return isInitialized && isInitialized() && interpreter().isThere();
+}
+
+/// The error of raiseAtEveryLine(). One object for all lines, so that its traceback tells no chain of errors.
+Object* theError = nullptr;
+
+/// Where the latest error arose. The frame is not owned; it is only compared.
+struct Origin {
+    Object* frame = nullptr;
+    long line = 0;
+};
+Origin origin;
+
+/// How many exits of `with` statements may still run: a loop with all its statements on one line looks like an exit.
+int exitsLeft = 0;
+constexpr int mostExits = 1000;
+
+long lineOf(Object* frame)
+{
+    const Interpreter& python = interpreter();
+    Object* number = python.attribute(frame, "f_lineno");
+    const long line = number ? python.asLong(number) : 0;
+    python.clear();
+    python.release(number);
+    return line;
+}
+
+/// The name of a frame's function and the end of its file's name.
+bool isFunction(Object* frame, std::string_view function, std::string_view file)
+{
+    const Interpreter& python = interpreter();
+    Object* code = python.attribute(frame, "f_code");
+    bool is = code != nullptr;
+    for (const auto& [attribute, end] : {std::pair("co_name", function), std::pair("co_filename", file)}) {
+        Object* name = is ? python.attribute(code, attribute) : nullptr;
+        Object* text = name ? python.asBytes(name) : nullptr;
+        is = text && std::string_view(python.bytes(text)).ends_with(end);
+        python.release(text);
+        python.release(name);
+    }
+    python.clear();
+    python.release(code);
+    return is;
+}
+
+/// Whether later runs or other threads wait for the frame's code, for example for the lock of a module under import.
+/// Such code swallows no error and ends by itself.
+bool mustComplete(Object* frame)
+{
+    constexpr std::array<std::string_view, 3> files = {"<frozen importlib", "/threading.py", "/concurrent/futures/"};
+    const Interpreter& python = interpreter();
+    Object* code = python.attribute(frame, "f_code");
+    Object* name = code ? python.attribute(code, "co_filename") : nullptr;
+    Object* text = name ? python.asBytes(name) : nullptr;
+    python.clear();
+    const std::string_view file = text ? python.bytes(text) : "";
+    const bool found = std::any_of(files.begin(), files.end(),
+                                   [file](std::string_view part) { return file.find(part) != std::string_view::npos; });
+    for (Object* object : {code, name, text})
+        python.release(object);
+    return found;
+}
+
+/// Whether the event leads from an error to the `__exit__` of a `with` statement, which must run to free its lock or
+/// file. Handlers and `finally` blocks stand below the line that failed; a `with` statement does not.
+bool leadsToExit(Object* frame, int event)
+{
+    if (event != Line || frame != origin.frame)
+        return false;
+    const long line = lineOf(frame);
+    if (line > origin.line || exitsLeft-- <= 0)
+        return false;
+    origin.line = line; // the error propagates from here to the enclosing statement
+    return true;
+}
+
+bool isOutermost(Object* frame)
+{
+    const Interpreter& python = interpreter();
+    Object* back = python.attribute(frame, "f_back");
+    const bool outermost = back == python.none;
+    python.clear();
+    python.release(back);
+    return outermost;
+}
+
+void endTracing()
+{
+    const Interpreter& python = interpreter();
+    python.setTrace(nullptr, nullptr);
+    Object* error = theError;
+    theError = nullptr;
+    python.release(error);
+}
+
+int raiseAgain(Object* /*unused*/, Object* frame, int event, Object* /*detail*/)
+{
+    if (!theError)
+        return 0;
+    if (event == Exception)
+        origin = {frame, lineOf(frame)};
+    if (event == Return && isOutermost(frame)) {
+        endTracing(); // what comes after the script, for example finalisers, works as usual
+        return 0;
+    }
+    if ((event != Call && event != Line && event != Opcode) || mustComplete(frame) ||
+        InterpreterCalls::isDelicate(frame) || leadsToExit(frame, event))
+        return 0;
+    interpreter().setObject(*interpreter().interrupt, theError);
+    return -1;
+}
+
+} // namespace
+
+bool InterpreterCalls::isNone(const void* object)
+{
+    return isInterpreterThere() && object == interpreter().none;
+}
+
+bool InterpreterCalls::isDelicate(void* frame)
+{
+    if (!isInterpreterThere())
+        return false;
+    const Interpreter& python = interpreter();
+    constexpr int deepest = 20; // calls below the finaliser or the start of a program
+    bool found = false;
+    python.retain(frame);
+    for (int i = 0; i < deepest && frame && frame != python.none && !found; ++i) {
+        found = isFunction(frame, "__del__", "") || isFunction(frame, "__init__", "/subprocess.py") ||
+                isFunction(frame, "_execute_child", "/subprocess.py");
+        Object* back = python.attribute(frame, "f_back");
+        python.release(frame);
+        frame = back;
+    }
+    python.clear();
+    python.release(frame);
+    return found;
+}
+
+void InterpreterCalls::raiseKeyboardInterrupt()
+{
+    if (!isInterpreterThere())
+        return;
+    const Interpreter& python = interpreter();
+    Object* error = python.call(*python.interrupt, nullptr);
+    if (!error)
+        return; // out of memory: that error ends the script
+    python.setCause(error, nullptr);
+    python.setObject(*python.interrupt, error);
+    python.release(error);
+}
+
+void InterpreterCalls::raiseAtEveryLine()
+{
+    if (!isInterpreterThere())
+        return;
+    const Interpreter& python = interpreter();
+    if (!theError) {
+        theError = python.call(*python.interrupt, nullptr);
+        if (!theError)
+            return;                         // out of memory: that error ends the script
+        python.setCause(theError, nullptr); // hides the errors that the script was handling
+        origin = {};
+        exitsLeft = mostExits;
+        python.setTrace(raiseAgain, nullptr);
+    }
+    python.setObject(*python.interrupt, theError);
+}
+
+void InterpreterCalls::dropPendingSignals()
+{
+    if (!isInterpreterThere())
+        return;
+    if (theError)
+        endTracing();
+    constexpr int mostErrors = 10; // one for each signal that a script may handle in a way that raises
+    for (int i = 0; i < mostErrors && interpreter().checkSignals() != 0; ++i)
+        interpreter().clear();
+}

@@ -1,0 +1,27 @@
+#pragma once
+
+/// The few functions of the interpreter that the viewer calls itself. They are found by name at run time, since the
+/// viewer works with any plugin; without an interpreter in the process each does nothing.
+///
+/// All are called on the thread that runs scripts, while no other thread executes Python code.
+namespace InterpreterCalls {
+
+/// Whether an object is None.
+bool isNone(const void* object);
+
+/// Whether an error raised in a frame would be lost or leave something behind: in a finaliser, whose errors the
+/// interpreter only reports, and while a program is being started, which would run on.
+bool isDelicate(void* frame);
+
+/// Sets KeyboardInterrupt as the pending error. Its traceback does not tell which error the script was handling.
+void raiseKeyboardInterrupt();
+
+/// Sets KeyboardInterrupt as the pending error, and again at each line and call that the script executes then, until
+/// the script has ended.
+void raiseAtEveryLine();
+
+/// Ends raiseAtEveryLine(). Handles the signals that the interpreter has noted but not handled, and drops the errors
+/// they raise.
+void dropPendingSignals();
+
+} // namespace InterpreterCalls

@@ -1,0 +1,79 @@
+#include "RunState.h"
+
+#include "ScriptInterrupt.h"
+
+namespace {
+constexpr int updateMilliseconds = 250;
+}
+
+RunState::RunState(ScriptInterrupt& interrupt)
+    : m_interrupt(interrupt)
+{
+    m_timer.setInterval(updateMilliseconds);
+    connect(&m_timer, &QTimer::timeout, this, &RunState::update);
+    // Ctrl-C in the terminal is shown like a stop.
+    connect(&interrupt, &ScriptInterrupt::interrupted, this, [this] {
+        if (isRunning() && !m_sinceStop.isValid())
+            m_sinceStop.start();
+        update();
+    });
+}
+
+void RunState::begin(const QString& name)
+{
+    m_name = name;
+    m_clock.start();
+    m_sinceStop.invalidate();
+    m_timer.start();
+    show(ScriptState::Running);
+}
+
+void RunState::end(const QString& result)
+{
+    m_timer.stop();
+    m_interrupt.stopNextRun(false);
+    const bool stopped = ScriptInterrupt::wasInterrupted() && result.contains(QStringLiteral("\nKeyboardInterrupt"));
+    show(stopped ? ScriptState::Stopped : result.isEmpty() ? ScriptState::Finished : ScriptState::Failed);
+    m_clock.invalidate();
+    m_sinceStop.invalidate();
+}
+
+void RunState::stop()
+{
+    if (!isRunning())
+        return;
+    if (!m_sinceStop.isValid())
+        m_sinceStop.start();
+    if (ScriptInterrupt::currentRun() != 0)
+        m_interrupt.interruptScript();
+    else
+        m_interrupt.stopNextRun(true);
+    update();
+}
+
+void RunState::stopForGood()
+{
+    if (!isRunning())
+        return;
+    m_sinceStop.start();
+    m_interrupt.stopForGood(ScriptInterrupt::currentRun());
+    update();
+}
+
+void RunState::update()
+{
+    if (!isRunning())
+        return;
+    if (!m_sinceStop.isValid())
+        show(ScriptState::Running);
+    else if (m_sinceStop.elapsed() < patience)
+        show(ScriptState::StopRequested);
+    else
+        show(ScriptInterrupt::isStopPending() ? ScriptState::Uninterruptible : ScriptState::StopCaught);
+}
+
+void RunState::show(ScriptState state)
+{
+    m_state = state;
+    Q_EMIT changed(state, m_name, double(m_clock.elapsed()) / 1000);
+}

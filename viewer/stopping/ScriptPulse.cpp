@@ -1,0 +1,235 @@
+#include "ScriptPulse.h"
+
+#include "InterpreterCalls.h"
+#include "ScriptInterrupt.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDebug>
+#include <QtCore/QElapsedTimer>
+#include <QtCore/QScopedValueRollback>
+#include <QtCore/QThread>
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <poll.h>
+#include <pthread.h>
+#include <sys/eventfd.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int pulseSignal = SIGURG;
+
+// Milliseconds. The first is the time between two pulses.
+constexpr int interval = 30;
+constexpr int longestRepetition = 1000;
+
+ScriptPulse* thePulse = nullptr;
+pid_t viewerProcess = 0;
+
+// The signal handler and the thread that sends the signal use these.
+struct sigaction interpreterAction = {};
+std::atomic<pthread_t> scriptThread = {};
+std::atomic<bool> beats = false;       ///< a script runs on the GUI thread
+std::atomic<bool> outstanding = false; ///< the interpreter has not handled the latest pulse
+std::atomic<int> latestServiceMs = 0;  ///< how long the viewer's work at the latest pulse took
+
+// Only the script's thread uses these.
+int scriptLoopLevel = 0;
+bool isServing = false;
+
+void handlePulse(int number, siginfo_t* info, void* context)
+{
+    const int savedError = errno;
+    if (interpreterAction.sa_flags & SA_SIGINFO)
+        interpreterAction.sa_sigaction(number, info, context);
+    else
+        interpreterAction.sa_handler(number);
+    errno = savedError;
+}
+
+bool isOurs(const struct sigaction& action)
+{
+    return (action.sa_flags & SA_SIGINFO) && action.sa_sigaction == handlePulse;
+}
+
+bool isHandlerInPlace()
+{
+    struct sigaction current = {};
+    return sigaction(pulseSignal, nullptr, &current) == 0 && isOurs(current);
+}
+
+/// True if events may be processed: not from within the processing of events, and not while an event loop that the
+/// script has started processes them.
+bool mayProcessEvents()
+{
+    return beats && !isServing && QThread::currentThread() == QCoreApplication::instance()->thread() &&
+           QThread::currentThread()->loopLevel() == scriptLoopLevel;
+}
+
+void processEvents()
+{
+    const QScopedValueRollback serving(isServing, true);
+    QElapsedTimer clock;
+    clock.start();
+    try {
+        QCoreApplication::processEvents();
+    } catch (const std::exception& error) {
+        qCritical() << "An exception in the viewer while a script ran:" << error.what();
+    }
+    latestServiceMs = int(std::min<qint64>(clock.elapsed(), longestRepetition));
+}
+
+/// The interpreter calls this as the handler of the signal, with the signal's number and the current frame.
+void serve(int /*number*/, void* frame) noexcept
+{
+    if (getpid() != viewerProcess || !QCoreApplication::instance())
+        return; // a forked child
+    // Without a frame the script has ended, and the interpreter writes its traceback: an error would spoil that.
+    if (InterpreterCalls::isNone(frame))
+        return;
+    if (mayProcessEvents())
+        processEvents();
+    outstanding = false;
+    if (beats && ScriptInterrupt::isStopPending() && !ScriptInterrupt::isForGood() &&
+        InterpreterCalls::isDelicate(frame))
+        return; // the next pulse asks again
+    switch (ScriptInterrupt::takeOrder()) {
+    case ScriptInterrupt::Order::Continue:
+        break;
+    case ScriptInterrupt::Order::Interrupt:
+        InterpreterCalls::raiseKeyboardInterrupt();
+        break;
+    case ScriptInterrupt::Order::InterruptEveryLine:
+        InterpreterCalls::raiseAtEveryLine();
+        break;
+    }
+}
+
+} // namespace
+
+ScriptPulse::ScriptPulse(const QString& folder)
+    : m_folder(folder)
+    , m_wakeFd(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
+{
+    viewerProcess = getpid();
+    thePulse = this;
+    // The thread handles no signal: signals of the process are for the others.
+    sigset_t all = {};
+    sigset_t before = {};
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    m_thread = std::thread([this] { beat(); });
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+ScriptPulse::~ScriptPulse()
+{
+    thePulse = nullptr;
+    beats = false;
+    m_ends = true;
+    const std::uint64_t end = 1;
+    [[maybe_unused]] const ssize_t written = write(m_wakeFd, &end, sizeof end);
+    m_thread.join();
+    close(m_wakeFd);
+    if (isHandlerInPlace())
+        signal(pulseSignal, SIG_DFL);
+}
+
+ScriptPulse* ScriptPulse::instance()
+{
+    return thePulse;
+}
+
+QString ScriptPulse::preparation() const
+{
+    if (isHandlerInPlace())
+        return {};
+    QString folder = m_folder;
+    folder.replace(QLatin1Char('\\'), QStringLiteral("\\\\")).replace(QLatin1Char('\''), QStringLiteral("\\'"));
+    // No byte code is written: nothing would remove it from the folder when the package is removed.
+    return QStringLiteral("import sys\n"
+                          "kept = sys.dont_write_bytecode\n"
+                          "sys.dont_write_bytecode = True\n"
+                          "sys.path.insert(0, '%1')\n"
+                          "try:\n"
+                          "    import vantrel_viewer\n"
+                          "finally:\n"
+                          "    sys.path.remove('%1')\n"
+                          "    sys.dont_write_bytecode = kept\n"
+                          "vantrel_viewer.handle_pulses(%2, %3)\n")
+        .arg(folder)
+        .arg(pulseSignal)
+        .arg(reinterpret_cast<quintptr>(&serve));
+}
+
+void ScriptPulse::prepared()
+{
+    struct sigaction current = {};
+    if (sigaction(pulseSignal, nullptr, &current) != 0 || isOurs(current))
+        return;
+    if (!(current.sa_flags & SA_SIGINFO) && (current.sa_handler == SIG_DFL || current.sa_handler == SIG_IGN))
+        return;
+    interpreterAction = current;
+    struct sigaction action = {};
+    action.sa_sigaction = handlePulse;
+    action.sa_flags = SA_SIGINFO; // without SA_RESTART: a read or a lock that waits must notice the signal
+    sigemptyset(&action.sa_mask);
+    sigaction(pulseSignal, &action, nullptr);
+}
+
+void ScriptPulse::scriptStarted()
+{
+    scriptThread = pthread_self();
+    outstanding = false;
+    latestServiceMs = 0;
+    const QThread* thread = QThread::currentThread();
+    if (thread != QCoreApplication::instance()->thread() || !isHandlerInPlace())
+        return;
+    scriptLoopLevel = thread->loopLevel();
+    beats = true;
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(m_wakeFd, &one, sizeof one);
+}
+
+void ScriptPulse::scriptEnded()
+{
+    beats = false;
+}
+
+bool ScriptPulse::send()
+{
+    return isHandlerInPlace() && pthread_kill(scriptThread, pulseSignal) == 0;
+}
+
+// A pulse is not repeated while the interpreter has not handled it: a call of a C library is interrupted once, and a
+// fork of a large process, which starts again when a signal comes, gets time to end. It is repeated ever more rarely,
+// since a pulse that comes just before a system call does not interrupt the call.
+void ScriptPulse::beat()
+{
+    int untilRepetition = 0;
+    int repetition = 0;
+    while (!m_ends) {
+        const int pause = std::max(interval, int(latestServiceMs));
+        pollfd wake = {m_wakeFd, POLLIN, 0};
+        const bool woken = poll(&wake, 1, beats ? pause : -1) > 0;
+        if (woken) {
+            std::uint64_t count = 0;
+            [[maybe_unused]] const ssize_t got = read(m_wakeFd, &count, sizeof count);
+            continue; // a script has started: it gets the first pause without a pulse
+        }
+        if (!beats)
+            continue;
+        if (!outstanding.exchange(true)) {
+            repetition = 2 * interval;
+            untilRepetition = repetition;
+            send();
+        } else if ((untilRepetition -= pause) <= 0) {
+            repetition = std::min(2 * repetition, longestRepetition);
+            untilRepetition = repetition;
+            send();
+        }
+    }
+}
