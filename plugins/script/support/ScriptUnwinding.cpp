@@ -85,40 +85,37 @@ bool mustComplete(PyObject* frame)
                        [file](std::string_view part) { return file.find(part) != std::string_view::npos; });
 }
 
-/// Whether the frame has reached the first instruction of a line. Before 3.10 the call of an `__exit__` after an error
-/// belongs to the last line of the `with` statement, and 3.9 may report that line in its middle. 3.11 and newer never
-/// do.
-bool isAtBeginOfLine(PyObject* frame)
+/// Whether the frame is about to call the `__exit__` of a `with` statement after an error. Before 3.11 this call
+/// belongs to the last line of the statement, and 3.9 may report that line. 3.11 and newer report no line there.
+bool isAtExitCall(PyObject* frame)
 {
-    if (fx_interpreterVersion() != 0)
-        return true;
+    if (fx_interpreterVersion() != 0) // 3.11 or newer
+        return false;
+    constexpr unsigned char withCleanupStart = 81; // the instruction in 3.8
+    constexpr unsigned char withExceptStart = 49;  // and in 3.9 and 3.10
     const PyRef code = PyRef::take(PyObject_GetAttrString(frame, "f_code"));
-    const PyRef table = code ? PyRef::take(PyObject_GetAttrString(code.get(), "co_lnotab")) : PyRef();
+    const PyRef instructions = code ? PyRef::take(PyObject_GetAttrString(code.get(), "co_code")) : PyRef();
     const PyRef reached = PyRef::take(PyObject_GetAttrString(frame, "f_lasti"));
-    const long instruction = reached ? PyLong_AsLong(reached.get()) : 0;
+    const long position = reached ? PyLong_AsLong(reached.get()) : -1;
     char* bytes = nullptr;
     Py_ssize_t size = 0;
-    if (table)
-        PyBytes_AsStringAndSize(table.get(), &bytes, &size);
+    if (instructions)
+        PyBytes_AsStringAndSize(instructions.get(), &bytes, &size);
     PyErr_Clear();
-    // Pairs: how many bytes of instructions to go on, and how many lines.
-    long begin = 0;
-    for (Py_ssize_t i = 0; i + 1 < size && begin < instruction; i += 2) {
-        begin += static_cast<unsigned char>(bytes[i]);
-        if (begin == instruction && bytes[i + 1] != 0)
-            return true;
-    }
-    return instruction == 0 || !bytes;
+    if (position < 0 || position >= size)
+        return false;
+    const auto instruction = static_cast<unsigned char>(bytes[position]);
+    return instruction == withCleanupStart || instruction == withExceptStart;
 }
 
 /// Whether the event leads from an error to the `__exit__` of a `with` statement, which must run to free its lock or
-/// file. Handlers and `finally` blocks begin a line below the line that failed; a `with` statement does not.
+/// file. Handlers and `finally` blocks stand below the line that failed; a `with` statement does not.
 bool leadsToExit(PyObject* frame, int event)
 {
     if (event != Line || frame != origin.frame)
         return false;
     const long line = lineOf(frame);
-    if ((line > origin.line && isAtBeginOfLine(frame)) || exitsLeft-- <= 0)
+    if ((line > origin.line && !isAtExitCall(frame)) || exitsLeft-- <= 0)
         return false;
     origin.line = line; // the error propagates from here to the enclosing statement
     return true;
