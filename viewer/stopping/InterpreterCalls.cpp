@@ -4,8 +4,11 @@
 
 #include "InterpreterCalls.h"
 
+#include <QtCore/QtGlobal>
+
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -37,6 +40,11 @@ struct Interpreter {
     int (*checkSignals)() = function<int()>("PyErr_CheckSignals");
     void (*setCause)(Object*, Object*) = function<void(Object*, Object*)>("PyException_SetCause");
     void (*setTrace)(TraceFunction, Object*) = function<void(TraceFunction, Object*)>("PyEval_SetTrace");
+    // The name since 3.13, and the one before.
+    Object* (*currentState)() = function<Object*()>("PyThreadState_GetUnchecked");
+    Object* (*currentStateBefore313)() = function<Object*()>("_PyThreadState_UncheckedGet");
+    int (*ensureState)() = function<int()>("PyGILState_Ensure");
+    void (*releaseState)(int) = function<void(int)>("PyGILState_Release");
     long (*asLong)(Object*) = function<long(Object*)>("PyLong_AsLong");
     Object* (*asBytes)(Object*) = function<Object*(Object*)>("PyUnicode_AsUTF8String");
     const char* (*bytes)(Object*) = function<const char*(Object*)>("PyBytes_AsString");
@@ -46,7 +54,8 @@ struct Interpreter {
     bool isThere() const
     {
         return isInitialized && isInitialized() && release && attribute && call && retain && setObject && clear &&
-               checkSignals && setCause && setTrace && asLong && asBytes && bytes && interrupt && none;
+               checkSignals && setCause && setTrace && asLong && asBytes && bytes && interrupt && none &&
+               (currentState || currentStateBefore313) && ensureState && releaseState;
     }
 };
 
@@ -62,6 +71,27 @@ bool isInterpreterThere()
     const auto isInitialized = function<int()>("Py_IsInitialized");
     return isInitialized && isInitialized() && interpreter().isThere();
 }
+
+/// Gives the calling thread a thread state while the object lives. From 3.12 on a thread has one only during a run.
+class ThreadState
+{
+public:
+    ThreadState()
+    {
+        const Interpreter& python = interpreter();
+        if (!(python.currentState ? python.currentState() : python.currentStateBefore313()))
+            m_ensured = python.ensureState();
+    }
+    ~ThreadState()
+    {
+        if (m_ensured)
+            interpreter().releaseState(*m_ensured);
+    }
+    Q_DISABLE_COPY_MOVE(ThreadState)
+
+private:
+    std::optional<int> m_ensured;
+};
 
 /// The error of raiseAtEveryLine(). One object for all lines, so that its traceback tells no chain of errors.
 Object* theError = nullptr;
@@ -157,8 +187,10 @@ void endTracing()
 
 int raiseAgain(Object* /*unused*/, Object* frame, int event, Object* /*detail*/)
 {
-    if (!theError)
+    if (!theError) { // the script ended without its outermost frame
+        interpreter().setTrace(nullptr, nullptr);
         return 0;
+    }
     if (event == Exception)
         origin = {frame, lineOf(frame)};
     if (event == Return && isOutermost(frame)) {
@@ -233,6 +265,7 @@ void InterpreterCalls::dropPendingSignals()
 {
     if (!isInterpreterThere())
         return;
+    const ThreadState state;
     if (theError)
         endTracing();
     constexpr int mostErrors = 10; // one for each signal that a script may handle in a way that raises
