@@ -23,8 +23,8 @@ constexpr double largestSigma = 50.0; // pixels; larger ones take seconds per im
 class Settings
 {
 public:
-    Settings(QDomElement conf, QString stage)
-        : m_conf(std::move(conf))
+    Settings(const QDomElement& conf, QString stage)
+        : m_conf(conf)
         , m_stage(std::move(stage))
     {
     }

@@ -8,6 +8,7 @@
 #include "window/MainWindow.h"
 
 #include <QtCore/QThread>
+#include <QtCore/QThreadStorage>
 
 namespace {
 
@@ -159,9 +160,10 @@ CxImageData* ApplicationDelegate::viewImage(int id)
         m_lent = std::move(image);
         return m_lent.get();
     }
-    thread_local std::shared_ptr<CxImageData> lent;
-    lent = std::move(image);
-    return lent.get();
+    // Not thread_local: the image must be gone when QThread::wait returns.
+    static QThreadStorage<std::shared_ptr<CxImageData>> lent;
+    lent.setLocalData(std::move(image));
+    return lent.localData().get();
 }
 
 void ApplicationDelegate::playSound(const QString& path)
