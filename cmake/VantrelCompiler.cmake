@@ -17,8 +17,10 @@ else()
     add_link_options(-Wl,--no-undefined)
 endif()
 
-# Optional: makes repeated builds faster.
+# Optional: makes repeated builds faster, also those in another checkout. Paths below the checkout are hashed as relative
+# ones; the folder itself is not hashed, although it stands in the debug information.
 find_program(VANTREL_CCACHE ccache)
 if(VANTREL_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${VANTREL_CCACHE}")
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_BASEDIR=${CMAKE_SOURCE_DIR}" CCACHE_NOHASHDIR=yes
+        "${VANTREL_CCACHE}")
 endif()

@@ -161,7 +161,7 @@ explain_build_failure() {
         fail "the compiler ran out of memory; build with one job at a time: CMAKE_BUILD_PARALLEL_LEVEL=1 ./vantrel build ($log has the full output)"
     fi
     lines=$(grep -E -A6 '(^|[^[:alnum:]])(fatal )?error: |CMake Error|undefined reference|multiple definition|cannot find ' "$log" |
-        grep -v '^ninja: \|^FAILED: \|^/usr/bin/c++ \|^/usr/bin/ccache \|^\[[0-9]*/[0-9]*\] ' | head -n 40) || true
+        grep -v '^ninja: \|^FAILED: \|^/usr/bin/c++ \|^/usr/bin/ccache \|^/usr/bin/cmake -E env \|^\[[0-9]*/[0-9]*\] ' | head -n 40) || true
     printf '%s\n' "${lines:-$(tail -n 20 "$log")}" >&2
     fail "building failed; the lines above say why. Correct what they name, then run the same command again ($log has the full output)"
 }
