@@ -10,6 +10,7 @@ int openViewer(const ViewOptions& options)
 {
     Viewer::Settings settings;
     settings.showsOutput = true;
+    settings.exitEndsScript = true;
     Viewer viewer(settings);
     // The viewer is useful even if it cannot run scripts.
     if (const QString problem = viewer.loadScripting(); !problem.isEmpty()) {

@@ -2,10 +2,12 @@
 
 #include "process/ProcessExit.h"
 #include "process/StandardStreams.h"
+#include "process/UnwrittenErrors.h"
 #include "scripting/ScriptEnvironment.h"
 #include "scripting/ScriptFile.h"
 #include "scripting/ScriptQueue.h"
 #include "scripting/ScriptRunner.h"
+#include "stopping/PythonSide.h"
 #include "stopping/ScriptPulse.h"
 #include "views/ImageView.h"
 #include "window/ScriptBar.h"
@@ -63,8 +65,15 @@ Viewer::Viewer(const Settings& settings)
         m_console = new ScriptConsole(&m_window);
         m_window.addDockWidget(Qt::BottomDockWidgetArea, m_console);
         m_console->hide();
-        m_pulse = std::make_unique<ScriptPulse>(pythonFolder());
     }
+    m_exit = std::make_unique<ProcessExit>(ProcessExit::Hooks{.complete = [this] { completeFiles(); },
+                                                              .interruptScript =
+                                                                  [] {
+                                                                      if (ScriptInterrupt::currentRun() != 0)
+                                                                          ScriptPulse::send();
+                                                                  }});
+    m_python = std::make_unique<PythonSide>(pythonFolder(), m_settings.exitEndsScript);
+    m_pulse = std::make_unique<ScriptPulse>(m_settings.showsOutput);
     m_scripts = std::make_unique<ScriptQueue>(
         std::make_unique<ScriptRunner>(m_settings.pythonHome, [this](const QString& text) { passOutput(text); }),
         m_settings.scriptsOnOwnThread);
@@ -81,20 +90,17 @@ Viewer::Viewer(const Settings& settings)
     connect(&m_window, &MainWindow::closed, this, &Viewer::quitAfterScript);
     connect(&m_interrupt, &ScriptInterrupt::interrupted, this, dismissDialogs);
     connect(&m_interrupt, &ScriptInterrupt::interruptedWhileIdle, this, &Viewer::closeUnlessBusy);
-
-    ProcessExit::prepare([this] {
-        for (const int id : m_window.views().ids())
-            m_window.views().view(id)->stopVideoRecording();
-    });
 }
 
 Viewer::~Viewer()
 {
-    ProcessExit::prepare(nullptr);
+    ProcessExit::complete();
     m_window.disconnect(this);
     m_delegate.endCalls();
     m_scripts.reset();
     m_pulse.reset();
+    m_python.reset();
+    m_exit.reset();
 }
 
 QString Viewer::loadScripting()
@@ -126,18 +132,25 @@ void Viewer::runFile(const QString& path)
 void Viewer::passOutput(const QString& text)
 {
     writeAll(STDOUT_FILENO, text.toUtf8());
-    if (m_console)
+    if (m_console && !ProcessExit::isForkedChild())
         m_console->addOutput(text);
 }
 
 void Viewer::noteRunEnd(const QString& result)
 {
+    UnwrittenErrors::forget();
     writeAll(STDERR_FILENO, result.toUtf8());
     if (m_console)
         m_console->appendErrors(result);
     m_delegate.releaseImage();
     m_window.setScriptRunning(m_scripts->isBusy());
     m_runState.end(result);
+}
+
+void Viewer::completeFiles()
+{
+    for (const int id : m_window.views().ids())
+        m_window.views().view(id)->stopVideoRecording();
 }
 
 void Viewer::closeUnlessBusy()

@@ -7,6 +7,8 @@
 
 #include <memory>
 
+class ProcessExit;
+class PythonSide;
 class ScriptConsole;
 class ScriptEnvironment;
 class ScriptPulse;
@@ -23,7 +25,8 @@ public:
         QString workingDirectory; ///< of all scripts; empty: each script's own folder
         bool showsOutput =
             false; ///< whether the window is shown: it then shows what scripts print, and works meanwhile
-        int simulatedCameras = 2; ///< number of simulated cameras to open
+        bool exitEndsScript = false; ///< whether an uncaught SystemExit ends its script and not the process
+        int simulatedCameras = 2;    ///< number of simulated cameras to open
     };
 
     explicit Viewer(const Settings& settings);
@@ -47,15 +50,18 @@ public:
 private:
     void passOutput(const QString& text);
     void noteRunEnd(const QString& result);
+    void completeFiles();
     void closeUnlessBusy();
     void quitAfterScript();
 
     Settings m_settings;
     ScriptInterrupt m_interrupt;
     RunState m_runState{m_interrupt};
+    std::unique_ptr<PythonSide> m_python;
     std::unique_ptr<ScriptPulse> m_pulse;
     MainWindow m_window;
     ApplicationDelegate m_delegate;
     ScriptConsole* m_console = nullptr;
+    std::unique_ptr<ProcessExit> m_exit;
     std::unique_ptr<ScriptQueue> m_scripts; // destroyed first: scripts use all the other members
 };

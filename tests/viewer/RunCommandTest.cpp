@@ -97,6 +97,54 @@ TEST_P(RunOnEitherThread, AnInterruptStopsAScriptThatSleeps)
     EXPECT_EQ(outcome.status, 1);
 }
 
+TEST_P(RunOnEitherThread, ATimerInterruptsASleepThatGoesOnThen)
+{
+    const Outcome outcome = run("import signal, time, threading\n"
+                                "begin = time.monotonic()\n"
+                                "took = []\n"
+                                "def handle(number, frame):\n"
+                                "    took.append(time.monotonic() - begin)\n"
+                                "    assert threading.current_thread() is threading.main_thread()\n"
+                                "signal.signal(signal.SIGALRM, handle)\n"
+                                "signal.setitimer(signal.ITIMER_REAL, 0.2, 0.2)\n"
+                                "time.sleep(1.1)\n"
+                                "signal.setitimer(signal.ITIMER_REAL, 0)\n"
+                                "assert 1.1 <= time.monotonic() - begin < 3, time.monotonic() - begin\n"
+                                "assert len(took) >= 4 and took[0] < 0.6, took\n",
+                                thread());
+    EXPECT_EQ(outcome.errors, "");
+}
+
+TEST_P(RunOnEitherThread, AHandlerOfASignalMayEndASleepOrARead)
+{
+    for (const char* wait :
+         {"time.sleep(600)", "os.read(os.pipe()[0], 1)", "lock.acquire()", "subprocess.run(['sleep', '600'])"}) {
+        const Outcome outcome = run((std::string("import os, signal, subprocess, threading, time\n"
+                                                 "lock = threading.Lock()\n"
+                                                 "lock.acquire()\n"
+                                                 "def handle(number, frame): raise TimeoutError\n"
+                                                 "signal.signal(signal.SIGALRM, handle)\n"
+                                                 "signal.alarm(1)\n"
+                                                 "try:\n    ") +
+                                     wait + "\nexcept TimeoutError:\n    print('ended')\n")
+                                        .c_str(),
+                                    thread());
+        EXPECT_EQ(outcome.output, "ended\n") << wait;
+        EXPECT_EQ(outcome.errors, "") << wait;
+    }
+}
+
+TEST_P(RunOnEitherThread, ProgramsOfAScriptReceiveSignals)
+{
+    const Outcome outcome = run("import signal, subprocess, sys\n"
+                                "child = subprocess.Popen(['sleep', '600'])\n"
+                                "child.send_signal(signal.SIGALRM)\n"
+                                "print(child.wait())\n"
+                                "print(signal.pthread_sigmask(signal.SIG_BLOCK, []))\n",
+                                thread());
+    EXPECT_EQ(outcome.output, "-14\nset()\n") << outcome.errors;
+}
+
 TEST_P(RunOnEitherThread, ImagesArePublishedUnderTheirNames)
 {
     ASSERT_TRUE(QImage(6, 4, QImage::Format_Grayscale8).save(path("dark.png")));

@@ -142,4 +142,56 @@ TEST_F(ScriptsInViewer, ErrorsAreShownInTheWindow)
     EXPECT_TRUE(console().contains(QStringLiteral("ZeroDivisionError")));
 }
 
+/// What a script leaves in the output and as its errors.
+struct Exit {
+    const char* name;
+    const char* script;
+    const char* output;
+    const char* errors;
+};
+
+class ScriptsThatExit : public ViewerTest, public testing::WithParamInterface<Exit>
+{
+};
+
+TEST_P(ScriptsThatExit, EndThemselvesAndNotTheViewer)
+{
+    write("inner.py", "import sys\nsys.exit(4)\n");
+    run(QByteArray("import os, sys, threading, vantrel\n") + GetParam().script);
+    run("print('next')\n");
+    runAll();
+    ASSERT_EQ(results.size(), 2);
+    EXPECT_EQ(results[0].toStdString(), GetParam().errors);
+    EXPECT_EQ(results[1].toStdString(), "");
+    // The console shows errors behind the output of their run.
+    const std::string shown = console().toStdString();
+    EXPECT_EQ(shown, std::string(GetParam().output) + GetParam().errors + "next\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Exits, ScriptsThatExit,
+    testing::Values(
+        Exit{"nothing", "sys.exit()\nprint('never')\n", "The script has ended with exit status 0.\n", ""},
+        Exit{"zero", "sys.exit(0)\n", "The script has ended with exit status 0.\n", ""},
+        Exit{"status", "sys.exit(3)\n", "", "The script has ended with exit status 3.\n"},
+        Exit{"text", "sys.exit('no camera')\n", "", "no camera\n"},
+        Exit{"object", "sys.exit([1, 2])\n", "", "[1, 2]\n"},
+        Exit{"builtin", "def work():\n    exit(2)\nwork()\n", "", "The script has ended with exit status 2.\n"},
+        Exit{"raised", "print('a')\nraise SystemExit\n", "a\nThe script has ended with exit status 0.\n", ""},
+        Exit{"finally", "try:\n    sys.exit(3)\nfinally:\n    print('left')\n", "left\n",
+             "The script has ended with exit status 3.\n"},
+        Exit{"inner", "vantrel.run_script('inner.py')\nprint('outer')\n", "outer\n",
+             "The script has ended with exit status 4.\n"},
+        Exit{"thread", "t = threading.Thread(target=sys.exit, args=(5,))\nt.start(); t.join()\nprint('end')\n", "end\n",
+             ""},
+        Exit{"child",
+             "child = os.fork()\nif child == 0: sys.exit(6)\n"
+             "print(os.waitpid(child, 0)[1] >> 8)\n",
+             "6\n", ""},
+        Exit{"child_at_its_end", "child = os.fork()\nif child: print(os.waitpid(child, 0)[1])\n", "0\n", ""},
+        Exit{"error", "1/0\n", "",
+             "Traceback (most recent call last):\n  File \"<string>\", line 2, in <module>\n"
+             "ZeroDivisionError: division by zero\n"}),
+    [](const auto& exit) { return std::string(exit.param.name); });
+
 } // namespace

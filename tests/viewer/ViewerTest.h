@@ -32,6 +32,7 @@ protected:
         Viewer::Settings settings;
         settings.pythonHome = TestSettings::pythonHome;
         settings.showsOutput = true;
+        settings.exitEndsScript = true;
         viewer = std::make_unique<Viewer>(settings);
         ASSERT_EQ(viewer->loadScripting(), QString());
         QObject::connect(&viewer->scripts(), &ScriptQueue::runEnded,

@@ -4,10 +4,13 @@
 #include "CxScriptLangInterface.h"
 #include "ScriptEnvironment.h"
 #include "process/ProcessExit.h"
+#include "process/UnwrittenErrors.h"
+#include "stopping/PythonSide.h"
 #include "stopping/ScriptInterrupt.h"
-#include "stopping/ScriptPulse.h"
 
 #include <QtCore/QDebug>
+
+#include <unistd.h>
 
 namespace {
 
@@ -23,7 +26,6 @@ void noteStart(void* /*unused*/, void* /*unused*/)
 {
     if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
         interrupt->scriptStarted();
-    ProcessExit::arm();
 }
 
 } // namespace
@@ -64,11 +66,14 @@ void ScriptRunner::run(const QString& script, std::shared_ptr<ScriptEnvironment>
     if (m_language) {
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
             interrupt->runBegins();
+        ProcessExit::prepareScriptThread();
         prepare(*environment);
         result = m_language->runScript(script, environment.get(), m_pythonHome, &noteStart, nullptr, &passOutput);
-        ProcessExit::disarm();
+        if (ProcessExit::isForkedChild())
+            endChild(*environment);
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
             interrupt->scriptEnded();
+        ProcessExit::restoreHandlers();
         m_environment = std::move(environment);
     }
     Q_EMIT ended(result);
@@ -76,17 +81,26 @@ void ScriptRunner::run(const QString& script, std::shared_ptr<ScriptEnvironment>
 
 void ScriptRunner::prepare(ScriptEnvironment& environment)
 {
-    ScriptPulse* pulse = ScriptPulse::instance();
-    if (!pulse || !language().startsWith(QStringLiteral("Python ")))
+    PythonSide* python = PythonSide::instance();
+    if (!python || !language().startsWith(QStringLiteral("Python ")))
         return;
-    const QString preparation = pulse->preparation();
+    python->interpreterWillStart(m_loader.fileName());
+    const QString preparation = python->preparation();
     if (preparation.isEmpty())
         return;
     const QString problem = m_language->runScript(preparation, &environment, m_pythonHome, nullptr, nullptr, nullptr);
+    UnwrittenErrors::forget();
     if (problem.isEmpty())
-        pulse->prepared();
+        python->prepared();
     else
         qWarning().noquote() << "The window stands still while a script works:" << problem.trimmed();
+}
+
+void ScriptRunner::endChild(ScriptEnvironment& environment)
+{
+    if (PythonSide::instance() && language().startsWith(QStringLiteral("Python ")))
+        m_language->runScript(PythonSide::endOfChild(), &environment, m_pythonHome, nullptr, nullptr, nullptr);
+    _exit(0);
 }
 
 void ScriptRunner::publish(const QString& name, std::shared_ptr<CxImageData> image)

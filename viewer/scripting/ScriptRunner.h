@@ -49,6 +49,9 @@ private:
     /// Gives the interpreter what the viewer needs to reach a script while it runs.
     void prepare(ScriptEnvironment& environment);
 
+    /// Ends a process that the script has forked and that has come to the end of the script.
+    [[noreturn]] void endChild(ScriptEnvironment& environment);
+
     QString m_pythonHome;
     QPluginLoader m_loader;
     CxScriptLangInterface* m_language = nullptr;

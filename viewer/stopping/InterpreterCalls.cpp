@@ -4,7 +4,9 @@
 
 #include "InterpreterCalls.h"
 
-#include <QtCore/QtGlobal>
+#include "InterpreterSymbol.h"
+
+#include <QtCore/QFile>
 
 #include <algorithm>
 #include <array>
@@ -22,32 +24,27 @@ using TraceFunction = int (*)(Object*, Object*, int, Object*);
 // The interpreter's event numbers.
 enum Event : int { Call = 0, Exception = 1, Line = 2, Return = 3, Opcode = 7 };
 
-template<typename Signature>
-Signature* function(const char* name)
-{
-    return reinterpret_cast<Signature*>(dlsym(RTLD_DEFAULT, name));
-}
-
 /// The functions that this file needs. Looked up at each use, which is rare: a script may start the interpreter later.
 struct Interpreter {
-    int (*isInitialized)() = function<int()>("Py_IsInitialized");
-    void (*release)(Object*) = function<void(Object*)>("Py_DecRef");
-    Object* (*attribute)(Object*, const char*) = function<Object*(Object*, const char*)>("PyObject_GetAttrString");
-    Object* (*call)(Object*, Object*) = function<Object*(Object*, Object*)>("PyObject_CallObject");
-    void (*retain)(Object*) = function<void(Object*)>("Py_IncRef");
-    void (*setObject)(Object*, Object*) = function<void(Object*, Object*)>("PyErr_SetObject");
-    void (*clear)() = function<void()>("PyErr_Clear");
-    int (*checkSignals)() = function<int()>("PyErr_CheckSignals");
-    void (*setCause)(Object*, Object*) = function<void(Object*, Object*)>("PyException_SetCause");
-    void (*setTrace)(TraceFunction, Object*) = function<void(TraceFunction, Object*)>("PyEval_SetTrace");
+    int (*isInitialized)() = interpreterFunction<int()>("Py_IsInitialized");
+    void (*release)(Object*) = interpreterFunction<void(Object*)>("Py_DecRef");
+    Object* (*attribute)(Object*,
+                         const char*) = interpreterFunction<Object*(Object*, const char*)>("PyObject_GetAttrString");
+    Object* (*call)(Object*, Object*) = interpreterFunction<Object*(Object*, Object*)>("PyObject_CallObject");
+    void (*retain)(Object*) = interpreterFunction<void(Object*)>("Py_IncRef");
+    void (*setObject)(Object*, Object*) = interpreterFunction<void(Object*, Object*)>("PyErr_SetObject");
+    void (*clear)() = interpreterFunction<void()>("PyErr_Clear");
+    int (*checkSignals)() = interpreterFunction<int()>("PyErr_CheckSignals");
+    void (*setCause)(Object*, Object*) = interpreterFunction<void(Object*, Object*)>("PyException_SetCause");
+    void (*setTrace)(TraceFunction, Object*) = interpreterFunction<void(TraceFunction, Object*)>("PyEval_SetTrace");
     // The name since 3.13, and the one before.
-    Object* (*currentState)() = function<Object*()>("PyThreadState_GetUnchecked");
-    Object* (*currentStateBefore313)() = function<Object*()>("_PyThreadState_UncheckedGet");
-    int (*ensureState)() = function<int()>("PyGILState_Ensure");
-    void (*releaseState)(int) = function<void(int)>("PyGILState_Release");
-    long (*asLong)(Object*) = function<long(Object*)>("PyLong_AsLong");
-    Object* (*asBytes)(Object*) = function<Object*(Object*)>("PyUnicode_AsUTF8String");
-    const char* (*bytes)(Object*) = function<const char*(Object*)>("PyBytes_AsString");
+    Object* (*currentState)() = interpreterFunction<Object*()>("PyThreadState_GetUnchecked");
+    Object* (*currentStateBefore313)() = interpreterFunction<Object*()>("_PyThreadState_UncheckedGet");
+    int (*ensureState)() = interpreterFunction<int()>("PyGILState_Ensure");
+    void (*releaseState)(int) = interpreterFunction<void(int)>("PyGILState_Release");
+    long (*asLong)(Object*) = interpreterFunction<long(Object*)>("PyLong_AsLong");
+    Object* (*asBytes)(Object*) = interpreterFunction<Object*(Object*)>("PyUnicode_AsUTF8String");
+    const char* (*bytes)(Object*) = interpreterFunction<const char*(Object*)>("PyBytes_AsString");
     Object** interrupt = static_cast<Object**>(dlsym(RTLD_DEFAULT, "PyExc_KeyboardInterrupt"));
     Object* none = dlsym(RTLD_DEFAULT, "_Py_NoneStruct");
 
@@ -68,7 +65,7 @@ const Interpreter& interpreter()
 bool isInterpreterThere()
 {
     // The library may be loaded after the first question, so that is asked without remembering the answer.
-    const auto isInitialized = function<int()>("Py_IsInitialized");
+    const auto isInitialized = interpreterFunction<int()>("Py_IsInitialized");
     return isInitialized && isInitialized() && interpreter().isThere();
 }
 
@@ -206,9 +203,25 @@ int raiseAgain(Object* /*unused*/, Object* frame, int event, Object* /*detail*/)
 
 } // namespace
 
+void InterpreterCalls::surviveSystemExit(const QString& plugin)
+{
+    // The library is loaded, but its names may not be visible everywhere before the interpreter starts.
+    void* library = dlopen(QFile::encodeName(plugin).constData(), RTLD_LAZY | RTLD_NOLOAD);
+    if (!library)
+        return;
+    if (auto* inspects = static_cast<int*>(dlsym(library, "Py_InspectFlag")))
+        *inspects = 1;
+    dlclose(library);
+}
+
 bool InterpreterCalls::isNone(const void* object)
 {
     return isInterpreterThere() && object == interpreter().none;
+}
+
+bool InterpreterCalls::isOfViewer(void* frame)
+{
+    return isInterpreterThere() && isFunction(frame, "", "/vantrel_viewer/__init__.py");
 }
 
 bool InterpreterCalls::isDelicate(void* frame)
@@ -220,7 +233,8 @@ bool InterpreterCalls::isDelicate(void* frame)
     bool found = false;
     python.retain(frame);
     for (int i = 0; i < deepest && frame && frame != python.none && !found; ++i) {
-        found = isFunction(frame, "__del__", "") || isFunction(frame, "__init__", "/subprocess.py") ||
+        found = isFunction(frame, "__del__", "") || isOfViewer(frame) ||
+                isFunction(frame, "__init__", "/subprocess.py") ||
                 isFunction(frame, "_execute_child", "/subprocess.py");
         Object* back = python.attribute(frame, "f_back");
         python.release(frame);

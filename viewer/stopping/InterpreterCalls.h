@@ -1,16 +1,25 @@
 #pragma once
 
+#include <QtCore/QString>
+
 /// The few functions of the interpreter that the viewer calls itself. They are found by name at run time, since the
 /// viewer works with any plugin; without an interpreter in the process each does nothing.
 ///
 /// All are called on the thread that runs scripts, while no other thread executes Python code.
 namespace InterpreterCalls {
 
+/// Makes an uncaught SystemExit go to `sys.excepthook` like other errors, instead of ending the process. Called before
+/// the interpreter starts, with the file of the loaded plugin.
+void surviveSystemExit(const QString& plugin);
+
 /// Whether an object is None.
 bool isNone(const void* object);
 
+/// Whether a frame belongs to the viewer's own Python side, which an error would disturb.
+bool isOfViewer(void* frame);
+
 /// Whether an error raised in a frame would be lost or leave something behind: in a finaliser, whose errors the
-/// interpreter only reports, and while a program is being started, which would run on.
+/// interpreter only reports, while a program is being started, which would run on, and in the viewer's own code.
 bool isDelicate(void* frame);
 
 /// Sets KeyboardInterrupt as the pending error. Its traceback does not tell which error the script was handling.

@@ -2,6 +2,7 @@
 
 #include "InterpreterCalls.h"
 #include "ScriptInterrupt.h"
+#include "process/ProcessExit.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDebug>
@@ -27,12 +28,13 @@ constexpr int interval = 30;
 constexpr int longestRepetition = 1000;
 
 ScriptPulse* thePulse = nullptr;
-pid_t viewerProcess = 0;
+int wakeFd = -1; ///< of the thread that sends the signal
 
 // The signal handler and the thread that sends the signal use these.
 struct sigaction interpreterAction = {};
 std::atomic<pthread_t> scriptThread = {};
 std::atomic<bool> beats = false;       ///< a script runs on the GUI thread
+std::atomic<bool> asksAgain = false;   ///< the script has to handle the signal once more
 std::atomic<bool> outstanding = false; ///< the interpreter has not handled the latest pulse
 std::atomic<int> latestServiceMs = 0;  ///< how long the viewer's work at the latest pulse took
 
@@ -48,6 +50,12 @@ void handlePulse(int number, siginfo_t* info, void* context)
     else
         interpreterAction.sa_handler(number);
     errno = savedError;
+}
+
+void wakeThread()
+{
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(wakeFd, &one, sizeof one);
 }
 
 bool isOurs(const struct sigaction& action)
@@ -85,17 +93,20 @@ void processEvents()
 /// The interpreter calls this as the handler of the signal, with the signal's number and the current frame.
 void serve(int /*number*/, void* frame) noexcept
 {
-    if (getpid() != viewerProcess || !QCoreApplication::instance())
-        return; // a forked child
+    if (ProcessExit::isForkedChild() || !QCoreApplication::instance())
+        return;
+    ProcessExit::leaveIfAsked();
     // Without a frame the script has ended, and the interpreter writes its traceback: an error would spoil that.
     if (InterpreterCalls::isNone(frame))
         return;
     if (mayProcessEvents())
         processEvents();
     outstanding = false;
-    if (beats && ScriptInterrupt::isStopPending() && !ScriptInterrupt::isForGood() &&
-        InterpreterCalls::isDelicate(frame))
-        return; // the next pulse asks again
+    if (ScriptInterrupt::isStopPending() &&
+        (ScriptInterrupt::isForGood() ? InterpreterCalls::isOfViewer(frame) : InterpreterCalls::isDelicate(frame))) {
+        asksAgain = true;
+        return wakeThread();
+    }
     switch (ScriptInterrupt::takeOrder()) {
     case ScriptInterrupt::Order::Continue:
         break;
@@ -110,11 +121,10 @@ void serve(int /*number*/, void* frame) noexcept
 
 } // namespace
 
-ScriptPulse::ScriptPulse(const QString& folder)
-    : m_folder(folder)
-    , m_wakeFd(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
+ScriptPulse::ScriptPulse(bool processesEvents)
+    : m_processesEvents(processesEvents)
 {
-    viewerProcess = getpid();
+    wakeFd = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
     thePulse = this;
     // The thread handles no signal: signals of the process are for the others.
     sigset_t all = {};
@@ -130,10 +140,10 @@ ScriptPulse::~ScriptPulse()
     thePulse = nullptr;
     beats = false;
     m_ends = true;
-    const std::uint64_t end = 1;
-    [[maybe_unused]] const ssize_t written = write(m_wakeFd, &end, sizeof end);
+    wakeThread();
     m_thread.join();
-    close(m_wakeFd);
+    close(wakeFd);
+    wakeFd = -1;
     if (isHandlerInPlace())
         signal(pulseSignal, SIG_DFL);
 }
@@ -147,20 +157,7 @@ QString ScriptPulse::preparation() const
 {
     if (isHandlerInPlace())
         return {};
-    QString folder = m_folder;
-    folder.replace(QLatin1Char('\\'), QStringLiteral("\\\\")).replace(QLatin1Char('\''), QStringLiteral("\\'"));
-    // No byte code is written: nothing would remove it from the folder when the package is removed.
-    return QStringLiteral("import sys\n"
-                          "kept = sys.dont_write_bytecode\n"
-                          "sys.dont_write_bytecode = True\n"
-                          "sys.path.insert(0, '%1')\n"
-                          "try:\n"
-                          "    import vantrel_viewer\n"
-                          "finally:\n"
-                          "    sys.path.remove('%1')\n"
-                          "    sys.dont_write_bytecode = kept\n"
-                          "vantrel_viewer.handle_pulses(%2, %3)\n")
-        .arg(folder)
+    return QStringLiteral("vantrel_viewer.handle_pulses(%1, %2)\n")
         .arg(pulseSignal)
         .arg(reinterpret_cast<quintptr>(&serve));
 }
@@ -186,17 +183,17 @@ void ScriptPulse::scriptStarted()
     outstanding = false;
     latestServiceMs = 0;
     const QThread* thread = QThread::currentThread();
-    if (thread != QCoreApplication::instance()->thread() || !isHandlerInPlace())
+    if (!m_processesEvents || thread != QCoreApplication::instance()->thread() || !isHandlerInPlace())
         return;
     scriptLoopLevel = thread->loopLevel();
     beats = true;
-    const std::uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = write(m_wakeFd, &one, sizeof one);
+    wakeThread();
 }
 
 void ScriptPulse::scriptEnded()
 {
     beats = false;
+    asksAgain = false;
 }
 
 bool ScriptPulse::send()
@@ -213,12 +210,16 @@ void ScriptPulse::beat()
     int repetition = 0;
     while (!m_ends) {
         const int pause = std::max(interval, int(latestServiceMs));
-        pollfd wake = {m_wakeFd, POLLIN, 0};
-        const bool woken = poll(&wake, 1, beats ? pause : -1) > 0;
+        pollfd wake = {wakeFd, POLLIN, 0};
+        const bool woken = poll(&wake, 1, beats || asksAgain ? pause : -1) > 0;
         if (woken) {
             std::uint64_t count = 0;
-            [[maybe_unused]] const ssize_t got = read(m_wakeFd, &count, sizeof count);
-            continue; // a script has started: it gets the first pause without a pulse
+            [[maybe_unused]] const ssize_t got = read(wakeFd, &count, sizeof count);
+            continue; // a script that has started gets the first pause without a pulse
+        }
+        if (asksAgain.exchange(false)) {
+            send();
+            continue;
         }
         if (!beats)
             continue;
