@@ -5,6 +5,7 @@ import io
 import os
 import signal
 import sys
+import warnings
 
 __all__ = ["end_child", "handle_pulses", "prepare"]
 
@@ -27,6 +28,9 @@ def prepare(copy_errors: int, write_errors: int) -> None:
     os._exit = _writing_before(os._exit, ctypes.CFUNCTYPE(None)(write_errors))
     os.register_at_fork(after_in_child=_begin_child)
     sys.excepthook = report_error
+    if sys.version_info >= (3, 12):
+        # The threads are the viewer's own, and hold no lock that a child needs.
+        warnings.filterwarnings("ignore", r"This process \(pid=\d+\) is multi-threaded", DeprecationWarning)
 
 
 def report_error(kind, error, trace):

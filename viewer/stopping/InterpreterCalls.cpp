@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <cstdlib>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -45,14 +47,16 @@ struct Interpreter {
     long (*asLong)(Object*) = interpreterFunction<long(Object*)>("PyLong_AsLong");
     Object* (*asBytes)(Object*) = interpreterFunction<Object*(Object*)>("PyUnicode_AsUTF8String");
     const char* (*bytes)(Object*) = interpreterFunction<const char*(Object*)>("PyBytes_AsString");
+    std::ptrdiff_t (*size)(Object*) = interpreterFunction<std::ptrdiff_t(Object*)>("PyBytes_Size");
+    const char* (*version)() = interpreterFunction<const char*()>("Py_GetVersion");
     Object** interrupt = static_cast<Object**>(dlsym(RTLD_DEFAULT, "PyExc_KeyboardInterrupt"));
     Object* none = dlsym(RTLD_DEFAULT, "_Py_NoneStruct");
 
     bool isThere() const
     {
         return isInitialized && isInitialized() && release && attribute && call && retain && setObject && clear &&
-               checkSignals && setCause && setTrace && asLong && asBytes && bytes && interrupt && none &&
-               (currentState || currentStateBefore313) && ensureState && releaseState;
+               checkSignals && setCause && setTrace && asLong && asBytes && bytes && size && version && interrupt &&
+               none && (currentState || currentStateBefore313) && ensureState && releaseState;
     }
 };
 
@@ -104,14 +108,24 @@ Origin origin;
 int exitsLeft = 0;
 constexpr int mostExits = 1000;
 
-long lineOf(Object* frame)
+constexpr std::chrono::seconds finaliserPatience(1);
+
+/// Until when finalisers and the start of a program may go on.
+std::chrono::steady_clock::time_point deadline;
+
+long numberOf(Object* frame, const char* attribute)
 {
     const Interpreter& python = interpreter();
-    Object* number = python.attribute(frame, "f_lineno");
-    const long line = number ? python.asLong(number) : 0;
+    Object* number = python.attribute(frame, attribute);
+    const long value = number ? python.asLong(number) : -1;
     python.clear();
     python.release(number);
-    return line;
+    return value;
+}
+
+long lineOf(Object* frame)
+{
+    return numberOf(frame, "f_lineno");
 }
 
 /// The name of a frame's function and the end of its file's name.
@@ -150,6 +164,27 @@ bool mustComplete(Object* frame)
     return found;
 }
 
+/// Whether the frame is about to call the `__exit__` of a `with` statement after an error. Before 3.11 this call
+/// belongs to the last line of the statement, and 3.9 may report that line. 3.11 and newer report no line there.
+bool isAtExitCall(Object* frame)
+{
+    const Interpreter& python = interpreter();
+    const std::string_view version = python.version(); // such as "3.8.18 (default, ..."
+    const int minor = version.starts_with("3.") ? std::atoi(version.data() + 2) : 0;
+    if (minor >= 11)
+        return false;
+    const unsigned char exitCall = minor == 8 ? 81 : 49; // WITH_CLEANUP_START, later WITH_EXCEPT_START
+    Object* code = python.attribute(frame, "f_code");
+    Object* instructions = code ? python.attribute(code, "co_code") : nullptr;
+    const long position = numberOf(frame, "f_lasti");
+    const bool is = instructions && position >= 0 && position < python.size(instructions) &&
+                    static_cast<unsigned char>(python.bytes(instructions)[position]) == exitCall;
+    python.clear();
+    python.release(instructions);
+    python.release(code);
+    return is;
+}
+
 /// Whether the event leads from an error to the `__exit__` of a `with` statement, which must run to free its lock or
 /// file. Handlers and `finally` blocks stand below the line that failed; a `with` statement does not.
 bool leadsToExit(Object* frame, int event)
@@ -157,10 +192,17 @@ bool leadsToExit(Object* frame, int event)
     if (event != Line || frame != origin.frame)
         return false;
     const long line = lineOf(frame);
-    if (line > origin.line || exitsLeft-- <= 0)
+    if ((line > origin.line && !isAtExitCall(frame)) || exitsLeft-- <= 0)
         return false;
     origin.line = line; // the error propagates from here to the enclosing statement
     return true;
+}
+
+/// Whether a frame may go on although the script is to end.
+bool mayFinish(Object* frame)
+{
+    return InterpreterCalls::isOfViewer(frame) ||
+           (std::chrono::steady_clock::now() < deadline && InterpreterCalls::isDelicate(frame));
 }
 
 bool isOutermost(Object* frame)
@@ -194,8 +236,8 @@ int raiseAgain(Object* /*unused*/, Object* frame, int event, Object* /*detail*/)
         endTracing(); // what comes after the script, for example finalisers, works as usual
         return 0;
     }
-    if ((event != Call && event != Line && event != Opcode) || mustComplete(frame) ||
-        InterpreterCalls::isDelicate(frame) || leadsToExit(frame, event))
+    if ((event != Call && event != Line && event != Opcode) || mustComplete(frame) || mayFinish(frame) ||
+        leadsToExit(frame, event))
         return 0;
     interpreter().setObject(*interpreter().interrupt, theError);
     return -1;
@@ -270,9 +312,17 @@ void InterpreterCalls::raiseAtEveryLine()
         python.setCause(theError, nullptr); // hides the errors that the script was handling
         origin = {};
         exitsLeft = mostExits;
+        deadline = std::chrono::steady_clock::now() + finaliserPatience;
         python.setTrace(raiseAgain, nullptr);
     }
     python.setObject(*python.interrupt, theError);
+}
+
+void InterpreterCalls::endFinaliser(void* frame)
+{
+    if (!isInterpreterThere() || !theError || mayFinish(frame) || !isDelicate(frame))
+        return;
+    interpreter().setObject(*interpreter().interrupt, theError);
 }
 
 void InterpreterCalls::dropPendingSignals()

@@ -26,8 +26,11 @@ bool isDelicate(void* frame);
 void raiseKeyboardInterrupt();
 
 /// Sets KeyboardInterrupt as the pending error, and again at each line and call that the script executes then, until
-/// the script has ended.
+/// the script has ended. Finalisers may go on for a second.
 void raiseAtEveryLine();
+
+/// After raiseAtEveryLine(): sets the error in a finaliser that has had its time and waits, so that no line comes.
+void endFinaliser(void* frame);
 
 /// Ends raiseAtEveryLine(). Handles the signals that the interpreter has noted but not handled, and drops the errors
 /// they raise.

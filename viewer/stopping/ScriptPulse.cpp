@@ -58,6 +58,12 @@ void wakeThread()
     [[maybe_unused]] const ssize_t written = write(wakeFd, &one, sizeof one);
 }
 
+void askAgain()
+{
+    asksAgain = true;
+    wakeThread();
+}
+
 bool isOurs(const struct sigaction& action)
 {
     return (action.sa_flags & SA_SIGINFO) && action.sa_sigaction == handlePulse;
@@ -104,11 +110,12 @@ void serve(int /*number*/, void* frame) noexcept
     outstanding = false;
     if (ScriptInterrupt::isStopPending() &&
         (ScriptInterrupt::isForGood() ? InterpreterCalls::isOfViewer(frame) : InterpreterCalls::isDelicate(frame))) {
-        asksAgain = true;
-        return wakeThread();
+        return askAgain();
     }
     switch (ScriptInterrupt::takeOrder()) {
     case ScriptInterrupt::Order::Continue:
+        if (ScriptInterrupt::isForGood())
+            InterpreterCalls::endFinaliser(frame);
         break;
     case ScriptInterrupt::Order::Interrupt:
         InterpreterCalls::raiseKeyboardInterrupt();
@@ -117,6 +124,8 @@ void serve(int /*number*/, void* frame) noexcept
         InterpreterCalls::raiseAtEveryLine();
         break;
     }
+    if (ScriptInterrupt::isForGood())
+        askAgain(); // until the script has ended: a finaliser may wait
 }
 
 } // namespace
