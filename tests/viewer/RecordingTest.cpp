@@ -283,6 +283,19 @@ TEST_F(Recording, EndsSoonWhenTheDiskTakesNoMore)
     EXPECT_TRUE(names().isEmpty());
 }
 
+TEST_F(Recording, WhoseFolderIsRemovedSaysSo)
+{
+    const LogCapture log;
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("data")));
+    ASSERT_TRUE(view->startVideoRecording(path("data/video.avi")));
+    view->setImage(noise());
+    ASSERT_TRUE(QDir(path("data")).removeRecursively());
+    view->stopVideoRecording();
+    ASSERT_EQ(log.criticals().size(), 1);
+    EXPECT_TRUE(log.criticals()[0].endsWith(QStringLiteral("its temporary file has been removed")))
+        << log.criticals()[0].toStdString();
+}
+
 TEST_F(Recording, OfAStillPictureDoesNotEndByItself)
 {
     ASSERT_TRUE(view->startVideoRecording(path()));

@@ -101,6 +101,8 @@ struct VideoRecorder::Recording {
     /// Why the disk takes no more.
     QString diskProblem()
     {
+        if (!QFileInfo::exists(replacement.temporaryPath()))
+            return QStringLiteral("its temporary file has been removed");
         const FileProblem problem = replacement.append(QByteArray(1 << 20, '\0'));
         return problem ? problem.text() : QStringLiteral("the disk has not taken everything");
     }
