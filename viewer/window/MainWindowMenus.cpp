@@ -133,12 +133,9 @@ void MainWindow::askForFilesToOpen()
     auto* dialog = new QFileDialog(this, tr("Open Images"), {}, imageFilter());
     dialog->setFileMode(QFileDialog::ExistingFiles);
     connect(dialog, &QFileDialog::filesSelected, this, [this](const QStringList& paths) {
-        QStringList failed;
-        for (const QString& path : paths)
-            if (!m_views.openFile(path))
-                failed += path;
-        if (!failed.isEmpty())
-            warn(tr("Open Images"), tr("Cannot open as an image:\n%1").arg(failed.join(QLatin1Char('\n'))));
+        const QStringList failures = m_views.openFiles(paths);
+        if (!failures.isEmpty())
+            warn(tr("Open Images"), failures.join(QLatin1Char('\n')));
     });
     openDialog(dialog);
 }
@@ -153,8 +150,9 @@ void MainWindow::askForFileToSave()
     dialog->selectFile(active->windowTitle());
     // The image is held: while the dialog is open, the view may change or close.
     connect(dialog, &QFileDialog::fileSelected, this, [this, image = active->image()](const QString& path) {
-        if (!saveImageFile(*image, path))
-            warn(tr("Save Image"), tr("Cannot save the image as\n%1").arg(path));
+        QString problem;
+        if (!saveImageFile(*image, path, problem))
+            warn(tr("Save Image"), tr("Cannot save %1: %2.").arg(path, problem));
     });
     openDialog(dialog);
 }

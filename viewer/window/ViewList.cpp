@@ -55,13 +55,27 @@ ImageView* ViewList::add(std::shared_ptr<CxImageData> image, const QString& titl
     return added.release(); // the area deletes it
 }
 
-bool ViewList::openFile(const QString& path, bool activate)
+bool ViewList::openFile(const QString& path, bool activate, QString* problem)
 {
-    std::shared_ptr<CxImageData> image = loadImageFile(path);
+    QString reason;
+    std::shared_ptr<CxImageData> image = loadImageFile(path, reason);
+    if (problem)
+        *problem = reason;
     if (!image)
         return false;
     add(std::move(image), QFileInfo(path).fileName(), activate);
     return true;
+}
+
+QStringList ViewList::openFiles(const QStringList& paths)
+{
+    QStringList failures;
+    for (const QString& path : paths) {
+        QString problem;
+        if (!openFile(path, true, &problem))
+            failures += tr("Cannot open %1: %2.").arg(path, problem);
+    }
+    return failures;
 }
 
 bool ViewList::duplicate(int id)
