@@ -30,6 +30,7 @@ ImageView::ImageView(int id, const QString& title, ViewStore& store)
 
 ImageView::~ImageView()
 {
+    m_recorder.disconnect(); // ends its recording, when this object is half destroyed
     m_store.remove(m_id);
     // The panel uses the chain, but child widgets are deleted after the chain. So the panel goes first.
     m_chain->disconnect();

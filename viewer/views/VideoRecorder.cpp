@@ -4,6 +4,7 @@
 #include "SxPicBuf.h"
 
 #include <QtCore/QDebug>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
@@ -16,6 +17,8 @@ struct VideoRecorder::Recording {
     cv::VideoWriter writer;
     cv::Size size;
     int frames = 0;
+    int dropped = 0;
+    QElapsedTimer clock;
 
     /// Uses OpenCV's own writer, which needs no codec library and behaves the same everywhere.
     bool open(cv::Size frameSize)
@@ -72,7 +75,9 @@ bool VideoRecorder::start(const QString& path, const SxPicBuf* shown, double fra
         qCritical().noquote() << QStringLiteral("Cannot record to %1: the video file cannot be written").arg(path);
         return false;
     }
+    recording->clock.start();
     m_recording = std::move(recording);
+    Q_EMIT recordingChanged();
     return true;
 }
 
@@ -86,13 +91,15 @@ void VideoRecorder::add(const SxPicBuf& image)
     if (!m_recording)
         return;
     const QImage frame = displayImage(image).convertToFormat(QImage::Format_BGR888);
-    if (frame.isNull())
+    if (frame.isNull()) {
+        noteDropped(1);
         return;
+    }
     const cv::Size size(frame.width(), frame.height());
     if (m_recording->frames == 0 && !(m_recording->writer.isOpened() && size == m_recording->size) &&
         !m_recording->open(size)) {
         qCritical().noquote() << QStringLiteral("Recording to %1 failed").arg(m_recording->path);
-        m_recording.reset();
+        endRecording();
         return;
     }
     try {
@@ -105,7 +112,7 @@ void VideoRecorder::add(const SxPicBuf& image)
     } catch (const cv::Exception& error) {
         qCritical().noquote()
             << QStringLiteral("Recording to %1 failed: %2").arg(m_recording->path, QString::fromUtf8(error.what()));
-        m_recording.reset();
+        endRecording();
     }
 }
 
@@ -118,10 +125,32 @@ void VideoRecorder::stop()
         QFile::remove(m_recording->path);
         qWarning().noquote() << QStringLiteral("No frame was recorded to %1").arg(m_recording->path);
     }
+    endRecording();
+}
+
+void VideoRecorder::endRecording()
+{
     m_recording.reset();
+    Q_EMIT recordingChanged();
+}
+
+void VideoRecorder::noteDropped(int frames)
+{
+    if (m_recording)
+        m_recording->dropped += frames;
 }
 
 int VideoRecorder::frameCount() const
 {
     return m_recording ? m_recording->frames : 0;
+}
+
+int VideoRecorder::droppedCount() const
+{
+    return m_recording ? m_recording->dropped : 0;
+}
+
+double VideoRecorder::seconds() const
+{
+    return m_recording ? double(m_recording->clock.elapsed()) / 1000 : 0;
 }
