@@ -17,6 +17,7 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
+#include <QtWidgets/QMenu>
 
 #include <unistd.h>
 
@@ -63,6 +64,9 @@ Viewer::Viewer(const Settings& settings)
         m_console = new ScriptConsole(&m_window);
         m_window.addDockWidget(Qt::BottomDockWidgetArea, m_console);
         m_console->hide();
+        QMenu* menu = m_window.menu(MainWindow::ViewMenu);
+        menu->addSeparator();
+        menu->addAction(m_console->toggleViewAction());
         m_pulse = std::make_unique<ScriptPulse>(pythonFolder());
     }
     m_scripts = std::make_unique<ScriptQueue>(
