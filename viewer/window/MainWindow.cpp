@@ -70,7 +70,8 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 void MainWindow::askToStopAndClose()
 {
-    if (m_closeQuestion) {
+    // An answered question is deleted later.
+    if (m_closeQuestion && m_closeQuestion->isVisible()) {
         m_closeQuestion->raise();
         return;
     }
