@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <pthread.h>
 #include <unistd.h>
 
 namespace {
@@ -22,7 +23,7 @@ int logFd = STDERR_FILENO;
 struct ListenerState {
     QMutex lock;
     LogRecords::Listener listener;
-    std::atomic<pid_t> process = 0;
+    std::atomic<bool> isForkedChild = false;
 };
 
 /// Never destroyed, since records come until the process ends.
@@ -39,7 +40,7 @@ void tellListener(QtMsgType type, const QMessageLogContext& context, const QStri
     thread_local bool isTelling = false;
     ListenerState& state = listenerState();
     // In a forked child another thread of the parent may hold the lock for ever.
-    if (isTelling || state.process != getpid())
+    if (isTelling || state.isForkedChild)
         return;
     const QByteArrayView category(context.category);
     const bool isDefault = category.isEmpty() || category == QByteArrayView("default");
@@ -86,7 +87,8 @@ QString LogRecords::writeToFile(const QString& path)
 void LogRecords::setListener(Listener listener)
 {
     ListenerState& state = listenerState();
+    [[maybe_unused]] static const int handler =
+        pthread_atfork(nullptr, nullptr, [] { listenerState().isForkedChild = true; });
     const QMutexLocker lock(&state.lock);
     state.listener.swap(listener);
-    state.process = getpid();
 }

@@ -9,12 +9,13 @@
 #include <QtWidgets/QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
 /// Text is shown at most 30 times a second. While it takes long, it is shown more rarely: the script must go on.
 constexpr int shortestPause = 34;
-constexpr int pauseFactor = 5;
+constexpr int pauseFactor = 10;
 
 /// A longer line is broken: its layout would take too long.
 constexpr int longestLine = 4000;
@@ -48,8 +49,9 @@ QString broken(const QString& text, int& column)
 
 } // namespace
 
-OutputPane::OutputPane()
-    : m_pause(shortestPause)
+OutputPane::OutputPane(Source source)
+    : m_source(std::move(source))
+    , m_pause(shortestPause)
     , m_droppedText(new QLabel)
     , m_text(new QPlainTextEdit)
 {
@@ -74,16 +76,15 @@ OutputPane::OutputPane()
     connect(&m_timer, &QTimer::timeout, this, &OutputPane::showCollected);
 }
 
-void OutputPane::add(const QString& text)
+void OutputPane::lookSoon()
 {
-    if (!text.isEmpty() && m_collector.add(text))
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                if (!m_timer.isActive())
-                    m_timer.start(m_pause);
-            },
-            Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!m_timer.isActive())
+                m_timer.start(m_pause);
+        },
+        Qt::QueuedConnection);
 }
 
 void OutputPane::addError(const QString& text)
@@ -112,11 +113,11 @@ void OutputPane::showEvent(QShowEvent* event)
 void OutputPane::showCollected()
 {
     m_timer.stop();
-    const OutputCollector::Text collected = m_collector.take();
-    if (collected.text.isEmpty())
-        return;
     QElapsedTimer clock;
     clock.start();
+    const OutputCollector::Text collected = m_source();
+    if (collected.text.isEmpty())
+        return;
     noteDropped(collected.droppedLines);
     append(collected.text, palette().color(QPalette::Text));
     m_pause = int(std::max<qint64>(shortestPause, pauseFactor * clock.elapsed()));

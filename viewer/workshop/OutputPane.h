@@ -6,6 +6,8 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
 
+#include <functional>
+
 class QLabel;
 class QPlainTextEdit;
 
@@ -14,10 +16,13 @@ class OutputPane : public QWidget
 {
     Q_OBJECT
 public:
-    OutputPane();
+    /// Takes the text that has come since the last call.
+    using Source = std::function<OutputCollector::Text()>;
 
-    /// Shows a text soon, together with others. May be called on any thread.
-    void add(const QString& text);
+    explicit OutputPane(Source source);
+
+    /// Shows what the source has soon. May be called on any thread.
+    void lookSoon();
 
     /// Shows the text so far, then this text in the colour of errors.
     void addError(const QString& text);
@@ -49,7 +54,7 @@ private:
     void noteScrolling();
     void followEnd();
 
-    OutputCollector m_collector;
+    Source m_source;
     QTimer m_timer;
     int m_pause; ///< milliseconds between two texts
     int m_column = 0;

@@ -4,30 +4,12 @@
 #include "process/LogRecords.h"
 
 #include <QtCore/QLocale>
-#include <QtCore/QTime>
 #include <QtGui/QSyntaxHighlighter>
 #include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QTabWidget>
 
 namespace {
-
-const QLatin1String criticalWord("critical");
-const QLatin1String warningWord("warning ");
-
-/// Where the word for the severity begins in a line of the log: after the time.
-constexpr int severityColumn = 14;
-
-QString logLine(QtMsgType type, const QString& text)
-{
-    const QString time = QTime::currentTime().toString(QStringLiteral("HH:mm:ss.zzz"));
-    QString line = time + QLatin1String("  ") + (type == QtWarningMsg ? warningWord : criticalWord);
-    line += QLatin1String("  ");
-    const QString indentation = QLatin1Char('\n') + QString(line.size(), QLatin1Char(' '));
-    line += QString(text).replace(QLatin1Char('\n'), indentation);
-    line += QLatin1Char('\n');
-    return line;
-}
 
 /// Emphasises the word for the severity.
 class SeverityHighlighter : public QSyntaxHighlighter
@@ -43,8 +25,9 @@ public:
 protected:
     void highlightBlock(const QString& line) override
     {
-        if (QStringView(line).mid(severityColumn).startsWith(criticalWord))
-            setFormat(severityColumn, int(criticalWord.size()), m_critical);
+        const QLatin1String word(LogCollector::criticalWord);
+        if (QStringView(line).mid(LogCollector::severityColumn).startsWith(word))
+            setFormat(LogCollector::severityColumn, int(word.size()), m_critical);
     }
 
 private:
@@ -56,8 +39,8 @@ private:
 ScriptConsole::ScriptConsole(QWidget* parent)
     : QDockWidget(tr("Output and Log"), parent)
     , m_tabs(new QTabWidget)
-    , m_output(new OutputPane)
-    , m_log(new OutputPane)
+    , m_output(new OutputPane([this] { return m_outputCollector.take(); }))
+    , m_log(new OutputPane([this] { return m_logCollector.take(); }))
 {
     setObjectName(QStringLiteral("scriptConsole"));
     m_output->text()->setObjectName(QStringLiteral("scriptOutput"));
@@ -81,7 +64,8 @@ ScriptConsole::~ScriptConsole()
 
 void ScriptConsole::addOutput(const QString& text)
 {
-    m_output->add(text);
+    if (!text.isEmpty() && m_outputCollector.add(text))
+        m_output->lookSoon();
 }
 
 void ScriptConsole::appendErrors(const QString& text)
@@ -92,7 +76,8 @@ void ScriptConsole::appendErrors(const QString& text)
 void ScriptConsole::addRecord(QtMsgType type, const QString& text)
 {
     ++m_unseen;
-    m_log->add(logLine(type, text));
+    if (m_logCollector.add(type, text))
+        m_log->lookSoon();
 }
 
 void ScriptConsole::showLogGrown()

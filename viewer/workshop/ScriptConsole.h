@@ -1,5 +1,8 @@
 #pragma once
 
+#include "LogCollector.h"
+#include "OutputCollector.h"
+
 #include <QtCore/qlogging.h>
 #include <QtWidgets/QDockWidget>
 
@@ -28,6 +31,8 @@ private:
     void showLogGrown();
     void markUnseen();
 
+    OutputCollector m_outputCollector;
+    LogCollector m_logCollector;
     QTabWidget* m_tabs;
     OutputPane* m_output;
     OutputPane* m_log;
