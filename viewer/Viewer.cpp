@@ -19,6 +19,7 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
+#include <QtWidgets/QMenu>
 
 #include <unistd.h>
 
@@ -65,6 +66,9 @@ Viewer::Viewer(const Settings& settings)
         m_console = new ScriptConsole(&m_window);
         m_window.addDockWidget(Qt::BottomDockWidgetArea, m_console);
         m_console->hide();
+        QMenu* menu = m_window.menu(MainWindow::ViewMenu);
+        menu->addSeparator();
+        menu->addAction(m_console->toggleViewAction());
     }
     m_exit = std::make_unique<ProcessExit>(ProcessExit::Hooks{.complete = [this] { completeFiles(); },
                                                               .interruptScript =

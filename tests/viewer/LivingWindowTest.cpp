@@ -234,7 +234,7 @@ TEST_F(LivingWindow, KeepsALimitedNumberOfLinesAndSaysHowManyItDropped)
 {
     run("for i in range(50000): print('line', i)\n");
     runAll();
-    const auto* text = viewer->window().findChild<QPlainTextEdit*>();
+    const auto* text = viewer->window().findChild<QPlainTextEdit*>(QStringLiteral("scriptOutput"));
     EXPECT_LE(text->blockCount(), 10000);
     EXPECT_GE(text->blockCount(), 9000);
     EXPECT_TRUE(console().endsWith(QStringLiteral("\nline 49999\n")));

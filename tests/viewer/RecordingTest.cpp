@@ -9,6 +9,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
+#include <QtTest/QTest>
 
 #include <opencv2/videoio.hpp>
 
@@ -303,6 +304,29 @@ TEST_F(Recording, OfAStillPictureDoesNotEndByItself)
         view->setImage(greyPicture(1, 1, 0));
     view->stopVideoRecording();
     EXPECT_EQ(Video(path()).frames.size(), 1000U);
+}
+
+TEST_F(Recording, CountsItsFramesAndSaysWhenItBeginsAndEnds)
+{
+    const VideoRecorder& recorder = view->recorder();
+    std::vector<bool> changes;
+    QObject::connect(&recorder, &VideoRecorder::recordingChanged, &window,
+                     [&] { changes.push_back(recorder.isRecording()); });
+    ASSERT_TRUE(view->startVideoRecording(path()));
+    EXPECT_FALSE(view->startVideoRecording(path()));
+    for (int i = 0; i < 3; ++i)
+        view->setImage(greyPicture(64, 48, 99));
+    auto empty = std::make_shared<CxImageData>();
+    empty->setPicBuf(SxPicBuf());
+    view->setImage(empty);
+    QTest::qWait(20);
+    EXPECT_EQ(recorder.frameCount(), 3);
+    EXPECT_EQ(recorder.droppedCount(), 1);
+    EXPECT_GE(recorder.seconds(), 0.02);
+    view->stopVideoRecording();
+    view->stopVideoRecording();
+    EXPECT_EQ(recorder.frameCount() + recorder.droppedCount(), 0);
+    EXPECT_EQ(changes, (std::vector<bool>{true, false}));
 }
 
 TEST_F(Recording, StoppingWithoutOneDoesNothing)

@@ -2,7 +2,10 @@
 
 #include "Pictures.h"
 #include "ViewerTest.h"
+#include "process/LogRecords.h"
 #include "views/ImageView.h"
+
+#include <QtWidgets/QTabWidget>
 
 #include <cstdlib>
 
@@ -29,6 +32,27 @@ TEST_F(ScriptsInViewer, AMenuItemWhoseScriptIsGoneIsReported)
     run("print('still there')\n");
     runAll();
     EXPECT_EQ(console().toStdString(), "still there\n");
+}
+
+TEST_F(ScriptsInViewer, WhatAScriptLogsIsShownBesideItsOutput)
+{
+    ASSERT_EQ(LogRecords::writeToFile(folder.filePath(QStringLiteral("log.txt"))), QString());
+    viewer->window().show();
+    run("import threading, vantrel\n"
+        "print('begun')\n"
+        "vantrel.print_to_error_log('from the script')\n"
+        "thread = threading.Thread(target=vantrel.print_to_error_log, args=('from a thread',))\n"
+        "thread.start()\n"
+        "thread.join()\n"
+        "vantrel.wait(0.3)\n");
+    runAll();
+    qInstallMessageHandler(nullptr);
+    EXPECT_EQ(console().toStdString(), "begun\n");
+    const QString log = text("log");
+    EXPECT_TRUE(log.contains(QStringLiteral("critical  \"from the script\"\n"))) << log.toStdString();
+    EXPECT_TRUE(log.contains(QStringLiteral("critical  \"from a thread\"\n"))) << log.toStdString();
+    const auto* tabs = viewer->window().findChild<QTabWidget*>();
+    EXPECT_TRUE(tabs->tabText(1).startsWith(QStringLiteral("Log (")));
 }
 
 TEST_F(ScriptsInViewer, TheStopItemStopsTheRunningScript)

@@ -5,6 +5,7 @@
 #include "storage/FileReplacement.h"
 
 #include <QtCore/QDebug>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QSet>
@@ -64,6 +65,8 @@ struct VideoRecorder::Recording {
         filesUnderWay().insert(claimed);
         return {};
     }
+    int dropped = 0;
+    QElapsedTimer clock;
 
     /// Uses OpenCV's own writer, which needs no codec library and behaves the same everywhere.
     bool open(cv::Size frameSize)
@@ -132,7 +135,9 @@ bool VideoRecorder::start(const QString& path, const SxPicBuf* shown, double fra
         qCritical().noquote() << QStringLiteral("Cannot record to %1: %2").arg(path, problem);
         return false;
     }
+    recording->clock.start();
     m_recording = std::move(recording);
+    Q_EMIT recordingChanged();
     return true;
 }
 
@@ -146,8 +151,10 @@ void VideoRecorder::add(const SxPicBuf& image)
     if (!m_recording)
         return;
     const QImage frame = displayImage(image).convertToFormat(QImage::Format_BGR888);
-    if (frame.isNull())
+    if (frame.isNull()) {
+        noteDropped(1);
         return;
+    }
     const cv::Size size(frame.width(), frame.height());
     if (m_recording->frames == 0 && !(m_recording->writer.isOpened() && size == m_recording->size) &&
         !m_recording->open(size)) {
@@ -178,22 +185,45 @@ void VideoRecorder::stop()
         qWarning().noquote() << QStringLiteral("No frame was recorded to %1").arg(m_recording->path);
     } else if (!m_recording->isWhole()) {
         fail(m_recording->diskProblem());
+        return;
     } else if (const FileProblem problem = m_recording->replacement.complete()) {
         const QString kept = m_recording->replacement.temporaryPath();
         m_recording->replacement.keepTemporary();
         qCritical().noquote() << QStringLiteral("Cannot write %1: %2. The recording is in %3")
                                      .arg(m_recording->path, problem.text(), kept);
     }
+    endRecording();
+}
+
+void VideoRecorder::endRecording()
+{
     m_recording.reset();
+    Q_EMIT recordingChanged();
+}
+
+void VideoRecorder::noteDropped(int frames)
+{
+    if (m_recording)
+        m_recording->dropped += frames;
 }
 
 void VideoRecorder::fail(const QString& reason)
 {
     qCritical().noquote() << QStringLiteral("Recording to %1 failed: %2").arg(m_recording->path, reason);
-    m_recording.reset();
+    endRecording();
 }
 
 int VideoRecorder::frameCount() const
 {
     return m_recording ? m_recording->frames : 0;
+}
+
+int VideoRecorder::droppedCount() const
+{
+    return m_recording ? m_recording->dropped : 0;
+}
+
+double VideoRecorder::seconds() const
+{
+    return m_recording ? double(m_recording->clock.elapsed()) / 1000 : 0;
 }

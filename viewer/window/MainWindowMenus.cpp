@@ -4,6 +4,7 @@
 #include "CxImageFormatManager.h"
 #include "MainWindow.h"
 #include "NotificationArea.h"
+#include "RecordingStatus.h"
 #include "views/DisplayImage.h"
 #include "views/ImageFiles.h"
 #include "views/ImageView.h"
@@ -90,6 +91,7 @@ void MainWindow::createHelpMenu()
 
 void MainWindow::createStatusLine()
 {
+    statusBar()->addPermanentWidget(new RecordingStatus(m_views));
     for (QLabel** label : {&m_pixel, &m_zoom, &m_format}) {
         *label = new QLabel;
         statusBar()->addPermanentWidget(*label);

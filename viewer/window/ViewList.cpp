@@ -40,6 +40,7 @@ ImageView* ViewList::add(std::shared_ptr<CxImageData> image, const QString& titl
         m_activations.insert(m_activations.begin(), id);
         connect(view, &ImageView::closed, this, [this, id] { noteClosing(id); });
         connect(view, &ImageView::imageShown, this, &ViewList::activeViewChanged);
+        connect(view, &ImageView::recordingChanged, this, &ViewList::recordingsChanged);
         connect(view->imageWidget(), &ImageWidget::scaleChanged, this, &ViewList::activeViewChanged);
         connect(view->imageWidget(), &ImageWidget::pixelHovered, this,
                 [this, view](const QPoint& pixel) { Q_EMIT pixelHovered(*view, pixel); });

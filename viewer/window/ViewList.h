@@ -68,6 +68,9 @@ Q_SIGNALS:
     /// The mouse moved over a pixel of a view.
     void pixelHovered(const ImageView& view, const QPoint& pixel);
 
+    /// The recording of a view has begun or ended.
+    void recordingsChanged();
+
 private:
     void noteActivation(QMdiSubWindow* window);
     void noteClosing(int id);
