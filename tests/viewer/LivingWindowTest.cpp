@@ -238,7 +238,7 @@ TEST_F(LivingWindow, KeepsALimitedNumberOfLinesAndSaysHowManyItDropped)
     EXPECT_LE(text->blockCount(), 10000);
     EXPECT_GE(text->blockCount(), 9000);
     EXPECT_TRUE(console().endsWith(QStringLiteral("\nline 49999\n")));
-    const auto* dropped = viewer->window().findChild<QLabel*>(QStringLiteral("droppedLines"));
+    const auto* dropped = text->parentWidget()->findChild<QLabel*>(QStringLiteral("droppedLines"));
     ASSERT_NE(dropped, nullptr);
     const QString number = dropped->text().section(QLatin1Char(' '), 0, 0).remove(QLatin1Char(','));
     // The last block is empty: the text ends with a line feed.
