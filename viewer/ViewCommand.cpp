@@ -10,6 +10,8 @@ int openViewer(const ViewOptions& options)
 {
     Viewer::Settings settings;
     settings.showsOutput = true;
+    settings.staysOnExit = true;
+    settings.environment = qEnvironmentVariable("VIRTUAL_ENV");
     Viewer viewer(settings);
     // The viewer is useful even if it cannot run scripts.
     if (const QString problem = viewer.loadScripting(); !problem.isEmpty()) {

@@ -2,6 +2,7 @@
 
 #include "process/ProcessExit.h"
 #include "process/StandardStreams.h"
+#include "scripting/PythonFolders.h"
 #include "scripting/ScriptEnvironment.h"
 #include "scripting/ScriptFile.h"
 #include "scripting/ScriptQueue.h"
@@ -32,13 +33,21 @@ QString pluginLibrary()
     return QFileInfo::exists(built) ? built : programs.filePath(QStringLiteral(VANTREL_INSTALLED_PLUGIN));
 }
 
-/// The folder of the viewer's Python side.
-QString pythonFolder()
+QString absolute(const QString& folder)
 {
-    const QDir programs(QCoreApplication::applicationDirPath());
-    const QString built = programs.filePath(QStringLiteral("../python"));
-    const bool isBuilt = QFileInfo::exists(built + QStringLiteral("/vantrel_viewer"));
-    return QDir::cleanPath(isBuilt ? built : programs.filePath(QStringLiteral(VANTREL_INSTALLED_PYTHON)));
+    return folder.isEmpty() ? folder : QDir(folder).absolutePath();
+}
+
+ScriptState endOf(ScriptOutcome outcome)
+{
+    switch (outcome) {
+    case ScriptOutcome::Failed:
+        return ScriptState::Failed;
+    case ScriptOutcome::Interrupted:
+        return ScriptInterrupt::wasInterrupted() ? ScriptState::Stopped : ScriptState::Failed;
+    default:
+        return ScriptState::Finished;
+    }
 }
 
 /// Dismisses the dialogs that a script has opened and waits for.
@@ -63,10 +72,14 @@ Viewer::Viewer(const Settings& settings)
         m_console = new ScriptConsole(&m_window);
         m_window.addDockWidget(Qt::BottomDockWidgetArea, m_console);
         m_console->hide();
-        m_pulse = std::make_unique<ScriptPulse>(pythonFolder());
+        m_pulse = std::make_unique<ScriptPulse>();
     }
     m_scripts = std::make_unique<ScriptQueue>(
-        std::make_unique<ScriptRunner>(m_settings.pythonHome, [this](const QString& text) { passOutput(text); }),
+        std::make_unique<ScriptRunner>(ScriptRunner::Settings{.pythonHome = m_settings.pythonHome,
+                                                              .environment = absolute(m_settings.environment),
+                                                              .plainOutput = m_settings.plainOutput,
+                                                              .staysOnExit = m_settings.staysOnExit},
+                                       [this](const QString& text) { passOutput(text); }),
         m_settings.scriptsOnOwnThread);
 
     connect(m_scripts.get(), &ScriptQueue::runStarted, this, [this](const QString& name) {
@@ -74,7 +87,7 @@ Viewer::Viewer(const Settings& settings)
         m_runState.begin(name);
     });
     connect(m_scripts.get(), &ScriptQueue::runEnded, this, &Viewer::noteRunEnd);
-    connect(&m_window, &MainWindow::scriptChosen, this, &Viewer::runFile);
+    connect(&m_window, &MainWindow::scriptChosen, this, [this](const QString& path) { runFile(path); });
     connect(&m_window, &MainWindow::scriptStopRequested, &m_runState, &RunState::stop);
     connect(&m_window.scriptBar(), &ScriptBar::stopForGoodRequested, &m_runState, &RunState::stopForGood);
     connect(&m_runState, &RunState::changed, &m_window.scriptBar(), &ScriptBar::display);
@@ -99,28 +112,47 @@ Viewer::~Viewer()
 
 QString Viewer::loadScripting()
 {
-    QString problem = m_scripts->load(pluginLibrary());
-    m_window.setScriptLanguage(m_scripts->language());
+    if (QString problem = m_scripts->load(pluginLibrary()); !problem.isEmpty())
+        return problem;
+    const QString language = m_scripts->language();
+    m_window.setScriptLanguage(language);
+    if (!language.startsWith(QStringLiteral("Python ")))
+        return {};
+    QString problem = PythonFolders::problemWithHome(m_settings.pythonHome, language);
+    if (problem.isEmpty())
+        problem = PythonFolders::problemWithEnvironment(m_settings.environment, language);
+    if (!problem.isEmpty())
+        m_scripts->refuse(problem);
     return problem;
 }
 
-void Viewer::runScript(const QString& text, const QString& file)
+void Viewer::runFile(const QString& path, const QStringList& arguments)
 {
-    const QString folder =
-        m_settings.workingDirectory.isEmpty() ? QFileInfo(file).absolutePath() : m_settings.workingDirectory;
-    m_scripts->add(text, std::make_shared<ScriptEnvironment>(folder, [this](const QString& path) { runFile(path); }),
-                   QFileInfo(file).fileName());
-}
-
-void Viewer::runFile(const QString& path)
-{
-    QString problem;
-    if (const auto text = readScriptFile(path, problem)) {
-        runScript(*text, path);
-    } else {
+    if (const QString problem = problemWithScriptFile(path); !problem.isEmpty()) {
         qCritical().noquote() << problem;
         m_window.showNotification(problem);
+        return;
     }
+    ScriptJob job = jobIn(path);
+    job.file = QFileInfo(path).absoluteFilePath();
+    job.shownPath = path;
+    job.arguments = arguments;
+    m_scripts->add(std::move(job));
+}
+
+void Viewer::startInterpreter(const QString& file)
+{
+    m_scripts->add(jobIn(file));
+}
+
+ScriptJob Viewer::jobIn(const QString& file)
+{
+    const QFileInfo info(file);
+    const QString folder = m_settings.workingDirectory.isEmpty() ? info.absolutePath() : m_settings.workingDirectory;
+    ScriptJob job;
+    job.environment = std::make_shared<ScriptEnvironment>(folder, [this](const QString& path) { runFile(path); });
+    job.name = info.fileName();
+    return job;
 }
 
 void Viewer::passOutput(const QString& text)
@@ -130,14 +162,14 @@ void Viewer::passOutput(const QString& text)
         m_console->addOutput(text);
 }
 
-void Viewer::noteRunEnd(const QString& result)
+void Viewer::noteRunEnd(const QString& result, ScriptOutcome outcome)
 {
     writeAll(STDERR_FILENO, result.toUtf8());
     if (m_console)
         m_console->appendErrors(result);
     m_delegate.releaseImage();
     m_window.setScriptRunning(m_scripts->isBusy());
-    m_runState.end(result);
+    m_runState.end(endOf(outcome));
 }
 
 void Viewer::closeUnlessBusy()

@@ -6,5 +6,9 @@
 /// A locale that is not UTF-8 becomes C.UTF-8: Qt and scripts assume UTF-8.
 void preparePlatform();
 
+/// Gives numbers, dates and messages of the C library the form that scripts expect, which is that of the C locale.
+/// Called after the application object has been constructed, which sets another one.
+void resetLocale();
+
 /// Whether windows were to appear on a display and there is none. Call it after the application object was made.
 bool isDisplayMissing();

@@ -2,8 +2,11 @@
 
 #include "CxImageData.h"
 #include "CxScriptLangInterface.h"
+#include "PythonSide.h"
 #include "ScriptEnvironment.h"
+#include "ScriptFile.h"
 #include "process/ProcessExit.h"
+#include "stopping/ReleasedInterpreter.h"
 #include "stopping/ScriptInterrupt.h"
 #include "stopping/ScriptPulse.h"
 
@@ -19,6 +22,17 @@ void passOutput(const QString& text, bool /*isError*/)
         theOutput(text);
 }
 
+bool isPython(const QString& language)
+{
+    return language.startsWith(QStringLiteral("Python "));
+}
+
+/// Whether the text of a run's errors ends with an interrupt.
+bool endsInterrupted(const QString& result)
+{
+    return ScriptInterrupt::wasInterrupted() && result.contains(QStringLiteral("\nKeyboardInterrupt"));
+}
+
 void noteStart(void* /*unused*/, void* /*unused*/)
 {
     if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
@@ -28,8 +42,8 @@ void noteStart(void* /*unused*/, void* /*unused*/)
 
 } // namespace
 
-ScriptRunner::ScriptRunner(const QString& pythonHome, Output output)
-    : m_pythonHome(pythonHome)
+ScriptRunner::ScriptRunner(Settings settings, Output output)
+    : m_settings(std::move(settings))
 {
     theOutput = std::move(output);
 }
@@ -58,49 +72,80 @@ QString ScriptRunner::language() const
     return m_language ? m_language->languageVersion() : QString();
 }
 
-void ScriptRunner::run(const QString& script, std::shared_ptr<ScriptEnvironment> environment)
+void ScriptRunner::run(const ScriptJob& job)
 {
     QString result;
+    int outcome = int(ScriptOutcome::Ran);
     if (m_language) {
+        m_betweenRuns.reset();
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
             interrupt->runBegins();
-        prepare(*environment);
-        result = m_language->runScript(script, environment.get(), m_pythonHome, &noteStart, nullptr, &passOutput);
-        ProcessExit::disarm();
+        QString text = job.text;
+        if (!m_refusal.isEmpty()) {
+            result = m_refusal + QLatin1Char('\n');
+        } else if (isPython(language())) {
+            result = prepare(*job.environment);
+            if (!job.file.isEmpty())
+                text = PythonSide::callFor(job, m_settings.staysOnExit, outcome);
+        } else if (!job.file.isEmpty()) {
+            text = readScriptFile(job.file, result).value_or(QString());
+        }
+        const bool tellsOutcome = result.isEmpty() && !job.file.isEmpty() && isPython(language());
+        if (result.isEmpty()) {
+            result = m_language->runScript(text, job.environment.get(), m_settings.pythonHome, &noteStart, nullptr,
+                                           m_settings.plainOutput ? nullptr : &passOutput);
+            ProcessExit::disarm();
+        }
+        // Only a file that Python runs tells its outcome itself.
+        if (!result.isEmpty() && !tellsOutcome)
+            outcome = int(endsInterrupted(result) ? ScriptOutcome::Interrupted : ScriptOutcome::Failed);
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
             interrupt->scriptEnded();
-        m_environment = std::move(environment);
+        m_environment = job.environment;
+        m_betweenRuns = std::make_unique<ReleasedInterpreter>();
     }
-    Q_EMIT ended(result);
+    Q_EMIT ended(result, ScriptOutcome(outcome));
 }
 
-void ScriptRunner::prepare(ScriptEnvironment& environment)
+QString ScriptRunner::runOwn(const QString& text, ScriptEnvironment& environment)
 {
+    return m_language->runScript(text, &environment, m_settings.pythonHome, nullptr, nullptr, nullptr);
+}
+
+QString ScriptRunner::prepare(ScriptEnvironment& environment)
+{
+    if (!m_isPrepared) {
+        if (QString problem = runOwn(PythonSide::preparation(m_settings.environment), environment); !problem.isEmpty())
+            return problem;
+        m_isPrepared = true;
+    }
     ScriptPulse* pulse = ScriptPulse::instance();
-    if (!pulse || !language().startsWith(QStringLiteral("Python ")))
-        return;
-    const QString preparation = pulse->preparation();
+    const QString preparation = pulse ? pulse->preparation() : QString();
     if (preparation.isEmpty())
-        return;
-    const QString problem = m_language->runScript(preparation, &environment, m_pythonHome, nullptr, nullptr, nullptr);
-    if (problem.isEmpty())
+        return {};
+    if (const QString problem = runOwn(preparation, environment); problem.isEmpty())
         pulse->prepared();
     else
         qWarning().noquote() << "The window stands still while a script works:" << problem.trimmed();
+    return {};
 }
 
 void ScriptRunner::publish(const QString& name, std::shared_ptr<CxImageData> image)
 {
     if (!m_language)
         return;
+    m_betweenRuns.reset();
     m_language->addImageVariable(name, image.get());
+    m_betweenRuns = std::make_unique<ReleasedInterpreter>();
     m_published.push_back(std::move(image));
 }
 
 void ScriptRunner::unload()
 {
+    m_betweenRuns.reset();
     // Deleting the object ends the interpreter. The library stays loaded: an interpreter does not survive unloading.
     delete std::exchange(m_language, nullptr);
+    m_isPrepared = false;
     m_published.clear();
     m_environment.reset();
 }

@@ -135,11 +135,9 @@ bool isFunction(Object* frame, std::string_view function, std::string_view file)
     return is;
 }
 
-/// Whether later runs or other threads wait for the frame's code, for example for the lock of a module under import.
-/// Such code swallows no error and ends by itself.
-bool mustComplete(Object* frame)
+template<std::size_t count>
+bool isIn(Object* frame, const std::array<std::string_view, count>& files)
 {
-    constexpr std::array<std::string_view, 3> files = {"<frozen importlib", "/threading.py", "/concurrent/futures/"};
     const Interpreter& python = interpreter();
     Object* code = python.attribute(frame, "f_code");
     Object* name = code ? python.attribute(code, "co_filename") : nullptr;
@@ -151,6 +149,19 @@ bool mustComplete(Object* frame)
     for (Object* object : {code, name, text})
         python.release(object);
     return found;
+}
+
+/// Whether later runs or other threads wait for the frame's code, for example for the lock of a module under import.
+/// Such code swallows no error and ends by itself.
+bool mustComplete(Object* frame)
+{
+    return isIn(frame, std::array<std::string_view, 3>{"<frozen importlib", "/threading.py", "/concurrent/futures/"});
+}
+
+/// Whether the frame is one of the viewer's own, which stand below those of a script.
+bool isViewers(Object* frame)
+{
+    return isIn(frame, std::array<std::string_view, 1>{"/vantrel_viewer/"});
 }
 
 /// Whether the event leads from an error to the `__exit__` of a `with` statement, which must run to free its lock or
@@ -170,7 +181,7 @@ bool isOutermost(Object* frame)
 {
     const Interpreter& python = interpreter();
     Object* back = python.attribute(frame, "f_back");
-    const bool outermost = back == python.none;
+    const bool outermost = back && (back == python.none || isViewers(back));
     python.clear();
     python.release(back);
     return outermost;
@@ -197,7 +208,7 @@ int raiseAgain(Object* /*unused*/, Object* frame, int event, Object* /*detail*/)
         endTracing(); // what comes after the script, for example finalisers, works as usual
         return 0;
     }
-    if ((event != Call && event != Line && event != Opcode) || mustComplete(frame) ||
+    if ((event != Call && event != Line && event != Opcode) || mustComplete(frame) || isViewers(frame) ||
         InterpreterCalls::isDelicate(frame) || leadsToExit(frame, event))
         return 0;
     interpreter().setObject(*interpreter().interrupt, theError);
@@ -206,9 +217,9 @@ int raiseAgain(Object* /*unused*/, Object* frame, int event, Object* /*detail*/)
 
 } // namespace
 
-bool InterpreterCalls::isNone(const void* object)
+bool InterpreterCalls::isInScript(void* frame)
 {
-    return isInterpreterThere() && object == interpreter().none;
+    return !isInterpreterThere() || (frame != interpreter().none && !isViewers(frame));
 }
 
 bool InterpreterCalls::isDelicate(void* frame)

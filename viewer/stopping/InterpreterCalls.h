@@ -6,8 +6,8 @@
 /// All are called on the thread that runs scripts, while no other thread executes Python code.
 namespace InterpreterCalls {
 
-/// Whether an object is None.
-bool isNone(const void* object);
+/// Whether a frame is one of a script, and neither None nor one of the viewer's own.
+bool isInScript(void* frame);
 
 /// Whether an error raised in a frame would be lost or leave something behind: in a finaliser, whose errors the
 /// interpreter only reports, and while a program is being started, which would run on.

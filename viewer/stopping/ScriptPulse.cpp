@@ -87,8 +87,8 @@ void serve(int /*number*/, void* frame) noexcept
 {
     if (getpid() != viewerProcess || !QCoreApplication::instance())
         return; // a forked child
-    // Without a frame the script has ended, and the interpreter writes its traceback: an error would spoil that.
-    if (InterpreterCalls::isNone(frame))
+    // Otherwise the script has ended, and its traceback is being written: an error would spoil that.
+    if (!InterpreterCalls::isInScript(frame))
         return;
     if (mayProcessEvents())
         processEvents();
@@ -110,9 +110,8 @@ void serve(int /*number*/, void* frame) noexcept
 
 } // namespace
 
-ScriptPulse::ScriptPulse(const QString& folder)
-    : m_folder(folder)
-    , m_wakeFd(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
+ScriptPulse::ScriptPulse()
+    : m_wakeFd(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
 {
     viewerProcess = getpid();
     thePulse = this;
@@ -147,20 +146,7 @@ QString ScriptPulse::preparation() const
 {
     if (isHandlerInPlace())
         return {};
-    QString folder = m_folder;
-    folder.replace(QLatin1Char('\\'), QStringLiteral("\\\\")).replace(QLatin1Char('\''), QStringLiteral("\\'"));
-    // No byte code is written: nothing would remove it from the folder when the package is removed.
-    return QStringLiteral("import sys\n"
-                          "kept = sys.dont_write_bytecode\n"
-                          "sys.dont_write_bytecode = True\n"
-                          "sys.path.insert(0, '%1')\n"
-                          "try:\n"
-                          "    import vantrel_viewer\n"
-                          "finally:\n"
-                          "    sys.path.remove('%1')\n"
-                          "    sys.dont_write_bytecode = kept\n"
-                          "vantrel_viewer.handle_pulses(%2, %3)\n")
-        .arg(folder)
+    return QStringLiteral("__import__('vantrel_viewer').handle_pulses(%1, %2)\n")
         .arg(pulseSignal)
         .arg(reinterpret_cast<quintptr>(&serve));
 }

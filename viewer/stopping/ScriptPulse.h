@@ -17,8 +17,7 @@
 class ScriptPulse
 {
 public:
-    /// folder holds the viewer's Python package.
-    explicit ScriptPulse(const QString& folder);
+    ScriptPulse();
     ~ScriptPulse();
 
     /// The object of this process, or null.
@@ -42,7 +41,6 @@ public:
 private:
     void beat();
 
-    QString m_folder;
     int m_wakeFd = -1;
     std::atomic<bool> m_ends = false;
     std::thread m_thread;
