@@ -59,15 +59,19 @@ public:
         const QString& folder = m_options.workingDirectory;
         if (!folder.isEmpty() && !QFileInfo(folder).isDir())
             return QStringLiteral("%1 is not a folder.").arg(folder);
-        if (QString problem = m_viewer.loadScripting(); !problem.isEmpty())
+        QString problem = m_viewer.loadScripting();
+        if (!problem.isEmpty())
             return problem;
+        const auto failure = [](const QString& path, const QString& reason) {
+            return QStringLiteral("Cannot open %1 as an image: %2.").arg(path, reason);
+        };
         for (const QString& path : m_options.filesToOpen)
-            if (!m_viewer.window().views().openFile(path))
-                return QStringLiteral("Cannot open %1 as an image.").arg(path);
+            if (!m_viewer.window().views().openFile(path, true, &problem))
+                return failure(path, problem);
         for (const auto& [name, path] : m_options.images) {
-            std::shared_ptr<CxImageData> image = loadImageFile(path);
+            std::shared_ptr<CxImageData> image = loadImageFile(path, problem);
             if (!image)
-                return QStringLiteral("Cannot open %1 as an image.").arg(path);
+                return failure(path, problem);
             m_images.push_back({name, std::move(image)});
         }
         return {};

@@ -10,7 +10,7 @@ int openViewer(const ViewOptions& options)
 {
     Viewer::Settings settings;
     settings.showsOutput = true;
-    settings.staysOnExit = true;
+    settings.exitEndsScript = true;
     settings.environment = qEnvironmentVariable("VIRTUAL_ENV");
     Viewer viewer(settings);
     // The viewer is useful even if it cannot run scripts.
@@ -21,14 +21,10 @@ int openViewer(const ViewOptions& options)
     viewer.window().show();
     if (QGuiApplication::platformName() == QStringLiteral("offscreen"))
         qWarning() << "There is no display: the windows are invisible";
-    QStringList failed;
-    for (const QString& path : options.files)
-        if (!viewer.window().views().openFile(path))
-            failed += path;
+    const QStringList failures = viewer.window().views().openFiles(options.files);
     if (options.files.size() > 1)
         viewer.window().views().tile();
-    if (!failed.isEmpty())
-        viewer.window().showNotification(
-            MainWindow::tr("Cannot open as an image: %1").arg(failed.join(QStringLiteral(", "))));
+    if (!failures.isEmpty())
+        viewer.window().showNotification(failures.join(QLatin1Char('\n')));
     return QApplication::exec();
 }

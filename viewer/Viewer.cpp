@@ -3,6 +3,7 @@
 #include "process/ProcessExit.h"
 #include "process/StandardStreams.h"
 #include "scripting/PythonFolders.h"
+#include "process/UnwrittenErrors.h"
 #include "scripting/ScriptEnvironment.h"
 #include "scripting/ScriptFile.h"
 #include "scripting/ScriptQueue.h"
@@ -18,6 +19,7 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
+#include <QtWidgets/QMenu>
 
 #include <unistd.h>
 
@@ -72,13 +74,22 @@ Viewer::Viewer(const Settings& settings)
         m_console = new ScriptConsole(&m_window);
         m_window.addDockWidget(Qt::BottomDockWidgetArea, m_console);
         m_console->hide();
-        m_pulse = std::make_unique<ScriptPulse>();
+        QMenu* menu = m_window.menu(MainWindow::ViewMenu);
+        menu->addSeparator();
+        menu->addAction(m_console->toggleViewAction());
     }
+    m_exit = std::make_unique<ProcessExit>(ProcessExit::Hooks{.complete = [this] { completeFiles(); },
+                                                              .interruptScript =
+                                                                  [] {
+                                                                      if (ScriptInterrupt::currentRun() != 0)
+                                                                          ScriptPulse::send();
+                                                                  }});
+    m_pulse = std::make_unique<ScriptPulse>(m_settings.showsOutput);
     m_scripts = std::make_unique<ScriptQueue>(
         std::make_unique<ScriptRunner>(ScriptRunner::Settings{.pythonHome = m_settings.pythonHome,
                                                               .environment = absolute(m_settings.environment),
                                                               .plainOutput = m_settings.plainOutput,
-                                                              .staysOnExit = m_settings.staysOnExit},
+                                                              .exitEndsScript = m_settings.exitEndsScript},
                                        [this](const QString& text) { passOutput(text); }),
         m_settings.scriptsOnOwnThread);
 
@@ -94,20 +105,16 @@ Viewer::Viewer(const Settings& settings)
     connect(&m_window, &MainWindow::closed, this, &Viewer::quitAfterScript);
     connect(&m_interrupt, &ScriptInterrupt::interrupted, this, dismissDialogs);
     connect(&m_interrupt, &ScriptInterrupt::interruptedWhileIdle, this, &Viewer::closeUnlessBusy);
-
-    ProcessExit::prepare([this] {
-        for (const int id : m_window.views().ids())
-            m_window.views().view(id)->stopVideoRecording();
-    });
 }
 
 Viewer::~Viewer()
 {
-    ProcessExit::prepare(nullptr);
+    ProcessExit::complete();
     m_window.disconnect(this);
     m_delegate.endCalls();
     m_scripts.reset();
     m_pulse.reset();
+    m_exit.reset();
 }
 
 QString Viewer::loadScripting()
@@ -158,18 +165,25 @@ ScriptJob Viewer::jobIn(const QString& file)
 void Viewer::passOutput(const QString& text)
 {
     writeAll(STDOUT_FILENO, text.toUtf8());
-    if (m_console)
+    if (m_console && !ProcessExit::isForkedChild())
         m_console->addOutput(text);
 }
 
 void Viewer::noteRunEnd(const QString& result, ScriptOutcome outcome)
 {
+    UnwrittenErrors::forget();
     writeAll(STDERR_FILENO, result.toUtf8());
     if (m_console)
         m_console->appendErrors(result);
     m_delegate.releaseImage();
     m_window.setScriptRunning(m_scripts->isBusy());
     m_runState.end(endOf(outcome));
+}
+
+void Viewer::completeFiles()
+{
+    for (const int id : m_window.views().ids())
+        m_window.views().view(id)->stopVideoRecording();
 }
 
 void Viewer::closeUnlessBusy()

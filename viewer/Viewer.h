@@ -8,6 +8,7 @@
 
 #include <memory>
 
+class ProcessExit;
 class ScriptConsole;
 class ScriptPulse;
 class ScriptQueue;
@@ -26,8 +27,8 @@ public:
         QString environment; ///< a virtual environment for scripts; empty: none
         bool plainOutput =
             false; ///< whether what scripts print goes to standard output alone, from the interpreter itself
-        bool staysOnExit = false; ///< whether a SystemExit ends a script only, not the process
-        int simulatedCameras = 2; ///< number of simulated cameras to open
+        bool exitEndsScript = false; ///< whether an uncaught SystemExit ends its script and not the process
+        int simulatedCameras = 2;    ///< number of simulated cameras to open
     };
 
     explicit Viewer(const Settings& settings);
@@ -52,6 +53,7 @@ private:
     void passOutput(const QString& text);
     ScriptJob jobIn(const QString& file);
     void noteRunEnd(const QString& result, ScriptOutcome outcome);
+    void completeFiles();
     void closeUnlessBusy();
     void quitAfterScript();
 
@@ -62,5 +64,6 @@ private:
     MainWindow m_window;
     ApplicationDelegate m_delegate;
     ScriptConsole* m_console = nullptr;
+    std::unique_ptr<ProcessExit> m_exit;
     std::unique_ptr<ScriptQueue> m_scripts; // destroyed first: scripts use all the other members
 };

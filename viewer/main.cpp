@@ -4,6 +4,7 @@
 #include "process/LogRecords.h"
 #include "process/Platform.h"
 #include "process/StandardStreams.h"
+#include "process/ThreadSignals.h"
 
 #include <QtWidgets/QApplication>
 
@@ -45,6 +46,8 @@ int main(int argc, char** argv)
         return 0;
     }
 
+    if (line.command == CommandLine::Command::Run && line.run.worker)
+        ThreadSignals::keepAway();
     preparePlatform();
     LogRecords::writeToStandardError();
     // The arguments belong to this program; the toolkit gets only the program's name.

@@ -1,14 +1,13 @@
 #include "CameraSettingsFile.h"
 
 #include "CameraParamNames.h"
+#include "storage/FileReading.h"
+#include "storage/FileReplacement.h"
 
-#include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 #include <QtCore/QLoggingCategory>
-#include <QtCore/QSaveFile>
 
 #include <cmath>
 #include <limits>
@@ -18,15 +17,6 @@ namespace {
 const QString formatName = QStringLiteral("vantrel camera settings");
 constexpr int formatVersion = 1;
 constexpr qint64 largestFile = 1 << 20;
-
-/// Why a path cannot be a settings file, or empty if it can. Devices and pipes cannot: reading one may never end.
-QString pathProblem(const QString& path)
-{
-    if (path.isEmpty())
-        return QStringLiteral("the file name is empty");
-    const QFileInfo file(path);
-    return file.exists() && !file.isFile() ? QStringLiteral("it is not a regular file") : QString();
-}
 
 QJsonValue toJson(const CxValue& value)
 {
@@ -126,30 +116,19 @@ bool writeCameraSettings(const QString& path, const SxCameraInfo& camera, const 
     if (const auto& region = settings.region)
         root[QStringLiteral("region")] = QJsonArray{(*region)[0], (*region)[1], (*region)[2], (*region)[3]};
 
-    QString problem = pathProblem(path);
-    if (problem.isEmpty()) {
-        QSaveFile file(path);
-        const QByteArray text = QJsonDocument(root).toJson();
-        if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
-            return true;
-        problem = file.errorString();
-    }
-    qWarning("Cannot write camera settings to %ls: %ls", qUtf16Printable(path), qUtf16Printable(problem));
-    return false;
+    const FileProblem problem = replaceFile(path, QJsonDocument(root).toJson());
+    if (problem)
+        qWarning("Cannot write camera settings to %ls: %ls", qUtf16Printable(path), qUtf16Printable(problem.text()));
+    return !problem;
 }
 
 std::optional<CameraSettings> readCameraSettings(const QString& path)
 {
-    QString problem = pathProblem(path);
-    if (problem.isEmpty()) {
-        QFile file(path);
-        if (!file.open(QIODevice::ReadOnly))
-            problem = file.errorString();
-        else if (file.size() > largestFile)
-            problem = QStringLiteral("it is too large");
-        else if (auto settings = settingsFromText(file.readAll(), problem))
+    QByteArray text;
+    QString problem = readWholeFile(path, largestFile, text).text();
+    if (problem.isEmpty())
+        if (auto settings = settingsFromText(text, problem))
             return settings;
-    }
     qWarning("Cannot read camera settings from %ls: %ls", qUtf16Printable(path), qUtf16Printable(problem));
     return std::nullopt;
 }

@@ -25,55 +25,52 @@ struct HeaderClaim {
     std::uint64_t fileBytes = 0;     ///< minimum length of the file; 0 if the format does not say
 };
 
-QString truncated()
-{
-    return QStringLiteral("is truncated");
-}
-
-QString damagedHeader()
-{
-    return QStringLiteral("has a damaged header");
-}
-
-QString problemOf(const HeaderClaim& claim, qsizetype fileSize)
+FileProblem problemOf(const HeaderClaim& claim, qsizetype fileSize)
 {
     if (claim.width == 0 || claim.height == 0)
-        return damagedHeader();
+        return FileProblem::DamagedHeader;
     const QString size = QStringLiteral("%1 x %2 pixels").arg(claim.width).arg(claim.height);
     if (claim.width > maxSide || claim.height > maxSide || claim.width * claim.height > maxPixels)
-        return QStringLiteral("is too large: its header says %1").arg(size);
+        return {FileProblem::LargeHeader, size};
     const std::uint64_t decoded = claim.width * claim.height * claim.bytesPerPixel;
     const auto length = std::uint64_t(fileSize);
     if (length < claim.fileBytes)
-        return truncated();
+        return FileProblem::Truncated;
     if (decoded > largeImageBytes && decoded / maxCompression > length)
-        return QStringLiteral("is damaged: its header says %1, but the file has only %2 bytes").arg(size).arg(length);
-    return QString();
+        return {FileProblem::DamagedSize, QStringLiteral("%1, but the file has only %2 bytes").arg(size).arg(length)};
+    return {};
 }
 
-QString pngProblem(const QByteArray& file)
+FileProblem pngProblem(const QByteArray& file)
 {
     const ByteReader reader(file, ByteReader::BigEndian);
     if (!reader.has(0, 33))
-        return truncated();
+        return FileProblem::Truncated;
     if (file.mid(12, 4) != "IHDR")
-        return damagedHeader();
+        return FileProblem::DamagedHeader;
     HeaderClaim claim;
     claim.width = reader.u32(16);
     claim.height = reader.u32(20);
     claim.bytesPerPixel = reader.u8(24) == 16 ? 8 : 4;
-    return problemOf(claim, file.size());
+    FileProblem problem = problemOf(claim, file.size());
+    if (problem)
+        return problem;
+    constexpr qsizetype besideData = 12; // length, kind and checksum of a chunk
+    for (qsizetype at = 8; reader.has(at, besideData); at += besideData + qsizetype(reader.u32(at)))
+        if (file.mid(at + 4, 4) == "IEND")
+            return {};
+    return FileProblem::Truncated;
 }
 
-QString bmpProblem(const QByteArray& file)
+FileProblem bmpProblem(const QByteArray& file)
 {
     const ByteReader reader(file, ByteReader::LittleEndian);
     if (!reader.has(0, 26))
-        return truncated();
+        return FileProblem::Truncated;
     const std::uint64_t pixels = reader.u32(10);
     const bool old = reader.u32(14) == 12;
     if (!old && !reader.has(0, 54))
-        return truncated();
+        return FileProblem::Truncated;
     HeaderClaim claim;
     claim.width = old ? reader.u16(18) : reader.u32(18);
     claim.height = old ? reader.u16(20) : reader.u32(22);
@@ -88,7 +85,7 @@ QString bmpProblem(const QByteArray& file)
     return problemOf(claim, file.size());
 }
 
-QString anymapProblem(const QByteArray& file)
+FileProblem anymapProblem(const QByteArray& file)
 {
     const char kind = file[1];
     const bool bitmap = kind == '1' || kind == '4';
@@ -99,7 +96,7 @@ QString anymapProblem(const QByteArray& file)
     claim.height = header.number();
     const std::uint64_t maximum = bitmap ? 1 : header.number();
     if (maximum == 0 || maximum > 65535)
-        return damagedHeader();
+        return FileProblem::DamagedHeader;
     claim.bytesPerPixel = channels * (maximum > 255 ? 2 : 1);
     if (claim.width <= maxSide && claim.height <= maxSide) {
         const std::uint64_t values = claim.width * claim.height * channels;
@@ -130,7 +127,7 @@ qsizetype endOfScan(const QByteArray& file, qsizetype at)
     }
 }
 
-QString jpegProblem(const QByteArray& file)
+FileProblem jpegProblem(const QByteArray& file)
 {
     constexpr std::uint8_t endOfImage = 0xD9;
     constexpr std::uint8_t startOfScan = 0xDA;
@@ -139,9 +136,9 @@ QString jpegProblem(const QByteArray& file)
     qsizetype at = 2;
     for (;;) {
         if (!reader.has(at, 2))
-            return truncated();
+            return FileProblem::Truncated;
         if (reader.u8(at) != 0xFF)
-            return QStringLiteral("is damaged");
+            return FileProblem::Damaged;
         const std::uint8_t marker = reader.u8(at + 1);
         if (marker == 0xFF) { // fill byte
             ++at;
@@ -150,7 +147,7 @@ QString jpegProblem(const QByteArray& file)
         if (marker == endOfImage)
             break;
         if (!reader.has(at, 4) || !reader.has(at, 2 + reader.u16(at + 2)))
-            return truncated();
+            return FileProblem::Truncated;
         const bool frame = marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC;
         if (frame && reader.u16(at + 2) >= 8) {
             claim.height = reader.u16(at + 5);
@@ -164,12 +161,12 @@ QString jpegProblem(const QByteArray& file)
     return problemOf(claim, file.size());
 }
 
-QString tiffProblem(const QByteArray& file)
+FileProblem tiffProblem(const QByteArray& file)
 {
     using Tag = TiffDirectory::Tag;
     const TiffDirectory directory(file);
     if (!directory.isComplete())
-        return truncated();
+        return FileProblem::Truncated;
     HeaderClaim claim;
     claim.width = directory.value(Tag::ImageWidth).value_or(0);
     claim.height = directory.value(Tag::ImageLength).value_or(0);
@@ -180,8 +177,8 @@ QString tiffProblem(const QByteArray& file)
     tile.width = directory.value(Tag::TileWidth).value_or(0);
     tile.height = directory.value(Tag::TileLength).value_or(0);
     if (tile.width != 0 && tile.height != 0) {
-        const QString problem = problemOf(tile, file.size());
-        if (!problem.isEmpty())
+        FileProblem problem = problemOf(tile, file.size());
+        if (problem)
             return problem;
     }
     return problemOf(claim, file.size());
@@ -189,10 +186,10 @@ QString tiffProblem(const QByteArray& file)
 
 } // namespace
 
-QString imageFileProblem(const QByteArray& file)
+FileProblem imageFileProblem(const QByteArray& file)
 {
     if (file.isEmpty())
-        return QStringLiteral("is empty");
+        return FileProblem::Empty;
     switch (formatOfContent(file)) {
     case ImageFileFormat::Png:
         return pngProblem(file);
@@ -207,5 +204,5 @@ QString imageFileProblem(const QByteArray& file)
     case ImageFileFormat::Unknown:
         break;
     }
-    return QStringLiteral("is not an image or is damaged");
+    return FileProblem::NotAnImage;
 }

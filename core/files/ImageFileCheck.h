@@ -1,11 +1,12 @@
 #pragma once
 
+#include "storage/FileProblem.h"
+
 #include <QtCore/QByteArray>
-#include <QtCore/QString>
 
 /// Checks an image file before decoding: whether the viewer reads its format, whether the size in the header is sane,
 /// and whether the file is as long as the header says, if the format allows this check.
 ///
 /// Decoders allocate whatever memory a header claims, and some fill in the missing part of a truncated file; this check
-/// prevents both. Returns the problem as a predicate for the file, such as "is truncated", or an empty text.
-QString imageFileProblem(const QByteArray& file);
+/// prevents both.
+FileProblem imageFileProblem(const QByteArray& file);

@@ -4,12 +4,13 @@
 #include "CxPicBufAPI.h"
 #include "ImageFileCheck.h"
 #include "ImageFileDepth.h"
+#include "ImageFileFormat.h"
 #include "OwnedPicBuf.h"
+#include "QuietLibraries.h"
 #include "buffers/PicBufMat.h"
+#include "storage/FileReading.h"
 
 #include <QtCore/QDebug>
-#include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 
 #include <opencv2/imgcodecs.hpp>
 
@@ -18,10 +19,13 @@
 
 namespace {
 
-cv::Mat decode(const QByteArray& file)
+/// The pixels of a file; none if it is damaged. messages are what the libraries complain of.
+cv::Mat decode(const QByteArray& file, QByteArray& messages)
 {
     const cv::Mat bytes(1, int(file.size()), CV_8UC1, const_cast<char*>(file.constData()));
-    return cv::imdecode(bytes, cv::IMREAD_UNCHANGED);
+    cv::Mat pixels;
+    messages = withoutMessages([&] { pixels = cv::imdecode(bytes, cv::IMREAD_UNCHANGED); });
+    return pixels;
 }
 
 } // namespace
@@ -36,16 +40,15 @@ ImageFileReader::~ImageFileReader() = default;
 bool ImageFileReader::readFile()
 {
     m_image.reset();
-    QString problem;
     try {
-        problem = read();
+        m_problem = read();
     } catch (const std::bad_alloc&) {
-        problem = QStringLiteral("is too large for the available memory");
+        m_problem = FileProblem::OutOfMemory;
     } catch (...) { // OpenCV's own exceptions, and those of the libraries that it decodes with
-        problem = QStringLiteral("is damaged");
+        m_problem = FileProblem::Damaged;
     }
-    if (!problem.isEmpty())
-        qCritical().noquote() << QStringLiteral("Cannot read image file %1: it %2").arg(m_path, problem);
+    if (m_problem)
+        qCritical().noquote() << QStringLiteral("Cannot read image file %1: %2").arg(m_path, m_problem.text());
     return m_image != nullptr;
 }
 
@@ -54,30 +57,24 @@ QObject* ImageFileReader::frameAt(int index)
     return index == 0 ? m_image.get() : nullptr;
 }
 
-QString ImageFileReader::read()
+FileProblem ImageFileReader::read()
 {
-    QFile file(m_path);
-    if (!file.exists())
-        return QStringLiteral("does not exist");
-    if (!QFileInfo(m_path).isFile()) // a pipe or a device may never end
-        return QStringLiteral("is not a regular file");
-    if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("cannot be opened (%1)").arg(file.errorString());
-    if (file.size() > std::numeric_limits<int>::max())
-        return QStringLiteral("is larger than 2 GB");
-    const QByteArray bytes = file.readAll();
-    const QString problem = imageFileProblem(bytes);
-    if (!problem.isEmpty())
+    QByteArray bytes;
+    FileProblem problem = readWholeFile(m_path, std::numeric_limits<int>::max(), bytes);
+    if (!problem)
+        problem = imageFileProblem(bytes);
+    if (problem)
         return problem;
-    const cv::Mat pixels = decode(bytes);
+    QByteArray messages;
+    const cv::Mat pixels = decode(bytes, messages);
     if (pixels.empty())
-        return QStringLiteral("is damaged");
+        return FileProblem::Damaged;
     if (dataTypeOfDepth(pixels.depth()) == ExImageDataType::None)
-        return QStringLiteral("has pixel values of an unsupported type");
+        return FileProblem::UnknownPixels;
     OwnedPicBuf owned(picBufFromMat(pixels));
     SxPicBuf& buffer = owned.buffer;
     if (!buffer.data)
-        return QStringLiteral("is too large for the available memory");
+        return FileProblem::OutOfMemory;
     const unsigned recorded = recordedDepth(bytes);
     if (buffer.dataType == ExImageDataType::UInt16 && recorded > 0 && recorded < buffer.bpc) {
         buffer.bpc = recorded;
@@ -86,5 +83,8 @@ QString ImageFileReader::read()
     }
     m_image = std::make_unique<CxImageData>();
     m_image->setPicBuf(owned.release());
-    return QString();
+    // The decoder fills lost parts with grey. Messages about other formats concern what is beside the pixels.
+    if (!messages.isEmpty() && formatOfContent(bytes) == ImageFileFormat::Jpeg)
+        qWarning().noquote() << QStringLiteral("Image file %1 is damaged: some of its pixels may be wrong").arg(m_path);
+    return {};
 }

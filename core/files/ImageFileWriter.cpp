@@ -5,9 +5,9 @@
 #include "ImageFileFormat.h"
 #include "StorablePixels.h"
 #include "buffers/PicBufMat.h"
+#include "storage/FileReplacement.h"
 
 #include <QtCore/QDebug>
-#include <QtCore/QSaveFile>
 
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
@@ -76,14 +76,6 @@ bool hasDepthToRecord(const SxPicBuf& pixels)
            CxPicBufAPI::CheckPicValidData(pixels);
 }
 
-QString writeFile(const QString& path, const QByteArray& bytes)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-        return QStringLiteral("the file cannot be written (%1)").arg(file.errorString());
-    return QString();
-}
-
 } // namespace
 
 ImageFileWriter::ImageFileWriter(const QString& path, const QString& extension)
@@ -94,35 +86,34 @@ ImageFileWriter::ImageFileWriter(const QString& path, const QString& extension)
 
 bool ImageFileWriter::saveImage(CxImageData* image, const QVariantMap* options)
 {
-    QString problem;
     try {
-        problem = save(image, options ? *options : QVariantMap());
+        m_problem = save(image, options ? *options : QVariantMap());
     } catch (const cv::Exception& error) {
-        problem = QStringLiteral("the image cannot be encoded (%1)").arg(QString::fromStdString(error.err));
+        m_problem = {FileProblem::NotEncoded, QString::fromStdString(error.err)};
     } catch (const std::bad_alloc&) {
-        problem = QStringLiteral("the image is too large for the available memory");
+        m_problem = FileProblem::OutOfMemory;
     } catch (const std::exception& error) {
-        problem = QString::fromUtf8(error.what());
+        m_problem = {FileProblem::NotEncoded, QString::fromUtf8(error.what())};
     } catch (...) {
-        problem = QStringLiteral("the image cannot be encoded");
+        m_problem = {FileProblem::NotEncoded, QStringLiteral("unknown error")};
     }
-    if (!problem.isEmpty())
-        qCritical().noquote() << QStringLiteral("Cannot save image file %1: %2").arg(m_path, problem);
-    return problem.isEmpty();
+    if (m_problem)
+        qCritical().noquote() << QStringLiteral("Cannot save image file %1: %2").arg(m_path, m_problem.text());
+    return !m_problem;
 }
 
-QString ImageFileWriter::save(CxImageData* image, const QVariantMap& options) const
+FileProblem ImageFileWriter::save(CxImageData* image, const QVariantMap& options) const
 {
     const SxPicBuf* buffer = image ? image->picBuf() : nullptr;
     if (!buffer || !buffer->data)
-        return QStringLiteral("the image has no pixels");
+        return FileProblem::NoPixels;
     const Format format = formatOfExtension(m_extension);
     if (buffer->channels != 1 && !SxPicBufInfo::isColorChannelCount(buffer->channels))
-        return QStringLiteral("the image has %1 channels, but a file can hold 1, 3 or 4").arg(buffer->channels);
+        return {FileProblem::Channels, QString::number(buffer->channels)};
     OwnedPicBuf converted;
     const SxPicBuf storable = storablePixels(*buffer, storableTypes(format, buffer->channels), converted);
     if (!storable.data)
-        return QStringLiteral("the file format cannot hold the values of the image");
+        return FileProblem::LostDepth;
 
     cv::Mat pixels = readMat(storable, matDepth(storable.dataType));
     if (pixels.channels() == 4 && !keepsAlpha(format)) {
@@ -132,8 +123,8 @@ QString ImageFileWriter::save(CxImageData* image, const QVariantMap& options) co
     }
     std::vector<uchar> encoded;
     if (!cv::imencode(encoderName(format, pixels.channels()), pixels, encoded, encoderParameters(format, options)))
-        return QStringLiteral("the image cannot be encoded");
+        return {FileProblem::NotEncoded, QStringLiteral("unknown error")};
     const auto bytes =
         QByteArray::fromRawData(reinterpret_cast<const char*>(encoded.data()), qsizetype(encoded.size()));
-    return writeFile(m_path, hasDepthToRecord(storable) ? withRecordedDepth(bytes, storable.bpc) : bytes);
+    return replaceFile(m_path, hasDepthToRecord(storable) ? withRecordedDepth(bytes, storable.bpc) : bytes);
 }

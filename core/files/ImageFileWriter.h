@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CxImageFileSaver.h"
+#include "storage/FileProblem.h"
 
 #include <QtCore/QString>
 
@@ -18,20 +19,18 @@
 /// There are two exceptions, for pictures to look at: in BMP and JPEG the full scale of deeper unsigned values becomes
 /// 255, and packed colours become 8-bit colours. JPEG compression loses detail. The file records how many bits of
 /// 16-bit values are in use (see ImageFileDepth.h).
-class ImageFileWriter final : public CxImageFileSaver
+class ImageFileWriter final : public CxImageFileSaver, public FileProblemSource
 {
 public:
     /// extension  in lower case, without the dot.
     ImageFileWriter(const QString& path, const QString& extension);
 
-    /// Encodes the image in memory, writes a temporary file beside the target and renames it. On failure returns false,
-    /// logs one line and leaves an existing file unchanged. The option "quality" is for JPEG: 0 to 100, default 95.
-    /// Never throws.
+    /// Encodes the image in memory and replaces the file as a whole. On failure returns false, logs one line and leaves
+    /// an existing file unchanged. The option "quality" is for JPEG: 0 to 100, default 95. Never throws.
     bool saveImage(CxImageData* image, const QVariantMap* options) override;
 
 private:
-    /// Saves the image. Returns the problem, or an empty text on success.
-    QString save(CxImageData* image, const QVariantMap& options) const;
+    FileProblem save(CxImageData* image, const QVariantMap& options) const;
 
     QString m_path;
     QString m_extension;

@@ -8,6 +8,8 @@
 /// the text collected for its result, such as a message given to sys.exit, would be lost. While an object of this class
 /// exists, that text is written to the process's standard error stream when the process exits.
 ///
+/// A process that the script has forked writes what it has added itself.
+///
 /// The interpreter is finalised before exit() is called. The text is therefore written before the host's atexit()
 /// functions run, even if one of them ends the process.
 class ExitReport

@@ -8,7 +8,7 @@ import os
 import sys
 from typing import Any, Dict, List
 
-from . import errors, modules, stack
+from . import errors, leaving, modules, stack
 
 __all__ = ["RAN", "FAILED", "INTERRUPTED", "LEFT", "run_file"]
 
@@ -67,8 +67,16 @@ def _leave(error: SystemExit, stays: bool) -> int:
     code = 0 if error.code is None else error.code
     if not isinstance(code, int):
         errors.write_exit_text(code)
+        if stays and not leaving.is_child():
+            return LEFT  # the text tells why
         code = 1
     if not stays:
         raise SystemExit(code)
-    errors.write(f"The script has ended itself with status {int(code)}.\n")
+    if leaving.is_child():
+        leaving.leave_child(code)
+    (errors.write if code else _print)(f"The script has ended with exit status {int(code)}.\n")
     return LEFT
+
+
+def _print(text: str) -> None:
+    print(text, end="")

@@ -20,10 +20,11 @@ ARROWS = {
     "host": [],
     "core": [],
     "core/buffers": [],
-    "core/cameras": [],
+    "core/cameras": ["core/storage"],
     "core/chain": ["core/buffers"],
-    "core/files": ["core/buffers"],
+    "core/files": ["core/buffers", "core/storage"],
     "core/measure": ["core/buffers"],
+    "core/storage": [],
     "cameras": ["cameras/simulated"],
     "cameras/simulated": ["cameras"],
     "plugins/python": ["plugins/script", "plugins/script/support"],
@@ -63,7 +64,7 @@ ARROWS = {
     "viewer/workshop": ["viewer/process"],
     "viewer/cameras": ["cameras", "viewer/views", "viewer/window"],
     "viewer/window": ["cameras", "viewer/process", "viewer/views"],
-    "viewer/views": ["core/buffers", "core/chain", "viewer/process"],
+    "viewer/views": ["core/buffers", "core/chain", "core/storage", "viewer/process"],
     "viewer/process": [],
 }
 

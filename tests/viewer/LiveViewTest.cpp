@@ -1,5 +1,6 @@
 #include "CameraWindowTest.h"
 #include "scripting/ScriptWait.h"
+#include "simulated/SimulatedCamera.h"
 
 #include <QtCore/QPointer>
 #include <QtCore/QTemporaryDir>
@@ -173,6 +174,38 @@ TEST_F(LiveView, ARestartLeavesTheViewForTheCameraThatComesBack)
     EXPECT_EQ(start(), view);
     EXPECT_TRUE(view->isLive());
     EXPECT_EQ(camera()->parameters()->findParam(QStringLiteral("exposure"), false)->paramValue().toInt(), 10000);
+}
+
+/// Loses every second frame.
+class LossyCamera : public SimulatedCamera
+{
+public:
+    LossyCamera()
+        : SimulatedCamera(simulatedSensor(2))
+    {
+    }
+    std::unique_ptr<CxImageData> nextFrame() override
+    {
+        auto frame = SimulatedCamera::nextFrame();
+        if (frame)
+            frame->picBuf()->acqFrameNumber *= 2;
+        return frame;
+    }
+};
+
+TEST_F(LiveView, CountsTheFramesThatItsRecordingLacks)
+{
+    ViewerCamera* lossy = delegate.cameras().open(std::make_unique<LossyCamera>());
+    const QTemporaryDir folder;
+    for (const auto& [handle, lost] : {std::pair(this->handle(), 0), std::pair(lossy->handle(), 1)}) {
+        EXPECT_TRUE(delegate.setCameraAcquisition(true, handle));
+        ImageView* view = window.views().active();
+        ASSERT_TRUE(until([&] { return frameNumber(*view) >= 2; }));
+        ASSERT_TRUE(view->startVideoRecording(folder.filePath(QStringLiteral("%1.avi").arg(lost))));
+        ASSERT_TRUE(until([&] { return view->recorder().frameCount() >= 5; }));
+        EXPECT_EQ(view->recorder().droppedCount(), lost * view->recorder().frameCount());
+        view->stopVideoRecording();
+    }
 }
 
 TEST_F(LiveView, TheCameraMenuStartsAndStops)

@@ -107,6 +107,34 @@ TEST_F(LivingWindow, AnswersInAnEventLoopOfTheLanguage)
                   "print('begun')\nloop = asyncio.new_event_loop()\nloop.run_until_complete(work())\n");
 }
 
+/// A script may bring the toolkit along, and run an event loop of its own. This one makes a loop with the library that
+/// the viewer uses.
+const char* const eventLoop = "import ctypes, threading\n"
+                              "core = ctypes.CDLL('libQt6Core.so.6')\n"
+                              "loop = ctypes.create_string_buffer(64)\n"
+                              "core._ZN10QEventLoopC1EP7QObject(loop, None)\n"
+                              "print('begun')\n";
+
+TEST_F(LivingWindow, AnswersInAnEventLoopThatAScriptRuns)
+{
+    const QByteArray script =
+        eventLoop + QByteArray("threading.Timer(2, core._ZN10QEventLoop4quitEv, (loop,)).start()\n"
+                               "core._ZN10QEventLoop4execE6QFlagsINS_17ProcessEventsFlagEE(loop, 0)\n"
+                               "print('never')\n");
+    expectAnswers(script.constData());
+    EXPECT_FALSE(console().contains(QStringLiteral("never")));
+}
+
+TEST_F(LivingWindow, AnswersWhileAScriptProcessesEvents)
+{
+    const QByteArray script =
+        eventLoop + QByteArray("wait_for_more = 4\n"
+                               "while True:\n"
+                               "    core._ZN10QEventLoop13processEventsE6QFlagsINS_17ProcessEventsFlagEE(loop, "
+                               "wait_for_more)\n");
+    expectAnswers(script.constData());
+}
+
 TEST_F(LivingWindow, ShowsPicturesOfACameraInABusyLoop)
 {
     run("import vantrel\ncamera = vantrel.Camera()\ncamera.open_device_by_user_id('LEFT')\n"
@@ -206,7 +234,7 @@ TEST_F(LivingWindow, KeepsALimitedNumberOfLinesAndSaysHowManyItDropped)
 {
     run("for i in range(50000): print('line', i)\n");
     runAll();
-    const auto* text = viewer->window().findChild<QPlainTextEdit*>();
+    const auto* text = viewer->window().findChild<QPlainTextEdit*>(QStringLiteral("scriptOutput"));
     EXPECT_LE(text->blockCount(), 10000);
     EXPECT_GE(text->blockCount(), 9000);
     EXPECT_TRUE(console().endsWith(QStringLiteral("\nline 49999\n")));

@@ -41,6 +41,8 @@ ProgramTest::Outcome ProgramTest::call(const QStringList& arguments, const std::
     }
     if (process.exitStatus() == QProcess::NormalExit)
         outcome.status = process.exitCode();
+    else
+        outcome.signal = process.exitCode();
     outcome.output = process.readAllStandardOutput().toStdString();
     outcome.errors = process.readAllStandardError().toStdString();
     return outcome;

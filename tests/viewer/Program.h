@@ -13,6 +13,7 @@ class ProgramTest : public testing::Test
 protected:
     struct Outcome {
         int status = -1; ///< -1 when the program did not end by itself
+        int signal = 0;  ///< that ended the program
         std::string output;
         std::string errors;
     };

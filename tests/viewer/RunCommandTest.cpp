@@ -97,6 +97,54 @@ TEST_P(RunOnEitherThread, AnInterruptStopsAScriptThatSleeps)
     EXPECT_EQ(outcome.status, 1);
 }
 
+TEST_P(RunOnEitherThread, ATimerInterruptsASleepThatGoesOnThen)
+{
+    const Outcome outcome = run("import signal, time, threading\n"
+                                "begin = time.monotonic()\n"
+                                "took = []\n"
+                                "def handle(number, frame):\n"
+                                "    took.append(time.monotonic() - begin)\n"
+                                "    assert threading.current_thread() is threading.main_thread()\n"
+                                "signal.signal(signal.SIGALRM, handle)\n"
+                                "signal.setitimer(signal.ITIMER_REAL, 0.2, 0.2)\n"
+                                "time.sleep(1.1)\n"
+                                "signal.setitimer(signal.ITIMER_REAL, 0)\n"
+                                "assert 1.1 <= time.monotonic() - begin < 3, time.monotonic() - begin\n"
+                                "assert len(took) >= 4 and took[0] < 0.6, took\n",
+                                thread());
+    EXPECT_EQ(outcome.errors, "");
+}
+
+TEST_P(RunOnEitherThread, AHandlerOfASignalMayEndASleepOrARead)
+{
+    for (const char* wait :
+         {"time.sleep(600)", "os.read(os.pipe()[0], 1)", "lock.acquire()", "subprocess.run(['sleep', '600'])"}) {
+        const Outcome outcome = run((std::string("import os, signal, subprocess, threading, time\n"
+                                                 "lock = threading.Lock()\n"
+                                                 "lock.acquire()\n"
+                                                 "def handle(number, frame): raise TimeoutError\n"
+                                                 "signal.signal(signal.SIGALRM, handle)\n"
+                                                 "signal.alarm(1)\n"
+                                                 "try:\n    ") +
+                                     wait + "\nexcept TimeoutError:\n    print('ended')\n")
+                                        .c_str(),
+                                    thread());
+        EXPECT_EQ(outcome.output, "ended\n") << wait;
+        EXPECT_EQ(outcome.errors, "") << wait;
+    }
+}
+
+TEST_P(RunOnEitherThread, ProgramsOfAScriptReceiveSignals)
+{
+    const Outcome outcome = run("import signal, subprocess, sys\n"
+                                "child = subprocess.Popen(['sleep', '600'])\n"
+                                "child.send_signal(signal.SIGALRM)\n"
+                                "print(child.wait())\n"
+                                "print(signal.pthread_sigmask(signal.SIG_BLOCK, []))\n",
+                                thread());
+    EXPECT_EQ(outcome.output, "-14\nset()\n") << outcome.errors;
+}
+
 TEST_P(RunOnEitherThread, ImagesArePublishedUnderTheirNames)
 {
     ASSERT_TRUE(QImage(6, 4, QImage::Format_Grayscale8).save(path("dark.png")));
@@ -223,6 +271,76 @@ TEST_F(RunCommand, ASystemExitWhileAVideoIsRecordedCompletesIt)
     EXPECT_EQ(frames, 3);
 }
 
+TEST_F(RunCommand, ARecordingWithoutAFrameLeavesTheOldFile)
+{
+    ASSERT_TRUE(QImage(64, 48, QImage::Format_Grayscale8).save(path("a.png")));
+    write("v.avi", "old");
+    for (const char* end : {"vantrel.stop_video_recording()", "import sys; sys.exit(3)", "import os; os._exit(3)",
+                            "import os; os.abort()", "vantrel.close_view()"}) {
+        const std::string script = std::string("import vantrel\nprint(vantrel.record_video_to_file('v.avi'))\n") + end;
+        const Outcome outcome = run(script.c_str(), list({"--open", "a.png"}));
+        EXPECT_EQ(outcome.output.substr(0, 5), "True\n") << end << outcome.errors;
+        EXPECT_EQ(read("v.avi"), "old") << end;
+    }
+}
+
+TEST_F(RunCommand, AKilledRecordingLeavesTheOldFile)
+{
+    ASSERT_TRUE(QImage(64, 48, QImage::Format_Grayscale8).save(path("a.png")));
+    write("v.avi", "old");
+    const char* const script = "import vantrel\nvantrel.record_video_to_file('v.avi')\n"
+                               "for i in range(100): vantrel.set_view_image(vantrel.get_view_image())\n"
+                               "print('recording', flush=True)\nvantrel.wait(600)\n";
+    run(script, list({"--open", "a.png"}), [](QProcess& process) { process.kill(); });
+    EXPECT_EQ(read("v.avi"), "old");
+}
+
+TEST_F(RunCommand, DamagedFilesBringOnlyLinesOfItsOwn)
+{
+    QImage picture(64, 48, QImage::Format_RGB888);
+    picture.fill(Qt::white);
+    for (int i = 0; i < 64 * 48; ++i)
+        picture.setPixel(i % 64, i / 64, QRgb(unsigned(i) * 2654435761U));
+    int files = 0;
+    for (const char* extension : {"png", "jpg", "bmp", "ppm"}) {
+        const QByteArray name = QByteArray("whole.") + extension;
+        ASSERT_TRUE(picture.save(path(name.constData())));
+        const QByteArray whole = read(name.constData());
+        for (const int step : {0, 1, 2, 3, 4}) {
+            QByteArray broken = whole;
+            broken.replace(whole.size() * (step + 1) / 6, 40, QByteArray(40, char(0x40 + step)));
+            write((QByteArray("broken") + QByteArray::number(files++) + '.' + extension).constData(), broken);
+            const qsizetype length = whole.size() * (step + 1) / 6;
+            write((QByteArray("broken") + QByteArray::number(files++) + '.' + extension).constData(),
+                  whole.left(length));
+        }
+    }
+    const Outcome outcome = run("import glob, os, vantrel\nos.chdir(vantrel.get_working_directory())\n"
+                                "image = vantrel.Image()\nnames = sorted(glob.glob('broken*'))\n"
+                                "for name in names:\n    image.from_file(name)\n    image = vantrel.Image()\n"
+                                "print(len(names))\n");
+    EXPECT_EQ(outcome.output, std::to_string(files) + "\n") << outcome.errors;
+    const QStringList lines = QString::fromStdString(outcome.errors).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    EXPECT_GE(lines.size(), files / 2);
+    for (const QString& line : lines)
+        EXPECT_TRUE(line.startsWith(QStringLiteral("Cannot read image file ")) ||
+                    (line.startsWith(QStringLiteral("Image file ")) && line.contains(QStringLiteral("is damaged"))))
+            << line.toStdString();
+}
+
+TEST_F(RunCommand, ASaveThatTheDiskDoesNotTakeLeavesTheOldFileAndTheScriptGoesOn)
+{
+    write("a.bmp", "old");
+    const Outcome outcome = run("import resource, vantrel\nimage = vantrel.Image()\nimage.alloc(600, 600, 3, 8)\n"
+                                "resource.setrlimit(resource.RLIMIT_FSIZE, (9999, resource.RLIM_INFINITY))\n"
+                                "print(image.save_to_file('a.bmp'))\n");
+    EXPECT_EQ(outcome.output, "None\n") << outcome.errors;
+    EXPECT_NE(outcome.errors.find("a.bmp: it would be larger than files may be\n"), std::string::npos)
+        << outcome.errors;
+    EXPECT_EQ(read("a.bmp"), "old");
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).join(u' '), QStringLiteral("a.bmp script.py"));
+}
+
 TEST_F(RunCommand, WaitingForAFrameWhereNoneComesGivesFalse)
 {
     ASSERT_TRUE(QImage(6, 4, QImage::Format_Grayscale8).save(path("a.png")));
@@ -291,6 +409,10 @@ TEST_F(RunCommand, UnreadableFilesGiveStatusTwoBeforeAnyScriptRuns)
         EXPECT_EQ(outcome.output, "") << what;
         EXPECT_NE(outcome.errors.find("vantrel run: "), std::string::npos) << what << outcome.errors;
     }
+    const Outcome missing = call(list({"run", "--open", "missing.png", "ok.py"}));
+    EXPECT_NE(missing.errors.find("vantrel run: Cannot open missing.png as an image: it does not exist.\n"),
+              std::string::npos)
+        << missing.errors;
 }
 
 TEST_F(RunCommand, WrongUsageGivesOneSentenceAndStatusTwo)
@@ -344,6 +466,7 @@ TEST_F(RunCommand, TheViewerStaysOpenAndSaysWhatItCannotShow)
         said += process.readAll();
     EXPECT_TRUE(said.contains("There is no display")) << said.toStdString();
     EXPECT_TRUE(said.contains("missing.png")) << said.toStdString();
+    EXPECT_TRUE(said.contains("it does not exist")) << said.toStdString();
     EXPECT_FALSE(said.contains("image file a.png")) << said.toStdString();
     EXPECT_FALSE(process.waitForFinished(300)) << "the viewer has ended by itself";
     process.terminate();

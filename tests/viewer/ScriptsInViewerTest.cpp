@@ -2,7 +2,10 @@
 
 #include "Pictures.h"
 #include "ViewerTest.h"
+#include "process/LogRecords.h"
 #include "views/ImageView.h"
+
+#include <QtWidgets/QTabWidget>
 
 #include <cstdlib>
 
@@ -29,6 +32,27 @@ TEST_F(ScriptsInViewer, AMenuItemWhoseScriptIsGoneIsReported)
     run("print('still there')\n");
     runAll();
     EXPECT_EQ(console().toStdString(), "still there\n");
+}
+
+TEST_F(ScriptsInViewer, WhatAScriptLogsIsShownBesideItsOutput)
+{
+    ASSERT_EQ(LogRecords::writeToFile(folder.filePath(QStringLiteral("log.txt"))), QString());
+    viewer->window().show();
+    run("import threading, vantrel\n"
+        "print('begun')\n"
+        "vantrel.print_to_error_log('from the script')\n"
+        "thread = threading.Thread(target=vantrel.print_to_error_log, args=('from a thread',))\n"
+        "thread.start()\n"
+        "thread.join()\n"
+        "vantrel.wait(0.3)\n");
+    runAll();
+    qInstallMessageHandler(nullptr);
+    EXPECT_EQ(console().toStdString(), "begun\n");
+    const QString log = text("log");
+    EXPECT_TRUE(log.contains(QStringLiteral("critical  \"from the script\"\n"))) << log.toStdString();
+    EXPECT_TRUE(log.contains(QStringLiteral("critical  \"from a thread\"\n"))) << log.toStdString();
+    const auto* tabs = viewer->window().findChild<QTabWidget*>();
+    EXPECT_TRUE(tabs->tabText(1).startsWith(QStringLiteral("Log (")));
 }
 
 TEST_F(ScriptsInViewer, TheStopItemStopsTheRunningScript)
@@ -141,5 +165,57 @@ TEST_F(ScriptsInViewer, ErrorsAreShownInTheWindow)
     runAll();
     EXPECT_TRUE(console().contains(QStringLiteral("ZeroDivisionError")));
 }
+
+/// What a script leaves in the output and as its errors.
+struct Exit {
+    const char* name;
+    const char* script;
+    const char* output;
+    const char* errors;
+};
+
+class ScriptsThatExit : public ViewerTest, public testing::WithParamInterface<Exit>
+{
+};
+
+TEST_P(ScriptsThatExit, EndThemselvesAndNotTheViewer)
+{
+    write("inner.py", "import sys\nsys.exit(4)\n");
+    run(QByteArray("import os, sys, threading, vantrel\n") + GetParam().script);
+    run("print('next')\n");
+    runAll();
+    ASSERT_EQ(results.size(), 2);
+    EXPECT_EQ(results[0].toStdString(), GetParam().errors);
+    EXPECT_EQ(results[1].toStdString(), "");
+    // The console shows errors behind the output of their run.
+    const std::string shown = console().toStdString();
+    EXPECT_EQ(shown, std::string(GetParam().output) + GetParam().errors + "next\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Exits, ScriptsThatExit,
+    testing::Values(
+        Exit{"nothing", "sys.exit()\nprint('never')\n", "The script has ended with exit status 0.\n", ""},
+        Exit{"zero", "sys.exit(0)\n", "The script has ended with exit status 0.\n", ""},
+        Exit{"status", "sys.exit(3)\n", "", "The script has ended with exit status 3.\n"},
+        Exit{"text", "sys.exit('no camera')\n", "", "no camera\n"},
+        Exit{"object", "sys.exit([1, 2])\n", "", "[1, 2]\n"},
+        Exit{"builtin", "def work():\n    exit(2)\nwork()\n", "", "The script has ended with exit status 2.\n"},
+        Exit{"raised", "print('a')\nraise SystemExit\n", "a\nThe script has ended with exit status 0.\n", ""},
+        Exit{"finally", "try:\n    sys.exit(3)\nfinally:\n    print('left')\n", "left\n",
+             "The script has ended with exit status 3.\n"},
+        Exit{"inner", "vantrel.run_script('inner.py')\nprint('outer')\n", "outer\n",
+             "The script has ended with exit status 4.\n"},
+        Exit{"thread", "t = threading.Thread(target=sys.exit, args=(5,))\nt.start(); t.join()\nprint('end')\n", "end\n",
+             ""},
+        Exit{"child",
+             "child = os.fork()\nif child == 0: sys.exit(6)\n"
+             "print(os.waitpid(child, 0)[1] >> 8)\n",
+             "6\n", ""},
+        Exit{"child_at_its_end", "child = os.fork()\nif child: print(os.waitpid(child, 0)[1])\n", "0\n", ""},
+        Exit{"error", "1/0\n", "",
+             "Traceback (most recent call last):\n  File \"<string>\", line 2, in <module>\n"
+             "ZeroDivisionError: division by zero\n"}),
+    [](const auto& exit) { return std::string(exit.param.name); });
 
 } // namespace

@@ -328,8 +328,9 @@ TEST(ImageFiles, APictureComesBackAsItWasSaved)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("a.tif"));
-    ASSERT_TRUE(saveImageFile(*picture<std::uint16_t>(ExImageDataType::UInt16, 12, 2, 1, {0, 4000}), path));
-    const auto loaded = loadImageFile(path);
+    QString problem;
+    ASSERT_TRUE(saveImageFile(*picture<std::uint16_t>(ExImageDataType::UInt16, 12, 2, 1, {0, 4000}), path, problem));
+    const auto loaded = loadImageFile(path, problem);
     ASSERT_NE(loaded, nullptr);
     EXPECT_EQ(formatText(*loaded->picBuf()).toStdString(), "2 x 1, mono, 12 bit (uint16)");
     EXPECT_EQ(pixelText(*loaded->picBuf(), 1, 0).toStdString(), "4000");
@@ -337,8 +338,9 @@ TEST(ImageFiles, APictureComesBackAsItWasSaved)
 
 TEST(ImageFiles, UnknownExtensionsAreNeitherReadNorWritten)
 {
-    EXPECT_EQ(loadImageFile(QStringLiteral("a.xyz")), nullptr);
-    EXPECT_FALSE(saveImageFile(*greyPicture(2, 2, 3), QStringLiteral("a.xyz")));
+    QString problem;
+    EXPECT_EQ(loadImageFile(QStringLiteral("a.xyz"), problem), nullptr);
+    EXPECT_FALSE(saveImageFile(*greyPicture(2, 2, 3), QStringLiteral("a.xyz"), problem));
 }
 
 TEST(ImageWidget, FitsTheImageUntilToldAScale)

@@ -32,6 +32,7 @@ protected:
         Viewer::Settings settings;
         settings.pythonHome = TestSettings::pythonHome;
         settings.showsOutput = true;
+        settings.exitEndsScript = true;
         viewer = std::make_unique<Viewer>(settings);
         ASSERT_EQ(viewer->loadScripting(), QString());
         QObject::connect(&viewer->scripts(), &ScriptQueue::runEnded,
@@ -81,7 +82,7 @@ protected:
         viewer->window().close();
         for (auto* box : viewer->window().findChildren<QMessageBox*>())
             for (QAbstractButton* button : box->buttons())
-                if (button->text() == QStringLiteral("Stop and Close"))
+                if (button->text().remove(u'&') == QStringLiteral("Stop and Close"))
                     return button->click();
         ADD_FAILURE() << "no question";
     }
@@ -94,7 +95,13 @@ protected:
         return file.fileName();
     }
 
-    QString console() const { return viewer->window().findChild<QPlainTextEdit*>()->toPlainText(); }
+    QString console() const { return text("scriptOutput"); }
+
+    /// What a panel of the window shows.
+    QString text(const char* name) const
+    {
+        return viewer->window().findChild<QPlainTextEdit*>(QString::fromUtf8(name))->toPlainText();
+    }
 
     QAction* addItem(const QString& script)
     {

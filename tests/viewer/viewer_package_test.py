@@ -1,5 +1,7 @@
 """Tests of python/vantrel_viewer by itself, without a viewer. Argument: the folder python/."""
+import contextlib
 import ctypes
+import io
 import os
 import signal
 import sys
@@ -36,6 +38,25 @@ class HandlePulses(unittest.TestCase):
         signal.signal(signal.SIGURG, signal.SIG_IGN)
         vantrel_viewer.handle_pulses(signal.SIGURG, address(count))
         self.assertIs(signal.getsignal(signal.SIGURG), first)
+
+
+class ReportError(unittest.TestCase):
+    def report(self, error):
+        """What the report writes to sys.stdout and sys.stderr."""
+        out, errors = io.StringIO(), io.StringIO()
+        with contextlib.redirect_stdout(out), contextlib.redirect_stderr(errors):
+            vantrel_viewer.report_error(type(error), error, None)
+        return out.getvalue(), errors.getvalue()
+
+    def test_a_status_or_a_text_is_said(self):
+        self.assertEqual(self.report(SystemExit()), ("The script has ended with exit status 0.\n", ""))
+        self.assertEqual(self.report(SystemExit(0)), ("The script has ended with exit status 0.\n", ""))
+        self.assertEqual(self.report(SystemExit(3)), ("", "The script has ended with exit status 3.\n"))
+        self.assertEqual(self.report(SystemExit("a text")), ("", "a text\n"))
+        self.assertEqual(self.report(SystemExit("")), ("", "\n"))
+
+    def test_other_errors_look_as_always(self):
+        self.assertEqual(self.report(ValueError("no")), ("", "ValueError: no\n"))
 
 
 if __name__ == "__main__":

@@ -1,13 +1,13 @@
 # The distribution's packages that a build needs, and the Python that it is for.
 
 compiler_packages=(
-    g++ cmake ninja-build qt6-base-dev libqcustomplot-dev zlib1g-dev
+    g++ cmake ninja-build qt6-base-dev libqcustomplot-dev zlib1g-dev libxcb1-dev libx11-dev
     libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libopencv-videoio-dev fonts-dejavu-core
 )
 python_packages=(python3-dev python3-numpy) # the distribution's Python
 test_packages=(
     libgtest-dev libgmock-dev libbenchmark-dev dpkg-dev file mypy python3 python3-numpy
-    lintian desktop-file-utils groff-base
+    lintian desktop-file-utils groff-base xvfb openbox xdotool
 )
 picture_packages=(xvfb xauth imagemagick)
 bench_packages=(python3-pil python3-opencv python3-matplotlib)

@@ -12,6 +12,8 @@
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QMenuBar>
 
+#include <utility>
+
 namespace {
 
 QString titleOf(const ViewerCamera& camera)
@@ -19,6 +21,24 @@ QString titleOf(const ViewerCamera& camera)
     const SxCameraInfo& info = camera.parameters()->cameraInfo();
     return QStringLiteral("%1 (%2)").arg(info.deviceName, info.serialNumber);
 }
+
+/// Finds gaps in the frame numbers of a camera.
+class LostFrames
+{
+public:
+    /// Number of frames between the previous one and this one.
+    int before(CxImageData& frame)
+    {
+        const SxPicBuf* buffer = frame.picBuf();
+        const int number = buffer ? buffer->acqFrameNumber : 0;
+        const int previous = std::exchange(m_previous, number);
+        // A camera that was opened again counts from the beginning.
+        return previous > 0 && number > previous ? number - previous - 1 : 0;
+    }
+
+private:
+    int m_previous = 0;
+};
 
 } // namespace
 
@@ -66,7 +86,10 @@ ImageView* LiveViews::viewOf(ViewerCamera& camera)
     view->setFrameRate(camera.frameRate());
     view->setLive(camera.isLive());
     connect(&camera, &ViewerCamera::frameArrived, view,
-            [view](std::shared_ptr<CxImageData> frame) { view->setImage(std::move(frame)); });
+            [view, lost = LostFrames()](std::shared_ptr<CxImageData> frame) mutable {
+                view->noteLostFrames(lost.before(*frame));
+                view->setImage(std::move(frame));
+            });
     connect(&camera, &ViewerCamera::liveChanged, view, [view](bool live) { view->setLive(live); });
     connect(&camera, &ViewerCamera::frameRateChanged, view, [view](double rate) { view->setFrameRate(rate); });
     connect(view, &ImageView::closed, this, [this, view, camera = &camera] {

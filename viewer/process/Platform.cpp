@@ -5,6 +5,7 @@
 #include <QtGui/QGuiApplication>
 
 #include <clocale>
+#include <csignal>
 #include <langinfo.h>
 
 namespace {
@@ -38,6 +39,9 @@ void prepareLocale()
 
 void preparePlatform()
 {
+    // A file that would become too large is an error of the write, not the end of the process. The interpreter
+    // sees it the same way.
+    std::signal(SIGXFSZ, SIG_IGN);
     prepareDisplay();
     prepareLocale();
 }

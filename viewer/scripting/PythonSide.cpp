@@ -1,5 +1,8 @@
 #include "PythonSide.h"
 
+#include "process/UnwrittenErrors.h"
+#include "stopping/ErrorCopy.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
@@ -37,12 +40,15 @@ QString PythonSide::preparation(const QString& environment)
                           "sys.dont_write_bytecode = True\n"
                           "sys.path.insert(0, %1)\n"
                           "try:\n"
-                          "    import vantrel_viewer.interpreter, vantrel_viewer.running\n"
+                          "    import vantrel_viewer.interpreter, vantrel_viewer.leaving, vantrel_viewer.running, vantrel_viewer.signals\n"
                           "finally:\n"
                           "    sys.path.remove(%1)\n"
                           "    sys.dont_write_bytecode = kept\n"
-                          "vantrel_viewer.interpreter.prepare(%2)\n")
-        .arg(literal(folder()), literal(environment));
+                          "vantrel_viewer.interpreter.prepare(%2)\n"
+                          "vantrel_viewer.leaving.prepare(%3, %4)\n")
+        .arg(literal(folder()), literal(environment))
+        .arg(reinterpret_cast<quintptr>(&ErrorCopy::copyWritesOf))
+        .arg(reinterpret_cast<quintptr>(&UnwrittenErrors::write));
 }
 
 QString PythonSide::callFor(const ScriptJob& job, bool stays, int& outcome)
@@ -55,4 +61,9 @@ QString PythonSide::callFor(const ScriptJob& job, bool stays, int& outcome)
         .arg(literal(job.file), literal(job.shownPath), arguments.join(QStringLiteral(", ")),
              stays ? QStringLiteral("True") : QStringLiteral("False"))
         .arg(reinterpret_cast<quintptr>(&outcome));
+}
+
+QString PythonSide::endOfChild(int status)
+{
+    return QStringLiteral("__import__('vantrel_viewer.leaving').leaving.leave_child(%1)\n").arg(status);
 }

@@ -13,4 +13,7 @@ QString preparation(const QString& environment);
 /// If stays, a SystemExit ends the script alone.
 QString callFor(const ScriptJob& job, bool stays, int& outcome);
 
+/// Text that ends a process that a script has forked, with an exit status.
+QString endOfChild(int status);
+
 } // namespace PythonSide

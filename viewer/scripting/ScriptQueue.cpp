@@ -3,6 +3,7 @@
 #include "CxImageData.h"
 #include "ScriptEnvironment.h"
 #include "ScriptRunner.h"
+#include "process/ThreadSignals.h"
 
 #include <QtCore/QThread>
 
@@ -23,6 +24,8 @@ ScriptQueue::ScriptQueue(std::unique_ptr<ScriptRunner> runner, bool ownThread)
     m_thread->setObjectName(QStringLiteral("scripts"));
     m_thread->setStackSize(stackBytes);
     m_runner->moveToThread(m_thread.get());
+    // Without a context object the function is called on the new thread.
+    connect(m_thread.get(), &QThread::started, ThreadSignals::receive);
     m_thread->start();
 }
 

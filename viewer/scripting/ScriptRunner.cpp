@@ -6,11 +6,14 @@
 #include "ScriptEnvironment.h"
 #include "ScriptFile.h"
 #include "process/ProcessExit.h"
+#include "process/UnwrittenErrors.h"
 #include "stopping/ReleasedInterpreter.h"
 #include "stopping/ScriptInterrupt.h"
 #include "stopping/ScriptPulse.h"
 
 #include <QtCore/QDebug>
+
+#include <unistd.h>
 
 namespace {
 
@@ -37,7 +40,6 @@ void noteStart(void* /*unused*/, void* /*unused*/)
 {
     if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
         interrupt->scriptStarted();
-    ProcessExit::arm();
 }
 
 } // namespace
@@ -80,13 +82,14 @@ void ScriptRunner::run(const ScriptJob& job)
         m_betweenRuns.reset();
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
             interrupt->runBegins();
-        QString text = job.text;
+        ProcessExit::prepareScriptThread();
+        QString text;
         if (!m_refusal.isEmpty()) {
             result = m_refusal + QLatin1Char('\n');
         } else if (isPython(language())) {
             result = prepare(*job.environment);
             if (!job.file.isEmpty())
-                text = PythonSide::callFor(job, m_settings.staysOnExit, outcome);
+                text = PythonSide::callFor(job, m_settings.exitEndsScript, outcome);
         } else if (!job.file.isEmpty()) {
             text = readScriptFile(job.file, result).value_or(QString());
         }
@@ -94,13 +97,15 @@ void ScriptRunner::run(const ScriptJob& job)
         if (result.isEmpty()) {
             result = m_language->runScript(text, job.environment.get(), m_settings.pythonHome, &noteStart, nullptr,
                                            m_settings.plainOutput ? nullptr : &passOutput);
-            ProcessExit::disarm();
+            if (ProcessExit::isForkedChild())
+                endChild(*job.environment, ScriptOutcome(outcome));
         }
         // Only a file that Python runs tells its outcome itself.
         if (!result.isEmpty() && !tellsOutcome)
             outcome = int(endsInterrupted(result) ? ScriptOutcome::Interrupted : ScriptOutcome::Failed);
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
             interrupt->scriptEnded();
+        ProcessExit::restoreHandlers();
         m_environment = job.environment;
         m_betweenRuns = std::make_unique<ReleasedInterpreter>();
     }
@@ -109,7 +114,9 @@ void ScriptRunner::run(const ScriptJob& job)
 
 QString ScriptRunner::runOwn(const QString& text, ScriptEnvironment& environment)
 {
-    return m_language->runScript(text, &environment, m_settings.pythonHome, nullptr, nullptr, nullptr);
+    const QString errors = m_language->runScript(text, &environment, m_settings.pythonHome, nullptr, nullptr, nullptr);
+    UnwrittenErrors::forget();
+    return errors;
 }
 
 QString ScriptRunner::prepare(ScriptEnvironment& environment)
@@ -128,6 +135,14 @@ QString ScriptRunner::prepare(ScriptEnvironment& environment)
     else
         qWarning().noquote() << "The window stands still while a script works:" << problem.trimmed();
     return {};
+}
+
+void ScriptRunner::endChild(ScriptEnvironment& environment, ScriptOutcome outcome)
+{
+    const bool failed = outcome == ScriptOutcome::Failed || outcome == ScriptOutcome::Interrupted;
+    if (isPython(language()))
+        runOwn(PythonSide::endOfChild(failed ? 1 : 0), environment);
+    _exit(failed ? 1 : 0);
 }
 
 void ScriptRunner::publish(const QString& name, std::shared_ptr<CxImageData> image)

@@ -28,7 +28,7 @@ public:
         QString pythonHome;       ///< of the interpreter
         QString environment;      ///< the absolute path of a virtual environment; empty: none
         bool plainOutput = false; ///< whether standard output is left to the interpreter
-        bool staysOnExit = false; ///< whether a SystemExit ends a script file only, not the process
+        bool exitEndsScript = false; ///< whether a SystemExit ends a script file only, not the process
     };
 
     ScriptRunner(Settings settings, Output output);
@@ -63,6 +63,9 @@ private:
     /// Gives the interpreter what the viewer needs to run files and to reach a script while it runs. Returns an error
     /// message, empty on success.
     QString prepare(ScriptEnvironment& environment);
+
+    /// Ends a process that the script has forked and that has come to the end of the script.
+    [[noreturn]] void endChild(ScriptEnvironment& environment, ScriptOutcome outcome);
 
     Settings m_settings;
     QString m_refusal;

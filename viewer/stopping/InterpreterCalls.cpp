@@ -4,10 +4,14 @@
 
 #include "InterpreterCalls.h"
 
-#include <QtCore/QtGlobal>
+#include "InterpreterSymbol.h"
+
+#include <QtCore/QFile>
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <cstdlib>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -22,40 +26,37 @@ using TraceFunction = int (*)(Object*, Object*, int, Object*);
 // The interpreter's event numbers.
 enum Event : int { Call = 0, Exception = 1, Line = 2, Return = 3, Opcode = 7 };
 
-template<typename Signature>
-Signature* function(const char* name)
-{
-    return reinterpret_cast<Signature*>(dlsym(RTLD_DEFAULT, name));
-}
-
 /// The functions that this file needs. Looked up at each use, which is rare: a script may start the interpreter later.
 struct Interpreter {
-    int (*isInitialized)() = function<int()>("Py_IsInitialized");
-    void (*release)(Object*) = function<void(Object*)>("Py_DecRef");
-    Object* (*attribute)(Object*, const char*) = function<Object*(Object*, const char*)>("PyObject_GetAttrString");
-    Object* (*call)(Object*, Object*) = function<Object*(Object*, Object*)>("PyObject_CallObject");
-    void (*retain)(Object*) = function<void(Object*)>("Py_IncRef");
-    void (*setObject)(Object*, Object*) = function<void(Object*, Object*)>("PyErr_SetObject");
-    void (*clear)() = function<void()>("PyErr_Clear");
-    int (*checkSignals)() = function<int()>("PyErr_CheckSignals");
-    void (*setCause)(Object*, Object*) = function<void(Object*, Object*)>("PyException_SetCause");
-    void (*setTrace)(TraceFunction, Object*) = function<void(TraceFunction, Object*)>("PyEval_SetTrace");
+    int (*isInitialized)() = interpreterFunction<int()>("Py_IsInitialized");
+    void (*release)(Object*) = interpreterFunction<void(Object*)>("Py_DecRef");
+    Object* (*attribute)(Object*,
+                         const char*) = interpreterFunction<Object*(Object*, const char*)>("PyObject_GetAttrString");
+    Object* (*call)(Object*, Object*) = interpreterFunction<Object*(Object*, Object*)>("PyObject_CallObject");
+    void (*retain)(Object*) = interpreterFunction<void(Object*)>("Py_IncRef");
+    void (*setObject)(Object*, Object*) = interpreterFunction<void(Object*, Object*)>("PyErr_SetObject");
+    void (*clear)() = interpreterFunction<void()>("PyErr_Clear");
+    int (*checkSignals)() = interpreterFunction<int()>("PyErr_CheckSignals");
+    void (*setCause)(Object*, Object*) = interpreterFunction<void(Object*, Object*)>("PyException_SetCause");
+    void (*setTrace)(TraceFunction, Object*) = interpreterFunction<void(TraceFunction, Object*)>("PyEval_SetTrace");
     // The name since 3.13, and the one before.
-    Object* (*currentState)() = function<Object*()>("PyThreadState_GetUnchecked");
-    Object* (*currentStateBefore313)() = function<Object*()>("_PyThreadState_UncheckedGet");
-    int (*ensureState)() = function<int()>("PyGILState_Ensure");
-    void (*releaseState)(int) = function<void(int)>("PyGILState_Release");
-    long (*asLong)(Object*) = function<long(Object*)>("PyLong_AsLong");
-    Object* (*asBytes)(Object*) = function<Object*(Object*)>("PyUnicode_AsUTF8String");
-    const char* (*bytes)(Object*) = function<const char*(Object*)>("PyBytes_AsString");
+    Object* (*currentState)() = interpreterFunction<Object*()>("PyThreadState_GetUnchecked");
+    Object* (*currentStateBefore313)() = interpreterFunction<Object*()>("_PyThreadState_UncheckedGet");
+    int (*ensureState)() = interpreterFunction<int()>("PyGILState_Ensure");
+    void (*releaseState)(int) = interpreterFunction<void(int)>("PyGILState_Release");
+    long (*asLong)(Object*) = interpreterFunction<long(Object*)>("PyLong_AsLong");
+    Object* (*asBytes)(Object*) = interpreterFunction<Object*(Object*)>("PyUnicode_AsUTF8String");
+    const char* (*bytes)(Object*) = interpreterFunction<const char*(Object*)>("PyBytes_AsString");
+    std::ptrdiff_t (*size)(Object*) = interpreterFunction<std::ptrdiff_t(Object*)>("PyBytes_Size");
+    const char* (*version)() = interpreterFunction<const char*()>("Py_GetVersion");
     Object** interrupt = static_cast<Object**>(dlsym(RTLD_DEFAULT, "PyExc_KeyboardInterrupt"));
     Object* none = dlsym(RTLD_DEFAULT, "_Py_NoneStruct");
 
     bool isThere() const
     {
         return isInitialized && isInitialized() && release && attribute && call && retain && setObject && clear &&
-               checkSignals && setCause && setTrace && asLong && asBytes && bytes && interrupt && none &&
-               (currentState || currentStateBefore313) && ensureState && releaseState;
+               checkSignals && setCause && setTrace && asLong && asBytes && bytes && size && version && interrupt &&
+               none && (currentState || currentStateBefore313) && ensureState && releaseState;
     }
 };
 
@@ -68,7 +69,7 @@ const Interpreter& interpreter()
 bool isInterpreterThere()
 {
     // The library may be loaded after the first question, so that is asked without remembering the answer.
-    const auto isInitialized = function<int()>("Py_IsInitialized");
+    const auto isInitialized = interpreterFunction<int()>("Py_IsInitialized");
     return isInitialized && isInitialized() && interpreter().isThere();
 }
 
@@ -107,14 +108,24 @@ Origin origin;
 int exitsLeft = 0;
 constexpr int mostExits = 1000;
 
-long lineOf(Object* frame)
+constexpr std::chrono::seconds finaliserPatience(1);
+
+/// Until when finalisers and the start of a program may go on.
+std::chrono::steady_clock::time_point deadline;
+
+long numberOf(Object* frame, const char* attribute)
 {
     const Interpreter& python = interpreter();
-    Object* number = python.attribute(frame, "f_lineno");
-    const long line = number ? python.asLong(number) : 0;
+    Object* number = python.attribute(frame, attribute);
+    const long value = number ? python.asLong(number) : -1;
     python.clear();
     python.release(number);
-    return line;
+    return value;
+}
+
+long lineOf(Object* frame)
+{
+    return numberOf(frame, "f_lineno");
 }
 
 /// The name of a frame's function and the end of its file's name.
@@ -159,9 +170,30 @@ bool mustComplete(Object* frame)
 }
 
 /// Whether the frame is one of the viewer's own, which stand below those of a script.
-bool isViewers(Object* frame)
+bool isOfViewer(Object* frame)
 {
     return isIn(frame, std::array<std::string_view, 1>{"/vantrel_viewer/"});
+}
+
+/// Whether the frame is about to call the `__exit__` of a `with` statement after an error. Before 3.11 this call
+/// belongs to the last line of the statement, and 3.9 may report that line. 3.11 and newer report no line there.
+bool isAtExitCall(Object* frame)
+{
+    const Interpreter& python = interpreter();
+    const std::string_view version = python.version(); // such as "3.8.18 (default, ..."
+    const int minor = version.starts_with("3.") ? std::atoi(version.data() + 2) : 0;
+    if (minor >= 11)
+        return false;
+    const unsigned char exitCall = minor == 8 ? 81 : 49; // WITH_CLEANUP_START, later WITH_EXCEPT_START
+    Object* code = python.attribute(frame, "f_code");
+    Object* instructions = code ? python.attribute(code, "co_code") : nullptr;
+    const long position = numberOf(frame, "f_lasti");
+    const bool is = instructions && position >= 0 && position < python.size(instructions) &&
+                    static_cast<unsigned char>(python.bytes(instructions)[position]) == exitCall;
+    python.clear();
+    python.release(instructions);
+    python.release(code);
+    return is;
 }
 
 /// Whether the event leads from an error to the `__exit__` of a `with` statement, which must run to free its lock or
@@ -171,17 +203,24 @@ bool leadsToExit(Object* frame, int event)
     if (event != Line || frame != origin.frame)
         return false;
     const long line = lineOf(frame);
-    if (line > origin.line || exitsLeft-- <= 0)
+    if ((line > origin.line && !isAtExitCall(frame)) || exitsLeft-- <= 0)
         return false;
     origin.line = line; // the error propagates from here to the enclosing statement
     return true;
+}
+
+/// Whether a frame may go on although the script is to end.
+bool mayFinish(Object* frame)
+{
+    return isOfViewer(frame) ||
+           (std::chrono::steady_clock::now() < deadline && InterpreterCalls::isDelicate(frame));
 }
 
 bool isOutermost(Object* frame)
 {
     const Interpreter& python = interpreter();
     Object* back = python.attribute(frame, "f_back");
-    const bool outermost = back && (back == python.none || isViewers(back));
+    const bool outermost = back && (back == python.none || isOfViewer(back));
     python.clear();
     python.release(back);
     return outermost;
@@ -208,8 +247,8 @@ int raiseAgain(Object* /*unused*/, Object* frame, int event, Object* /*detail*/)
         endTracing(); // what comes after the script, for example finalisers, works as usual
         return 0;
     }
-    if ((event != Call && event != Line && event != Opcode) || mustComplete(frame) || isViewers(frame) ||
-        InterpreterCalls::isDelicate(frame) || leadsToExit(frame, event))
+    if ((event != Call && event != Line && event != Opcode) || mustComplete(frame) || mayFinish(frame) ||
+        leadsToExit(frame, event))
         return 0;
     interpreter().setObject(*interpreter().interrupt, theError);
     return -1;
@@ -219,7 +258,7 @@ int raiseAgain(Object* /*unused*/, Object* frame, int event, Object* /*detail*/)
 
 bool InterpreterCalls::isInScript(void* frame)
 {
-    return !isInterpreterThere() || (frame != interpreter().none && !isViewers(frame));
+    return !isInterpreterThere() || (frame != interpreter().none && !isOfViewer(frame));
 }
 
 bool InterpreterCalls::isDelicate(void* frame)
@@ -267,9 +306,17 @@ void InterpreterCalls::raiseAtEveryLine()
         python.setCause(theError, nullptr); // hides the errors that the script was handling
         origin = {};
         exitsLeft = mostExits;
+        deadline = std::chrono::steady_clock::now() + finaliserPatience;
         python.setTrace(raiseAgain, nullptr);
     }
     python.setObject(*python.interrupt, theError);
+}
+
+void InterpreterCalls::endFinaliser(void* frame)
+{
+    if (!isInterpreterThere() || !theError || mayFinish(frame) || !isDelicate(frame))
+        return;
+    interpreter().setObject(*interpreter().interrupt, theError);
 }
 
 void InterpreterCalls::dropPendingSignals()

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtCore/QString>
+
 /// The few functions of the interpreter that the viewer calls itself. They are found by name at run time, since the
 /// viewer works with any plugin; without an interpreter in the process each does nothing.
 ///
@@ -10,15 +12,18 @@ namespace InterpreterCalls {
 bool isInScript(void* frame);
 
 /// Whether an error raised in a frame would be lost or leave something behind: in a finaliser, whose errors the
-/// interpreter only reports, and while a program is being started, which would run on.
+/// interpreter only reports, while a program is being started, which would run on, and in the viewer's own code.
 bool isDelicate(void* frame);
 
 /// Sets KeyboardInterrupt as the pending error. Its traceback does not tell which error the script was handling.
 void raiseKeyboardInterrupt();
 
 /// Sets KeyboardInterrupt as the pending error, and again at each line and call that the script executes then, until
-/// the script has ended.
+/// the script has ended. Finalisers may go on for a second.
 void raiseAtEveryLine();
+
+/// After raiseAtEveryLine(): sets the error in a finaliser that has had its time and waits, so that no line comes.
+void endFinaliser(void* frame);
 
 /// Ends raiseAtEveryLine(). Handles the signals that the interpreter has noted but not handled, and drops the errors
 /// they raise.

@@ -169,8 +169,7 @@ void ScriptInterrupt::stop(Run run)
     runToStop = run;
     if (!scriptBegun)
         return; // scriptStarted() calls this function again
-    ScriptPulse* pulse = ScriptPulse::instance();
-    if (!pulse || !pulse->send()) {
+    if (!ScriptPulse::send()) {
         stopBySignal(run);
         return;
     }

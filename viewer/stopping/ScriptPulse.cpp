@@ -2,6 +2,7 @@
 
 #include "InterpreterCalls.h"
 #include "ScriptInterrupt.h"
+#include "process/ProcessExit.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDebug>
@@ -27,12 +28,13 @@ constexpr int interval = 30;
 constexpr int longestRepetition = 1000;
 
 ScriptPulse* thePulse = nullptr;
-pid_t viewerProcess = 0;
+int wakeFd = -1; ///< of the thread that sends the signal
 
 // The signal handler and the thread that sends the signal use these.
 struct sigaction interpreterAction = {};
 std::atomic<pthread_t> scriptThread = {};
 std::atomic<bool> beats = false;       ///< a script runs on the GUI thread
+std::atomic<bool> asksAgain = false;   ///< the script has to handle the signal once more
 std::atomic<bool> outstanding = false; ///< the interpreter has not handled the latest pulse
 std::atomic<int> latestServiceMs = 0;  ///< how long the viewer's work at the latest pulse took
 
@@ -48,6 +50,18 @@ void handlePulse(int number, siginfo_t* info, void* context)
     else
         interpreterAction.sa_handler(number);
     errno = savedError;
+}
+
+void wakeThread()
+{
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = write(wakeFd, &one, sizeof one);
+}
+
+void askAgain()
+{
+    asksAgain = true;
+    wakeThread();
 }
 
 bool isOurs(const struct sigaction& action)
@@ -85,19 +99,24 @@ void processEvents()
 /// The interpreter calls this as the handler of the signal, with the signal's number and the current frame.
 void serve(int /*number*/, void* frame) noexcept
 {
-    if (getpid() != viewerProcess || !QCoreApplication::instance())
-        return; // a forked child
-    // Otherwise the script has ended, and its traceback is being written: an error would spoil that.
-    if (!InterpreterCalls::isInScript(frame))
+    if (ProcessExit::isForkedChild() || !QCoreApplication::instance())
         return;
+    ProcessExit::leaveIfAsked();
+    // Otherwise an error would disturb the viewer's own functions, for example those that write a script's traceback.
+    if (!InterpreterCalls::isInScript(frame)) {
+        if (ScriptInterrupt::isStopPending())
+            askAgain();
+        return;
+    }
     if (mayProcessEvents())
         processEvents();
     outstanding = false;
-    if (beats && ScriptInterrupt::isStopPending() && !ScriptInterrupt::isForGood() &&
-        InterpreterCalls::isDelicate(frame))
-        return; // the next pulse asks again
+    if (ScriptInterrupt::isStopPending() && !ScriptInterrupt::isForGood() && InterpreterCalls::isDelicate(frame))
+        return askAgain();
     switch (ScriptInterrupt::takeOrder()) {
     case ScriptInterrupt::Order::Continue:
+        if (ScriptInterrupt::isForGood())
+            InterpreterCalls::endFinaliser(frame);
         break;
     case ScriptInterrupt::Order::Interrupt:
         InterpreterCalls::raiseKeyboardInterrupt();
@@ -106,14 +125,16 @@ void serve(int /*number*/, void* frame) noexcept
         InterpreterCalls::raiseAtEveryLine();
         break;
     }
+    if (ScriptInterrupt::isForGood())
+        askAgain(); // until the script has ended: a finaliser may wait
 }
 
 } // namespace
 
-ScriptPulse::ScriptPulse()
-    : m_wakeFd(eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC))
+ScriptPulse::ScriptPulse(bool processesEvents)
+    : m_processesEvents(processesEvents)
 {
-    viewerProcess = getpid();
+    wakeFd = eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
     thePulse = this;
     // The thread handles no signal: signals of the process are for the others.
     sigset_t all = {};
@@ -129,10 +150,10 @@ ScriptPulse::~ScriptPulse()
     thePulse = nullptr;
     beats = false;
     m_ends = true;
-    const std::uint64_t end = 1;
-    [[maybe_unused]] const ssize_t written = write(m_wakeFd, &end, sizeof end);
+    wakeThread();
     m_thread.join();
-    close(m_wakeFd);
+    close(wakeFd);
+    wakeFd = -1;
     if (isHandlerInPlace())
         signal(pulseSignal, SIG_DFL);
 }
@@ -146,7 +167,7 @@ QString ScriptPulse::preparation() const
 {
     if (isHandlerInPlace())
         return {};
-    return QStringLiteral("__import__('vantrel_viewer').handle_pulses(%1, %2)\n")
+    return QStringLiteral("__import__('vantrel_viewer.signals').signals.handle_pulses(%1, %2)\n")
         .arg(pulseSignal)
         .arg(reinterpret_cast<quintptr>(&serve));
 }
@@ -172,17 +193,17 @@ void ScriptPulse::scriptStarted()
     outstanding = false;
     latestServiceMs = 0;
     const QThread* thread = QThread::currentThread();
-    if (thread != QCoreApplication::instance()->thread() || !isHandlerInPlace())
+    if (!m_processesEvents || thread != QCoreApplication::instance()->thread() || !isHandlerInPlace())
         return;
     scriptLoopLevel = thread->loopLevel();
     beats = true;
-    const std::uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = write(m_wakeFd, &one, sizeof one);
+    wakeThread();
 }
 
 void ScriptPulse::scriptEnded()
 {
     beats = false;
+    asksAgain = false;
 }
 
 bool ScriptPulse::send()
@@ -199,12 +220,16 @@ void ScriptPulse::beat()
     int repetition = 0;
     while (!m_ends) {
         const int pause = std::max(interval, int(latestServiceMs));
-        pollfd wake = {m_wakeFd, POLLIN, 0};
-        const bool woken = poll(&wake, 1, beats ? pause : -1) > 0;
+        pollfd wake = {wakeFd, POLLIN, 0};
+        const bool woken = poll(&wake, 1, beats || asksAgain ? pause : -1) > 0;
         if (woken) {
             std::uint64_t count = 0;
-            [[maybe_unused]] const ssize_t got = read(m_wakeFd, &count, sizeof count);
-            continue; // a script has started: it gets the first pause without a pulse
+            [[maybe_unused]] const ssize_t got = read(wakeFd, &count, sizeof count);
+            continue; // a script that has started gets the first pause without a pulse
+        }
+        if (asksAgain.exchange(false)) {
+            send();
+            continue;
         }
         if (!beats)
             continue;

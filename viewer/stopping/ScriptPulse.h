@@ -17,14 +17,16 @@
 class ScriptPulse
 {
 public:
-    ScriptPulse();
+    /// With processesEvents the viewer works while a script runs on the GUI thread. Otherwise the signal is sent only
+    /// by send().
+    explicit ScriptPulse(bool processesEvents);
     ~ScriptPulse();
 
     /// The object of this process, or null.
     static ScriptPulse* instance();
 
-    /// A script that gives the interpreter the handler of the signal; empty if the handler is in place. To be run
-    /// before the user's script, on the same thread.
+    /// The part of PythonSide::preparation() that gives the interpreter the handler of the signal; empty if the handler
+    /// is in place.
     QString preparation() const;
 
     /// Called on the script's thread after preparation() has run without an error.
@@ -36,12 +38,12 @@ public:
 
     /// Makes the interpreter look for an order at once. Returns false if the handler is not in place, for example
     /// because the script uses the signal itself. Any thread.
-    bool send();
+    static bool send();
 
 private:
     void beat();
 
-    int m_wakeFd = -1;
+    bool m_processesEvents;
     std::atomic<bool> m_ends = false;
     std::thread m_thread;
     Q_DISABLE_COPY_MOVE(ScriptPulse)

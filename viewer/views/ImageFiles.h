@@ -6,8 +6,10 @@
 
 class CxImageData;
 
-/// Reads the first image of a file. Returns null and logs why if the extension is unknown or the file cannot be read.
-std::shared_ptr<CxImageData> loadImageFile(const QString& path);
+/// Reads the first image of a file. If the extension is unknown or the file cannot be read, returns null, logs why and
+/// gives the reason as a clause: "it is truncated".
+std::shared_ptr<CxImageData> loadImageFile(const QString& path, QString& problem);
 
-/// Writes an image file. Returns false and logs why if the extension is unknown or the file cannot be written.
-bool saveImageFile(CxImageData& image, const QString& path);
+/// Writes an image file. If the extension is unknown or the file cannot be written, returns false, logs why and gives
+/// the reason as a clause.
+bool saveImageFile(CxImageData& image, const QString& path, QString& problem);

@@ -3,11 +3,12 @@
 #include "ChainPanel.h"
 #include "CxImageData.h"
 #include "ImageWidget.h"
+#include "RecordingBar.h"
 #include "ViewChain.h"
 #include "ViewStore.h"
 
 #include <QtGui/QCloseEvent>
-#include <QtWidgets/QHBoxLayout>
+#include <QtWidgets/QGridLayout>
 
 ImageView::ImageView(int id, const QString& title, ViewStore& store)
     : m_id(id)
@@ -16,13 +17,20 @@ ImageView::ImageView(int id, const QString& title, ViewStore& store)
     , m_widget(new ImageWidget)
     , m_panel(new ChainPanel(*m_chain, m_chain->end()))
 {
+    auto* recordingBar = new RecordingBar(m_recorder);
     auto* contents = new QWidget;
-    auto* layout = new QHBoxLayout(contents);
+    auto* layout = new QGridLayout(contents);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(m_widget, 1);
-    layout->addWidget(m_panel);
+    layout->addWidget(m_widget, 0, 0);
+    layout->addWidget(recordingBar, 1, 0);
+    layout->addWidget(m_panel, 0, 1, 2, 1);
+    layout->setColumnStretch(0, 1);
+    layout->setRowStretch(0, 1);
     setWidget(contents);
+    connect(&m_recorder, &VideoRecorder::recordingChanged, recordingBar, &RecordingBar::refresh);
+    connect(&m_recorder, &VideoRecorder::recordingChanged, this, &ImageView::recordingChanged);
+    connect(recordingBar, &RecordingBar::stopRequested, this, &ImageView::stopVideoRecording);
     connect(m_chain.get(), &CxChain::changed, this, &ImageView::reprocess);
     setWindowTitle(title);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -30,6 +38,7 @@ ImageView::ImageView(int id, const QString& title, ViewStore& store)
 
 ImageView::~ImageView()
 {
+    m_recorder.disconnect(); // ends its recording, when this object is half destroyed
     m_store.remove(m_id);
     // The panel uses the chain, but child widgets are deleted after the chain. So the panel goes first.
     m_chain->disconnect();

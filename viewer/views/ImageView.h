@@ -43,6 +43,9 @@ public:
     ImageWidget* imageWidget() const { return m_widget; }
     const VideoRecorder& recorder() const { return m_recorder; }
 
+    /// Tells the view how many of its next images are lost: a recording counts them.
+    void noteLostFrames(int count) { m_recorder.noteDropped(count); }
+
     bool startVideoRecording(const QString& path) override;
     void stopVideoRecording() override;
     CxChainable* chainObject() override;
@@ -53,6 +56,9 @@ Q_SIGNALS:
 
     /// Images no longer arrive by themselves.
     void liveEnded();
+
+    /// A recording of the view has begun or ended.
+    void recordingChanged();
 
     /// The view has been closed. Its image is gone; the object is deleted soon.
     void closed();

@@ -2,52 +2,114 @@
 
 #include "DisplayImage.h"
 #include "SxPicBuf.h"
+#include "storage/FileReplacement.h"
 
 #include <QtCore/QDebug>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+#include <QtCore/QSet>
+#include <QtCore/QtEndian>
 
 #include <opencv2/imgproc.hpp>
 #include <opencv2/videoio.hpp>
 
+namespace {
+
+/// The files that recorders of any view write to. Never destroyed: when a script ends the process, recordings are
+/// completed after static objects are gone.
+QSet<QString>& filesUnderWay()
+{
+    static auto* const files = new QSet<QString>;
+    return *files;
+}
+
+/// Frames after which the file must have grown. A frame takes at least 600 bytes, and the writer holds back 32 kB.
+constexpr int framesWithoutGrowth = 200;
+
+} // namespace
+
 struct VideoRecorder::Recording {
+    explicit Recording(const QString& file)
+        : path(file)
+        , replacement(file)
+    {
+    }
+
+    ~Recording()
+    {
+        writer.release();
+        filesUnderWay().remove(claimed);
+    }
+
+    Q_DISABLE_COPY_MOVE(Recording)
+
     QString path;
     double framesPerSecond = 0;
+    FileReplacement replacement;
+    QString claimed; ///< the file, once no other recorder may write to it
     cv::VideoWriter writer;
     cv::Size size;
     int frames = 0;
+    qint64 bytes = 0;      ///< what has reached the disk
+    int framesAtBytes = 0; ///< the number of frames when it did
+
+    /// Creates the temporary file. Returns why the file cannot be written, or an empty text.
+    QString begin()
+    {
+        if (const FileProblem problem = replacement.begin())
+            return problem.text();
+        if (filesUnderWay().contains(replacement.target()))
+            return QStringLiteral("another view is being recorded to it");
+        claimed = replacement.target();
+        filesUnderWay().insert(claimed);
+        return {};
+    }
+    int dropped = 0;
+    QElapsedTimer clock;
 
     /// Uses OpenCV's own writer, which needs no codec library and behaves the same everywhere.
     bool open(cv::Size frameSize)
     {
         size = frameSize;
         try {
-            return writer.open(QFile::encodeName(path).toStdString(), cv::CAP_OPENCV_MJPEG,
+            return writer.open(QFile::encodeName(replacement.temporaryPath()).toStdString(), cv::CAP_OPENCV_MJPEG,
                                cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), framesPerSecond, size, true);
         } catch (const cv::Exception& error) {
             qCritical().noquote() << "Video:" << error.what();
             return false;
         }
     }
+
+    /// True if frames no longer reach the disk. The writer does not say so.
+    bool hasStalled()
+    {
+        const qint64 now = QFileInfo(replacement.temporaryPath()).size();
+        if (now != bytes)
+            framesAtBytes = frames;
+        bytes = now;
+        return frames - framesAtBytes > framesWithoutGrowth;
+    }
+
+    /// True if the whole video is in the file: the writer puts the length into the header last.
+    bool isWhole() const
+    {
+        QFile file(replacement.temporaryPath());
+        constexpr qint64 headerBytes = 8; // a name, and the length of what follows
+        const QByteArray header = file.open(QIODevice::ReadOnly) ? file.read(headerBytes) : QByteArray();
+        return header.size() == headerBytes &&
+               qFromLittleEndian<quint32>(header.constData() + 4) == quint32(file.size() - headerBytes);
+    }
+
+    /// Why the disk takes no more.
+    QString diskProblem()
+    {
+        if (!QFileInfo::exists(replacement.temporaryPath()))
+            return QStringLiteral("its temporary file has been removed");
+        const FileProblem problem = replacement.append(QByteArray(1 << 20, '\0'));
+        return problem ? problem.text() : QStringLiteral("the disk has not taken everything");
+    }
 };
-
-namespace {
-
-bool canBeWritten(const QString& path)
-{
-    if (QFileInfo(path).suffix().compare(QStringLiteral("avi"), Qt::CaseInsensitive) != 0) {
-        qCritical().noquote() << QStringLiteral("Cannot record to %1: the extension must be .avi").arg(path);
-        return false;
-    }
-    QFile file(path);
-    if (!file.open(QIODevice::Append)) {
-        qCritical().noquote() << QStringLiteral("Cannot record to %1: %2").arg(path, file.errorString());
-        return false;
-    }
-    return true;
-}
-
-} // namespace
 
 VideoRecorder::VideoRecorder() = default;
 
@@ -58,21 +120,24 @@ VideoRecorder::~VideoRecorder()
 
 bool VideoRecorder::start(const QString& path, const SxPicBuf* shown, double framesPerSecond)
 {
-    if (m_recording) {
-        qCritical().noquote()
-            << QStringLiteral("Cannot record to %1: already recording to %2").arg(path, m_recording->path);
-        return false;
-    }
-    if (!canBeWritten(path))
-        return false;
-    auto recording = std::make_unique<Recording>();
-    recording->path = path;
+    auto recording = std::make_unique<Recording>(path);
     recording->framesPerSecond = framesPerSecond;
-    if (shown && shown->data && !recording->open(cv::Size(int(shown->width), int(shown->height)))) {
-        qCritical().noquote() << QStringLiteral("Cannot record to %1: the video file cannot be written").arg(path);
+    QString problem;
+    if (m_recording)
+        problem = QStringLiteral("already recording to %1").arg(m_recording->path);
+    else if (QFileInfo(path).suffix().compare(QStringLiteral("avi"), Qt::CaseInsensitive) != 0)
+        problem = QStringLiteral("the extension must be .avi");
+    else
+        problem = recording->begin();
+    if (problem.isEmpty() && shown && shown->data && !recording->open(cv::Size(int(shown->width), int(shown->height))))
+        problem = QStringLiteral("the video file cannot be written");
+    if (!problem.isEmpty()) {
+        qCritical().noquote() << QStringLiteral("Cannot record to %1: %2").arg(path, problem);
         return false;
     }
+    recording->clock.start();
     m_recording = std::move(recording);
+    Q_EMIT recordingChanged();
     return true;
 }
 
@@ -86,13 +151,14 @@ void VideoRecorder::add(const SxPicBuf& image)
     if (!m_recording)
         return;
     const QImage frame = displayImage(image).convertToFormat(QImage::Format_BGR888);
-    if (frame.isNull())
+    if (frame.isNull()) {
+        noteDropped(1);
         return;
+    }
     const cv::Size size(frame.width(), frame.height());
     if (m_recording->frames == 0 && !(m_recording->writer.isOpened() && size == m_recording->size) &&
         !m_recording->open(size)) {
-        qCritical().noquote() << QStringLiteral("Recording to %1 failed").arg(m_recording->path);
-        m_recording.reset();
+        fail(QStringLiteral("the video file cannot be written"));
         return;
     }
     try {
@@ -103,10 +169,11 @@ void VideoRecorder::add(const SxPicBuf& image)
         m_recording->writer.write(scaled);
         ++m_recording->frames;
     } catch (const cv::Exception& error) {
-        qCritical().noquote()
-            << QStringLiteral("Recording to %1 failed: %2").arg(m_recording->path, QString::fromUtf8(error.what()));
-        m_recording.reset();
+        fail(QString::fromUtf8(error.what()));
+        return;
     }
+    if (m_recording->hasStalled())
+        fail(m_recording->diskProblem());
 }
 
 void VideoRecorder::stop()
@@ -115,13 +182,48 @@ void VideoRecorder::stop()
         return;
     m_recording->writer.release();
     if (m_recording->frames == 0) {
-        QFile::remove(m_recording->path);
         qWarning().noquote() << QStringLiteral("No frame was recorded to %1").arg(m_recording->path);
+    } else if (!m_recording->isWhole()) {
+        fail(m_recording->diskProblem());
+        return;
+    } else if (const FileProblem problem = m_recording->replacement.complete()) {
+        const QString kept = m_recording->replacement.temporaryPath();
+        m_recording->replacement.keepTemporary();
+        qCritical().noquote() << QStringLiteral("Cannot write %1: %2. The recording is in %3")
+                                     .arg(m_recording->path, problem.text(), kept);
     }
+    endRecording();
+}
+
+void VideoRecorder::endRecording()
+{
     m_recording.reset();
+    Q_EMIT recordingChanged();
+}
+
+void VideoRecorder::noteDropped(int frames)
+{
+    if (m_recording)
+        m_recording->dropped += frames;
+}
+
+void VideoRecorder::fail(const QString& reason)
+{
+    qCritical().noquote() << QStringLiteral("Recording to %1 failed: %2").arg(m_recording->path, reason);
+    endRecording();
 }
 
 int VideoRecorder::frameCount() const
 {
     return m_recording ? m_recording->frames : 0;
+}
+
+int VideoRecorder::droppedCount() const
+{
+    return m_recording ? m_recording->dropped : 0;
+}
+
+double VideoRecorder::seconds() const
+{
+    return m_recording ? double(m_recording->clock.elapsed()) / 1000 : 0;
 }

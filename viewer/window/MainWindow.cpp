@@ -2,6 +2,7 @@
 
 #include "NotificationArea.h"
 #include "ScriptBar.h"
+#include "process/CloseRequest.h"
 #include "views/ImageView.h"
 
 #include <QtGui/QCloseEvent>
@@ -69,13 +70,15 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 void MainWindow::askToStopAndClose()
 {
-    if (m_closeQuestion) {
+    // An answered question is deleted later.
+    if (m_closeQuestion && m_closeQuestion->isVisible()) {
         m_closeQuestion->raise();
         return;
     }
     m_closeQuestion = new QMessageBox(QMessageBox::Question, tr("Close"), tr("A script is running: stop it and close?"),
                                       QMessageBox::Cancel, this);
-    const QPushButton* stop = m_closeQuestion->addButton(tr("Stop and Close"), QMessageBox::AcceptRole);
+    const QPushButton* stop = m_closeQuestion->addButton(tr("&Stop and Close"), QMessageBox::AcceptRole);
+    m_closeQuestion->setDefaultButton(QMessageBox::Cancel);
     connect(stop, &QPushButton::clicked, this, [this] {
         m_scriptRuns = false; // the question is answered
         close();
@@ -94,6 +97,16 @@ bool MainWindow::eventFilter(QObject* object, QEvent* event)
         }
     }
     return QMainWindow::eventFilter(object, event);
+}
+
+bool MainWindow::nativeEvent(const QByteArray& eventType, void* message, qintptr* result)
+{
+    // Qt drops the request while a dialog blocks this window, but the question about the script must appear.
+    if (m_scriptRuns && QApplication::activeModalWidget() && isCloseRequest(eventType, message)) {
+        QMetaObject::invokeMethod(this, &QWidget::close, Qt::QueuedConnection);
+        return true;
+    }
+    return QMainWindow::nativeEvent(eventType, message, result);
 }
 
 void MainWindow::changeEvent(QEvent* event)

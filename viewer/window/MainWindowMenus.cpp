@@ -4,6 +4,7 @@
 #include "CxImageFormatManager.h"
 #include "MainWindow.h"
 #include "NotificationArea.h"
+#include "RecordingStatus.h"
 #include "views/DisplayImage.h"
 #include "views/ImageFiles.h"
 #include "views/ImageView.h"
@@ -90,6 +91,7 @@ void MainWindow::createHelpMenu()
 
 void MainWindow::createStatusLine()
 {
+    statusBar()->addPermanentWidget(new RecordingStatus(m_views));
     for (QLabel** label : {&m_pixel, &m_zoom, &m_format}) {
         *label = new QLabel;
         statusBar()->addPermanentWidget(*label);
@@ -133,12 +135,9 @@ void MainWindow::askForFilesToOpen()
     auto* dialog = new QFileDialog(this, tr("Open Images"), {}, imageFilter());
     dialog->setFileMode(QFileDialog::ExistingFiles);
     connect(dialog, &QFileDialog::filesSelected, this, [this](const QStringList& paths) {
-        QStringList failed;
-        for (const QString& path : paths)
-            if (!m_views.openFile(path))
-                failed += path;
-        if (!failed.isEmpty())
-            warn(tr("Open Images"), tr("Cannot open as an image:\n%1").arg(failed.join(QLatin1Char('\n'))));
+        const QStringList failures = m_views.openFiles(paths);
+        if (!failures.isEmpty())
+            warn(tr("Open Images"), failures.join(QLatin1Char('\n')));
     });
     openDialog(dialog);
 }
@@ -153,8 +152,9 @@ void MainWindow::askForFileToSave()
     dialog->selectFile(active->windowTitle());
     // The image is held: while the dialog is open, the view may change or close.
     connect(dialog, &QFileDialog::fileSelected, this, [this, image = active->image()](const QString& path) {
-        if (!saveImageFile(*image, path))
-            warn(tr("Save Image"), tr("Cannot save the image as\n%1").arg(path));
+        QString problem;
+        if (!saveImageFile(*image, path, problem))
+            warn(tr("Save Image"), tr("Cannot save %1: %2.").arg(path, problem));
     });
     openDialog(dialog);
 }

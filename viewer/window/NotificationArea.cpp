@@ -27,7 +27,7 @@ NotificationArea::NotificationArea(QWidget* parent, int bottomMargin)
     setTextFormat(Qt::PlainText); // texts come from scripts and may look like markup
     setWordWrap(true);
     setMargin(10);
-    setFrameShape(QFrame::StyledPanel);
+    setFrameStyle(QFrame::Box | QFrame::Plain); // a line that shows on every background
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::ToolTipBase);
     setForegroundRole(QPalette::ToolTipText);

@@ -1,5 +1,7 @@
 #include "ScriptBar.h"
 
+#include "process/ClockTime.h"
+
 #include <QtGui/QAction>
 #include <QtGui/QPainter>
 #include <QtWidgets/QHBoxLayout>
@@ -25,12 +27,6 @@ QIcon stopIcon()
     icon.addPixmap(square(QColor(0xd0, 0x20, 0x20)), QIcon::Normal);
     icon.addPixmap(square(QColor(0x90, 0x90, 0x90)), QIcon::Disabled);
     return icon;
-}
-
-QString clockTime(double seconds)
-{
-    const int whole = int(seconds);
-    return QStringLiteral("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, QLatin1Char('0'));
 }
 
 QString stateText(ScriptState state, double seconds)

@@ -40,6 +40,7 @@ ImageView* ViewList::add(std::shared_ptr<CxImageData> image, const QString& titl
         m_activations.insert(m_activations.begin(), id);
         connect(view, &ImageView::closed, this, [this, id] { noteClosing(id); });
         connect(view, &ImageView::imageShown, this, &ViewList::activeViewChanged);
+        connect(view, &ImageView::recordingChanged, this, &ViewList::recordingsChanged);
         connect(view->imageWidget(), &ImageWidget::scaleChanged, this, &ViewList::activeViewChanged);
         connect(view->imageWidget(), &ImageWidget::pixelHovered, this,
                 [this, view](const QPoint& pixel) { Q_EMIT pixelHovered(*view, pixel); });
@@ -55,13 +56,27 @@ ImageView* ViewList::add(std::shared_ptr<CxImageData> image, const QString& titl
     return added.release(); // the area deletes it
 }
 
-bool ViewList::openFile(const QString& path, bool activate)
+bool ViewList::openFile(const QString& path, bool activate, QString* problem)
 {
-    std::shared_ptr<CxImageData> image = loadImageFile(path);
+    QString reason;
+    std::shared_ptr<CxImageData> image = loadImageFile(path, reason);
+    if (problem)
+        *problem = reason;
     if (!image)
         return false;
     add(std::move(image), QFileInfo(path).fileName(), activate);
     return true;
+}
+
+QStringList ViewList::openFiles(const QStringList& paths)
+{
+    QStringList failures;
+    for (const QString& path : paths) {
+        QString problem;
+        if (!openFile(path, true, &problem))
+            failures += tr("Cannot open %1: %2.").arg(path, problem);
+    }
+    return failures;
 }
 
 bool ViewList::duplicate(int id)

@@ -3,6 +3,7 @@
 #include "views/ViewStore.h"
 
 #include <QtCore/QObject>
+#include <QtCore/QStringList>
 
 #include <map>
 #include <memory>
@@ -32,9 +33,12 @@ public:
     /// view is active. If this throws, no view is left, and the list no longer holds the image.
     ImageView* add(std::shared_ptr<CxImageData> image, const QString& title, bool activate = true);
 
-    /// Opens an image file in a new view; activate works as in add(). Returns false and logs why if the file cannot be
-    /// shown.
-    bool openFile(const QString& path, bool activate = true);
+    /// Opens an image file in a new view; activate works as in add(). If the file cannot be shown, returns false, logs
+    /// why and gives the reason in problem, unless that is null.
+    bool openFile(const QString& path, bool activate = true, QString* problem = nullptr);
+
+    /// Opens the image files that the user has named. Returns a sentence with the reason for each that cannot be shown.
+    QStringList openFiles(const QStringList& paths);
 
     /// Copies the image of a view into a new view, which becomes the active one. A negative id stands for the active
     /// view. Returns false if there is no such view or, with a log line, if there is not enough memory for the copy.
@@ -63,6 +67,9 @@ Q_SIGNALS:
 
     /// The mouse moved over a pixel of a view.
     void pixelHovered(const ImageView& view, const QPoint& pixel);
+
+    /// The recording of a view has begun or ended.
+    void recordingsChanged();
 
 private:
     void noteActivation(QMdiSubWindow* window);

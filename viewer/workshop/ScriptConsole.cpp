@@ -1,131 +1,99 @@
 #include "ScriptConsole.h"
 
-#include <QtCore/QLocale>
-#include <QtGui/QFontDatabase>
-#include <QtGui/QTextCharFormat>
-#include <QtWidgets/QLabel>
-#include <QtWidgets/QPlainTextEdit>
-#include <QtWidgets/QScrollBar>
-#include <QtWidgets/QVBoxLayout>
+#include "OutputPane.h"
+#include "process/LogRecords.h"
 
-#include <algorithm>
+#include <QtCore/QLocale>
+#include <QtGui/QSyntaxHighlighter>
+#include <QtWidgets/QPlainTextEdit>
+#include <QtWidgets/QStyle>
+#include <QtWidgets/QTabWidget>
 
 namespace {
 
-/// Text is shown at most 30 times a second. While it takes long, it is shown more rarely: the script must go on.
-constexpr int shortestPause = 34;
-constexpr int pauseFactor = 5;
-
-/// A longer line is broken: its layout would take too long.
-constexpr int longestLine = 4000;
-
-/// The end of a text, with at most that many lines. The other lines are counted.
-QString lastLines(const QString& text, int most, qint64& dropped)
+/// Emphasises the word for the severity.
+class SeverityHighlighter : public QSyntaxHighlighter
 {
-    qsizetype begin = text.size();
-    for (int lines = 0; lines < most && begin > 0; ++lines)
-        begin = begin > 1 ? text.lastIndexOf(QLatin1Char('\n'), begin - 2) + 1 : 0;
-    dropped += QStringView(text).left(begin).count(QLatin1Char('\n'));
-    return text.mid(begin);
-}
-
-/// Breaks long lines. column is the length of the last line, before and after.
-QString broken(const QString& text, int& column)
-{
-    QString result;
-    result.reserve(text.size());
-    for (const QChar c : text) {
-        if (c == QLatin1Char('\n')) {
-            column = 0;
-        } else if (++column > longestLine) {
-            result += QLatin1Char('\n');
-            column = 1;
-        }
-        result += c;
+public:
+    explicit SeverityHighlighter(QPlainTextEdit& log)
+        : QSyntaxHighlighter(log.document())
+    {
+        m_critical.setFontWeight(QFont::Bold);
+        m_critical.setForeground(OutputPane::errorColor(log.palette()));
     }
-    return result;
-}
+
+protected:
+    void highlightBlock(const QString& line) override
+    {
+        const QLatin1String word(LogCollector::criticalWord);
+        if (QStringView(line).mid(LogCollector::severityColumn).startsWith(word))
+            setFormat(LogCollector::severityColumn, int(word.size()), m_critical);
+    }
+
+private:
+    QTextCharFormat m_critical;
+};
 
 } // namespace
 
 ScriptConsole::ScriptConsole(QWidget* parent)
-    : QDockWidget(tr("Script Output"), parent)
-    , m_pause(shortestPause)
-    , m_droppedText(new QLabel)
-    , m_text(new QPlainTextEdit)
+    : QDockWidget(tr("Output and Log"), parent)
+    , m_tabs(new QTabWidget)
+    , m_output(new OutputPane([this] { return m_outputCollector.take(); }))
+    , m_log(new OutputPane([this] { return m_logCollector.take(); }))
 {
     setObjectName(QStringLiteral("scriptConsole"));
-    m_text->setReadOnly(true);
-    m_text->setUndoRedoEnabled(false);
-    m_text->setMaximumBlockCount(mostLines);
-    m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    m_droppedText->setObjectName(QStringLiteral("droppedLines"));
-    m_droppedText->setContentsMargins(6, 2, 6, 2);
-    m_droppedText->hide();
-    auto* contents = new QWidget;
-    auto* layout = new QVBoxLayout(contents);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(m_droppedText);
-    layout->addWidget(m_text, 1);
-    setWidget(contents);
-    m_timer.setSingleShot(true);
-    connect(&m_timer, &QTimer::timeout, this, &ScriptConsole::showCollected);
+    m_output->text()->setObjectName(QStringLiteral("scriptOutput"));
+    m_log->text()->setObjectName(QStringLiteral("log"));
+    new SeverityHighlighter(*m_log->text());
+    m_tabs->setDocumentMode(true);
+    m_tabs->addTab(m_output, tr("Output"));
+    m_tabs->addTab(m_log, tr("Log"));
+    setWidget(m_tabs);
+    connect(m_output, &OutputPane::grown, this, &QWidget::show);
+    connect(m_log, &OutputPane::grown, this, &ScriptConsole::showLogGrown);
+    connect(m_log, &OutputPane::shown, this, &ScriptConsole::markUnseen);
+    LogRecords::setListener([this](QtMsgType type, const QString& text) { addRecord(type, text); });
     hide();
+}
+
+ScriptConsole::~ScriptConsole()
+{
+    LogRecords::setListener({});
 }
 
 void ScriptConsole::addOutput(const QString& text)
 {
-    if (!text.isEmpty() && m_collector.add(text))
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                if (!m_timer.isActive())
-                    m_timer.start(m_pause);
-            },
-            Qt::QueuedConnection);
+    if (!text.isEmpty() && m_outputCollector.add(text))
+        m_output->lookSoon();
 }
 
 void ScriptConsole::appendErrors(const QString& text)
 {
-    showCollected();
-    if (!text.isEmpty())
-        append(text, Qt::red);
+    m_output->addError(text);
 }
 
-void ScriptConsole::showCollected()
+void ScriptConsole::addRecord(QtMsgType type, const QString& text)
 {
-    m_timer.stop();
-    const OutputCollector::Text collected = m_collector.take();
-    if (collected.text.isEmpty())
-        return;
-    QElapsedTimer clock;
-    clock.start();
-    noteDropped(collected.droppedLines);
-    append(collected.text, palette().color(QPalette::Text));
-    m_pause = int(std::max<qint64>(shortestPause, pauseFactor * clock.elapsed()));
+    ++m_unseen;
+    if (m_logCollector.add(type, text))
+        m_log->lookSoon();
 }
 
-void ScriptConsole::append(const QString& text, const QColor& color)
+void ScriptConsole::showLogGrown()
 {
-    qint64 dropped = 0;
-    const QString shown = lastLines(broken(text, m_column), mostLines, dropped);
-    const qint64 lines = m_text->blockCount() + QStringView(shown).count(QLatin1Char('\n'));
-    QTextCharFormat format;
-    format.setForeground(color);
-    QTextCursor end(m_text->document());
-    end.movePosition(QTextCursor::End);
-    end.insertText(shown, format);
-    noteDropped(dropped + std::max<qint64>(0, lines - m_text->blockCount()));
-    m_text->verticalScrollBar()->setValue(m_text->verticalScrollBar()->maximum());
+    if (isHidden() && m_output->isEmpty())
+        m_tabs->setCurrentWidget(m_log);
     show();
+    markUnseen();
 }
 
-void ScriptConsole::noteDropped(qint64 lines)
+void ScriptConsole::markUnseen()
 {
-    m_dropped += lines;
-    if (m_dropped == 0)
-        return;
-    m_droppedText->setText(tr("%1 earlier lines were dropped.").arg(QLocale().toString(m_dropped)));
-    m_droppedText->show();
+    if (m_log->isVisible())
+        m_unseen = 0;
+    const qint64 unseen = m_unseen;
+    const int tab = m_tabs->indexOf(m_log);
+    m_tabs->setTabText(tab, unseen ? tr("Log (%1 new)").arg(QLocale().toString(unseen)) : tr("Log"));
+    m_tabs->setTabIcon(tab, unseen ? style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this) : QIcon());
 }

@@ -1,20 +1,24 @@
 #pragma once
 
+#include "LogCollector.h"
 #include "OutputCollector.h"
 
-#include <QtCore/QElapsedTimer>
-#include <QtCore/QTimer>
+#include <QtCore/qlogging.h>
 #include <QtWidgets/QDockWidget>
 
-class QLabel;
-class QPlainTextEdit;
+#include <atomic>
 
-/// Shows the output and the errors of scripts. Appears when there is something to show.
+class OutputPane;
+class QTabWidget;
+
+/// Shows the output and the errors of scripts, and beside them the program's log. Appears when there is something to
+/// show.
 class ScriptConsole : public QDockWidget
 {
     Q_OBJECT
 public:
     explicit ScriptConsole(QWidget* parent);
+    ~ScriptConsole() override;
 
     /// Shows a text soon, together with others. May be called on any thread.
     void addOutput(const QString& text);
@@ -22,19 +26,15 @@ public:
     /// Shows the output so far, then the errors.
     void appendErrors(const QString& text);
 
-    /// The most lines that are kept.
-    static constexpr int mostLines = 10000;
-
 private:
-    void showCollected();
-    void append(const QString& text, const QColor& color);
-    void noteDropped(qint64 lines);
+    void addRecord(QtMsgType type, const QString& text);
+    void showLogGrown();
+    void markUnseen();
 
-    OutputCollector m_collector;
-    QTimer m_timer;
-    int m_pause; ///< milliseconds between two texts
-    int m_column = 0;
-    qint64 m_dropped = 0;
-    QLabel* m_droppedText;
-    QPlainTextEdit* m_text;
+    OutputCollector m_outputCollector;
+    LogCollector m_logCollector;
+    QTabWidget* m_tabs;
+    OutputPane* m_output;
+    OutputPane* m_log;
+    std::atomic<qint64> m_unseen = 0; ///< number of records that came while the log was out of sight
 };

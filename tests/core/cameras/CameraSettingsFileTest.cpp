@@ -1,7 +1,9 @@
 #include "CxCameraParameters.h"
 
 #include "support/FakeCameraDevice.h"
+#include "support/FileSizeLimit.h"
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
@@ -216,6 +218,22 @@ TEST_F(CameraSettings, ThatCannotBeWrittenLeaveWhatIsThereAndLogOneLine)
     struct stat status = {};
     ASSERT_EQ(stat(pipe.constData(), &status), 0);
     EXPECT_TRUE(S_ISFIFO(status.st_mode));
+}
+
+TEST_F(CameraSettings, ThatDoNotFitOnTheDiskLeaveTheOldFile)
+{
+    file("old");
+    {
+        const FileSizeLimit limit(100);
+        EXPECT_FALSE(store->saveParamValuesToFile(path, CxCameraParam::All));
+    }
+    ASSERT_EQ(logLines.size(), 1);
+    EXPECT_TRUE(logLines[0].endsWith(QStringLiteral(": it would be larger than files may be")))
+        << logLines[0].toStdString();
+    QFile old(path);
+    ASSERT_TRUE(old.open(QIODevice::ReadOnly));
+    EXPECT_EQ(old.readAll(), "old");
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
 }
 
 } // namespace

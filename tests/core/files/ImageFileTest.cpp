@@ -2,6 +2,7 @@
 
 #include "CxImageFormatManager.h"
 #include "core/buffers/PicBufReference.h"
+#include "support/FileSizeLimit.h"
 #include "support/LogCapture.h"
 
 #include <QtCore/QDir>
@@ -11,6 +12,8 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
+#include <sys/stat.h>
+#include <sys/wait.h>
 
 namespace {
 
@@ -289,6 +292,58 @@ TEST_F(ImageFile, ARefusedSaveLeavesTheOldFileAndOneLogLine)
     ASSERT_NE(loaded, nullptr);
     EXPECT_EQ(loaded->picBuf()->width, 19U);
     EXPECT_EQ(QDir(path(QString())).entryList(QDir::Files).size(), 1); // no temporary file is left either
+}
+
+TEST_F(ImageFile, AnInterruptedSaveLeavesTheOldFile)
+{
+    TestPicBuf source({300, 200, 3, ExImageDataType::UInt8});
+    source.randomise(m_random);
+    for (const char* extension : {"png", "tif", "jpg", "bmp", "ppm"}) {
+        const QString file = path(QStringLiteral("a.") + QString::fromLatin1(extension));
+        expectUnchanged(QStringLiteral("old.png"), ExImageDataType::UInt8, 1);
+        QFile::remove(file);
+        ASSERT_TRUE(QFile::rename(path(QStringLiteral("old.png")), file));
+        {
+            const FileSizeLimit limit(20000);
+            const LogCapture log;
+            EXPECT_FALSE(save(*source.image(), file)) << extension;
+            ASSERT_EQ(log.texts().size(), 1);
+            EXPECT_TRUE(log.texts()[0].contains(QStringLiteral("it would be larger than files may be")))
+                << log.texts()[0].toStdString();
+        }
+        EXPECT_EQ(load(file)->picBuf()->width, 19U) << extension;
+        EXPECT_EQ(QDir(path(QString())).entryList(QDir::Files | QDir::Hidden).size(), 1) << extension;
+        const pid_t child = fork();
+        if (child == 0) {
+            const FileSizeLimit limit(20000, true); // the process is killed in the middle
+            save(*source.image(), file);
+            _exit(0);
+        }
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_TRUE(WIFSIGNALED(status)) << extension;
+        EXPECT_EQ(load(file)->picBuf()->width, 19U) << extension;
+        for (const QString& name : QDir(path(QString())).entryList(QDir::Files | QDir::Hidden))
+            QFile::remove(path(name));
+    }
+}
+
+TEST_F(ImageFile, AFolderOrAPipeIsNotReplaced)
+{
+    TestPicBuf source({4, 4, 1});
+    const QString folder = path(QStringLiteral("folder.png"));
+    const QString pipe = path(QStringLiteral("pipe.png"));
+    ASSERT_TRUE(QDir().mkdir(folder));
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const LogCapture log;
+    EXPECT_FALSE(save(*source.image(), folder));
+    EXPECT_FALSE(save(*source.image(), pipe));
+    ASSERT_EQ(log.texts().size(), 2);
+    EXPECT_TRUE(log.texts()[0].endsWith(QStringLiteral(": it is a folder"))) << log.texts()[0].toStdString();
+    EXPECT_TRUE(log.texts()[1].endsWith(QStringLiteral(": it is not a regular file"))) << log.texts()[1].toStdString();
+    struct stat status = {};
+    ASSERT_EQ(stat(QFile::encodeName(pipe).constData(), &status), 0);
+    EXPECT_TRUE(S_ISFIFO(status.st_mode));
 }
 
 /// An image whose pixels cannot be had.

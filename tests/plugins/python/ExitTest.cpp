@@ -123,6 +123,21 @@ TEST(ScriptThatExitsWithAText, ShowsItWhenTheHostHasItsOwnWayToLeave)
     EXPECT_EQ(left.errors, "first\na text\n");
 }
 
+TEST(ScriptThatForks, LeavesItsErrorsToItsChildOnlyOnce)
+{
+    const Left left = leaveAt("script", "import os, sys\n"
+                                        "sys.stderr.write('parent\\n')\n"
+                                        "child = os.fork()\n"
+                                        "if child == 0:\n"
+                                        "    sys.stderr.write('child\\n')\n"
+                                        "    sys.exit(3)\n"
+                                        "print(os.waitpid(child, 0)[1] >> 8)\n"
+                                        "sys.exit(0)\n");
+    EXPECT_EQ(left.errors, "child\nparent\n");
+    EXPECT_EQ(left.output, "3\n");
+    EXPECT_EQ(left.status, 0);
+}
+
 // Which modules of compiled code load, although Qt loads the plugin with local symbols.
 class ExtensionModule : public testing::TestWithParam<const char*>
 {
