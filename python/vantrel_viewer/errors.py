@@ -30,9 +30,10 @@ def _compiled(source: bytes, file: str) -> Optional[CodeType]:
     if b"\0" in source or not (source.isascii() or b"coding" in source or _is_utf8(source)):
         return None
     try:
-        return compile(source, file, "exec", dont_inherit=True)
+        code: CodeType = compile(source, file, "exec", dont_inherit=True)
     except SyntaxError:
         return None
+    return code
 
 
 def _is_utf8(source: bytes) -> bool:
@@ -105,8 +106,8 @@ def show(error: BaseException) -> None:
     sys.last_type, sys.last_value, sys.last_traceback = kind, error, trace
     if sys.version_info >= (3, 12):
         sys.last_exc = error
-    stream = sys.stderr
-    escaping = None if stream is None or hasattr(stream, "encoding") else _ErrorStream(stream)
+    stream: Any = sys.stderr
+    escaping: Any = None if stream is None or hasattr(stream, "encoding") else _ErrorStream(stream)
     if escaping:
         sys.stderr = escaping
     try:

@@ -73,8 +73,9 @@ def _depth(frame: Optional[FrameType]) -> int:
     return depth
 
 
-def _walk_stack(frame: Optional[FrameType]) -> Iterator[Tuple[FrameType, int]]:
+def _walk_stack(f: Optional[FrameType]) -> Iterator[Tuple[FrameType, int]]:
     """Walk up the stack from a frame, or from that of the caller of the function that asks, and yield frames and lines."""
+    frame = f
     if frame is None:
         frame = sys._getframe(1)
         while frame is not None and frame.f_globals.get("__name__") == "traceback":

@@ -1,9 +1,9 @@
 """Runs scripts with the viewer and with the Python that belongs to it; both must behave alike.
 
-usage: compare.py VIEWER PYTHON FOLDER [NAME...] -- VIEWER_OPTION...
+usage: compare.py VIEWER PYTHON COLLECTION [NAME...] -- VIEWER_OPTION...
 
-FOLDER holds collections of scripts: files of blocks that begin with a line "#### NAME [for VERSION+]". Compared are standard
-output, standard error, and the exit status. Addresses of objects and the names of temporary folders do not count.
+COLLECTION is a file of scripts, each of which follows a line "#### NAME [for VERSION+] [with OPTION...]". Compared are standard output,
+standard error, and the exit status. Addresses of objects and the names of temporary folders do not count.
 """
 import concurrent.futures
 import os
@@ -14,16 +14,15 @@ import sys
 import tempfile
 
 TIMEOUT = 120
-HEADING = re.compile(rb"^#### (\w+)(?: for 3\.(\d+)\+)?\n", re.M)
+HEADING = re.compile(rb"^#### (\w+)(?: for 3\.(\d+)\+)?(?: with (--.+))?\n", re.M)
 
 
-def scripts(folder, minor):
-    """Yield the name and the source of each script that fits a version of Python."""
-    for collection in sorted(pathlib.Path(folder).glob("*.scripts")):
-        parts = HEADING.split(collection.read_bytes())
-        for name, since, source in zip(parts[1::3], parts[2::3], parts[3::3]):
-            if since is None or int(since) <= minor:
-                yield f"{collection.stem}.{name.decode()}", unescaped(source)
+def scripts(collection, minor):
+    """Yield the name, the source and the viewer's options of each script that fits a version of Python."""
+    parts = HEADING.split(pathlib.Path(collection).read_bytes())
+    for name, since, options, source in zip(parts[1::4], parts[2::4], parts[3::4], parts[4::4]):
+        if since is None or int(since) <= minor:
+            yield name.decode(), unescaped(source), (options or b"").decode().split()
 
 
 def unescaped(source):
@@ -44,10 +43,10 @@ def lines(output):
     return re.sub(r"0x[0-9a-f]{6,}", "0x...", text).split("\n")
 
 
-def difference(name, source, viewer, python, options):
+def difference(name, source, own_options, viewer, python, options):
     """Return what differs, as a text; empty if nothing does."""
     results = []
-    for command in ([python], [viewer, "run", *options]):
+    for command in ([python], [viewer, "run", *options, *own_options]):
         with tempfile.TemporaryDirectory() as outer:
             folder = pathlib.Path(outer, "scripts")
             folder.mkdir()
@@ -66,10 +65,10 @@ def difference(name, source, viewer, python, options):
 
 def main():
     split = sys.argv.index("--")
-    viewer, python, folder, *names = sys.argv[1:split]
+    viewer, python, collection, *names = sys.argv[1:split]
     options = sys.argv[split + 1:]
     minor = int(subprocess.run([python, "-c", "import sys; print(sys.version_info[1])"], capture_output=True).stdout)
-    chosen = [(name, source) for name, source in scripts(folder, minor) if not names or name in names]
+    chosen = [one for one in scripts(collection, minor) if not names or one[0] in names]
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         different = list(filter(None, pool.map(lambda one: difference(*one, viewer, python, options), chosen)))
     sys.stdout.write("".join(different))
