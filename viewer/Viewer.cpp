@@ -1,5 +1,6 @@
 #include "Viewer.h"
 
+#include "process/Preferences.h"
 #include "process/ProcessExit.h"
 #include "process/StandardStreams.h"
 #include "scripting/PythonFolders.h"
@@ -11,6 +12,7 @@
 #include "stopping/ScriptPulse.h"
 #include "views/ImageView.h"
 #include "window/ScriptBar.h"
+#include "workshop/EnvironmentDialog.h"
 #include "workshop/ScriptConsole.h"
 
 #include <QtCore/QDebug>
@@ -77,6 +79,9 @@ Viewer::Viewer(const Settings& settings)
         QMenu* menu = m_window.menu(MainWindow::ViewMenu);
         menu->addSeparator();
         menu->addAction(m_console->toggleViewAction());
+        m_window.menu(MainWindow::ScriptMenu)
+            ->addAction(tr("Python &Environment..."), this, &Viewer::askForEnvironment);
+        m_window.menu(MainWindow::ScriptMenu)->addSeparator();
     }
     m_exit = std::make_unique<ProcessExit>(ProcessExit::Hooks{.complete = [this] { completeFiles(); },
                                                               .interruptScript =
@@ -150,6 +155,20 @@ void Viewer::runFile(const QString& path, const QStringList& arguments)
 void Viewer::startInterpreter(const QString& file)
 {
     m_scripts->add(jobIn(file));
+}
+
+void Viewer::askForEnvironment()
+{
+    const QString own = qEnvironmentVariable("VIRTUAL_ENV");
+    const QString note = own.isEmpty() ? QString() : tr("VIRTUAL_ENV is set, so this viewer uses %1.").arg(own);
+    auto* dialog = new EnvironmentDialog(
+        Preferences::environment(), note,
+        [this](const QString& folder) {
+            return PythonFolders::problemWithEnvironment(folder, m_scripts->language());
+        },
+        &m_window);
+    connect(dialog, &EnvironmentDialog::environmentChosen, this, &Preferences::setEnvironment);
+    m_window.openDialog(dialog);
 }
 
 ScriptJob Viewer::jobIn(const QString& file)

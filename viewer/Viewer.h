@@ -54,6 +54,7 @@ private:
     ScriptJob jobIn(const QString& file);
     void noteRunEnd(const QString& result, ScriptOutcome outcome);
     void completeFiles();
+    void askForEnvironment();
     void closeUnlessBusy();
     void quitAfterScript();
 

@@ -8,7 +8,7 @@ import os
 import sys
 from typing import Any, Dict, List
 
-from . import errors, leaving, modules, stack
+from . import ends, errors, modules, nested, stack
 
 __all__ = ["RAN", "FAILED", "INTERRUPTED", "LEFT", "run_file"]
 
@@ -31,7 +31,10 @@ def _run(file: str, shown: str, arguments: List[str], stays: bool, namespace: Di
     folder = os.path.dirname(os.path.realpath(file))
     kept = sys.argv, sys.excepthook, namespace.get("__loader__")
     modules.forget_changed(folder)
+    nested.forget()
     sys.argv = [shown, *arguments]
+    if stays:
+        sys.excepthook = ends.report
     sys.path.insert(0, folder)
     raised = None
     try:
@@ -64,19 +67,11 @@ def _report(error: BaseException, stays: bool) -> int:
 
 
 def _leave(error: SystemExit, stays: bool) -> int:
+    if stays:
+        ends.leave(error)
+        return LEFT
     code = 0 if error.code is None else error.code
     if not isinstance(code, int):
         errors.write_exit_text(code)
-        if stays and not leaving.is_child():
-            return LEFT  # the text tells why
         code = 1
-    if not stays:
-        raise SystemExit(code)
-    if leaving.is_child():
-        leaving.leave_child(code)
-    (errors.write if code else _print)(f"The script has ended with exit status {int(code)}.\n")
-    return LEFT
-
-
-def _print(text: str) -> None:
-    print(text, end="")
+    raise SystemExit(code)

@@ -4,6 +4,8 @@ import traceback
 from types import FrameType, TracebackType
 from typing import Any, Iterator, List, Optional, Tuple
 
+from . import nested
+
 __all__ = ["full_depth", "strip"]
 
 _folder = __file__[: -len("stack.py")]
@@ -80,8 +82,11 @@ def _walk_stack(f: Optional[FrameType]) -> Iterator[Tuple[FrameType, int]]:
         frame = sys._getframe(1)
         while frame is not None and frame.f_globals.get("__name__") == "traceback":
             frame = frame.f_back
-    while frame is not None and not _is_own(frame):
-        yield frame, frame.f_lineno
+    while frame is not None:
+        if not _is_own(frame):
+            yield frame, frame.f_lineno
+        elif frame.f_code.co_filename != nested.FILE:
+            return
         frame = frame.f_back
 
 

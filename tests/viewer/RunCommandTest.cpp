@@ -43,7 +43,7 @@ TEST_P(RunOnEitherThread, OutputAndErrorsGoTheirOwnWays)
     const Outcome outcome = run("import sys\nprint('Grüße', end='')\nsys.stderr.write('öops')\n", thread());
     EXPECT_EQ(outcome.output, "Grüße");
     EXPECT_EQ(outcome.errors, "öops");
-    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.status, 0);
 }
 
 TEST_P(RunOnEitherThread, AScriptWithoutErrorsGivesStatusZero)
@@ -56,9 +56,9 @@ TEST_P(RunOnEitherThread, AScriptWithoutErrorsGivesStatusZero)
 
 TEST_P(RunOnEitherThread, ATracebackIsWrittenVerbatim)
 {
-    const Outcome outcome = run("1/0\n", thread());
-    EXPECT_EQ(outcome.errors, "Traceback (most recent call last):\n  File \"<string>\", line 1, in <module>\n"
-                              "ZeroDivisionError: division by zero\n");
+    const Outcome outcome = run("raise ValueError('no')\n", thread());
+    EXPECT_EQ(outcome.errors, "Traceback (most recent call last):\n  File \"" + path("script.py").toStdString() +
+                                  "\", line 1, in <module>\n    raise ValueError('no')\nValueError: no\n");
     EXPECT_EQ(outcome.status, 1);
 }
 
@@ -87,14 +87,14 @@ TEST_P(RunOnEitherThread, AnInterruptStopsAScriptThatComputes)
 {
     const Outcome outcome = run("print('begun')\nwhile True: pass\n", thread(), interrupt);
     EXPECT_NE(outcome.errors.find("KeyboardInterrupt"), std::string::npos) << outcome.errors;
-    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.status, 130);
 }
 
 TEST_P(RunOnEitherThread, AnInterruptStopsAScriptThatSleeps)
 {
     const Outcome outcome = run("import time\nprint('begun')\ntime.sleep(600)\n", thread(), interruptTheWait);
     EXPECT_NE(outcome.errors.find("KeyboardInterrupt"), std::string::npos) << outcome.errors;
-    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.status, 130);
 }
 
 TEST_P(RunOnEitherThread, ATimerInterruptsASleepThatGoesOnThen)
@@ -215,7 +215,7 @@ TEST_F(RunCommand, AnInterruptStopsOneScriptOfSeveral)
     const QString first = write("first.py", "import vantrel\nprint('begun')\nvantrel.wait(600)\n");
     const Outcome outcome = run("print('next')\n", QStringList(first), interruptTheWait);
     EXPECT_EQ(outcome.output, "begun\nnext\n");
-    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.status, 130);
 }
 
 TEST_F(RunCommand, OnItsOwnThreadAScriptMayNotTouchTheWindows)
@@ -352,7 +352,7 @@ TEST_F(RunCommand, WaitingForAFrameWhereNoneComesGivesFalse)
 
 TEST_F(RunCommand, LogRecordsGoToTheLogFileWhenThereIsOne)
 {
-    const char* const script = "import vantrel\nvantrel.open_file('missing.png')\n";
+    const char* const script = "import vantrel\nname = 'missing'\nvantrel.open_file(name + '.png')\n";
     const Outcome without = run(script);
     EXPECT_NE(without.errors.find("missing.png"), std::string::npos);
     const Outcome with = run(script, list({"--log", "log.txt"}));
@@ -387,12 +387,10 @@ TEST_F(RunCommand, ScriptsMayHaveAByteOrderMarkAndWindowsLineEnds)
 TEST_F(RunCommand, UnreadableFilesGiveStatusTwoBeforeAnyScriptRuns)
 {
     const QString script = write("ok.py", "print('ran')\n");
-    write("latin.py", "print('\xE4')\n");
     write("broken.png", "no image");
     const QList<QStringList> calls = {
         list({"run", "ok.py", "missing.py"}),
         list({"run", "ok.py", "."}),
-        list({"run", "ok.py", "latin.py"}),
         list({"run", "--open", "missing.png", "ok.py"}),
         list({"run", "--open", "broken.png", "ok.py"}),
         list({"run", "--open", "ok.py", "ok.py"}),

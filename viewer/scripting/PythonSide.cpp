@@ -40,12 +40,14 @@ QString PythonSide::preparation(const QString& environment)
                           "sys.dont_write_bytecode = True\n"
                           "sys.path.insert(0, %1)\n"
                           "try:\n"
-                          "    import vantrel_viewer.interpreter, vantrel_viewer.leaving, vantrel_viewer.running, vantrel_viewer.signals\n"
+                          "    import vantrel_viewer.interpreter, vantrel_viewer.leaving, vantrel_viewer.nested\n"
+                          "    import vantrel_viewer.running, vantrel_viewer.signals\n"
                           "finally:\n"
                           "    sys.path.remove(%1)\n"
                           "    sys.dont_write_bytecode = kept\n"
                           "vantrel_viewer.interpreter.prepare(%2)\n"
-                          "vantrel_viewer.leaving.prepare(%3, %4)\n")
+                          "vantrel_viewer.leaving.prepare(%3, %4)\n"
+                          "vantrel_viewer.nested.prepare()\n")
         .arg(literal(folder()), literal(environment))
         .arg(reinterpret_cast<quintptr>(&ErrorCopy::copyWritesOf))
         .arg(reinterpret_cast<quintptr>(&UnwrittenErrors::write));

@@ -7,6 +7,7 @@
 #include "ScriptFile.h"
 #include "process/ProcessExit.h"
 #include "process/UnwrittenErrors.h"
+#include "stopping/InterpreterCalls.h"
 #include "stopping/ReleasedInterpreter.h"
 #include "stopping/ScriptInterrupt.h"
 #include "stopping/ScriptPulse.h"
@@ -30,10 +31,15 @@ bool isPython(const QString& language)
     return language.startsWith(QStringLiteral("Python "));
 }
 
-/// Whether the text of a run's errors ends with an interrupt.
-bool endsInterrupted(const QString& result)
+constexpr int unknownOutcome = -1;
+
+/// How a run ended, told from its errors.
+ScriptOutcome outcomeFrom(const QString& result)
 {
-    return ScriptInterrupt::wasInterrupted() && result.contains(QStringLiteral("\nKeyboardInterrupt"));
+    if (result.isEmpty())
+        return ScriptOutcome::Ran;
+    const bool isInterrupt = ScriptInterrupt::wasInterrupted() && result.contains(QStringLiteral("\nKeyboardInterrupt"));
+    return isInterrupt ? ScriptOutcome::Interrupted : ScriptOutcome::Failed;
 }
 
 void noteStart(void* /*unused*/, void* /*unused*/)
@@ -77,13 +83,13 @@ QString ScriptRunner::language() const
 void ScriptRunner::run(const ScriptJob& job)
 {
     QString result;
-    int outcome = int(ScriptOutcome::Ran);
+    int outcome = unknownOutcome; // a file that Python runs tells how it ended
     if (m_language) {
         m_betweenRuns.reset();
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
             interrupt->runBegins();
         ProcessExit::prepareScriptThread();
-        QString text;
+        QString text = job.text;
         if (!m_refusal.isEmpty()) {
             result = m_refusal + QLatin1Char('\n');
         } else if (isPython(language())) {
@@ -93,23 +99,19 @@ void ScriptRunner::run(const ScriptJob& job)
         } else if (!job.file.isEmpty()) {
             text = readScriptFile(job.file, result).value_or(QString());
         }
-        const bool tellsOutcome = result.isEmpty() && !job.file.isEmpty() && isPython(language());
         if (result.isEmpty()) {
             result = m_language->runScript(text, job.environment.get(), m_settings.pythonHome, &noteStart, nullptr,
                                            m_settings.plainOutput ? nullptr : &passOutput);
             if (ProcessExit::isForkedChild())
-                endChild(*job.environment, ScriptOutcome(outcome));
+                endChild(*job.environment, outcome == int(ScriptOutcome::Ran));
         }
-        // Only a file that Python runs tells its outcome itself.
-        if (!result.isEmpty() && !tellsOutcome)
-            outcome = int(endsInterrupted(result) ? ScriptOutcome::Interrupted : ScriptOutcome::Failed);
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
             interrupt->scriptEnded();
         ProcessExit::restoreHandlers();
         m_environment = job.environment;
         m_betweenRuns = std::make_unique<ReleasedInterpreter>();
     }
-    Q_EMIT ended(result, ScriptOutcome(outcome));
+    Q_EMIT ended(result, outcome == unknownOutcome ? outcomeFrom(result) : ScriptOutcome(outcome));
 }
 
 QString ScriptRunner::runOwn(const QString& text, ScriptEnvironment& environment)
@@ -122,6 +124,8 @@ QString ScriptRunner::runOwn(const QString& text, ScriptEnvironment& environment
 QString ScriptRunner::prepare(ScriptEnvironment& environment)
 {
     if (!m_isPrepared) {
+        if (m_settings.exitEndsScript)
+            InterpreterCalls::surviveSystemExit(m_loader.fileName());
         if (QString problem = runOwn(PythonSide::preparation(m_settings.environment), environment); !problem.isEmpty())
             return problem;
         m_isPrepared = true;
@@ -137,12 +141,12 @@ QString ScriptRunner::prepare(ScriptEnvironment& environment)
     return {};
 }
 
-void ScriptRunner::endChild(ScriptEnvironment& environment, ScriptOutcome outcome)
+void ScriptRunner::endChild(ScriptEnvironment& environment, bool succeeded)
 {
-    const bool failed = outcome == ScriptOutcome::Failed || outcome == ScriptOutcome::Interrupted;
+    const int status = succeeded ? 0 : 1;
     if (isPython(language()))
-        runOwn(PythonSide::endOfChild(failed ? 1 : 0), environment);
-    _exit(failed ? 1 : 0);
+        runOwn(PythonSide::endOfChild(status), environment);
+    _exit(status);
 }
 
 void ScriptRunner::publish(const QString& name, std::shared_ptr<CxImageData> image)

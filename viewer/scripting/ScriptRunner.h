@@ -65,7 +65,7 @@ private:
     QString prepare(ScriptEnvironment& environment);
 
     /// Ends a process that the script has forked and that has come to the end of the script.
-    [[noreturn]] void endChild(ScriptEnvironment& environment, ScriptOutcome outcome);
+    [[noreturn]] void endChild(ScriptEnvironment& environment, bool succeeded);
 
     Settings m_settings;
     QString m_refusal;

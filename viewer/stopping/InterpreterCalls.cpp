@@ -169,10 +169,12 @@ bool mustComplete(Object* frame)
     return isIn(frame, std::array<std::string_view, 3>{"<frozen importlib", "/threading.py", "/concurrent/futures/"});
 }
 
-/// Whether the frame is one of the viewer's own, which stand below those of a script.
+/// Whether the frame is one of the viewer's own, which stand below or above those of a script. The functions between two
+/// scripts do not count: a stop has to pass them.
 bool isOfViewer(Object* frame)
 {
-    return isIn(frame, std::array<std::string_view, 1>{"/vantrel_viewer/"});
+    return isIn(frame, std::array<std::string_view, 1>{"/vantrel_viewer/"}) &&
+           !isFunction(frame, "", "/vantrel_viewer/nested.py");
 }
 
 /// Whether the frame is about to call the `__exit__` of a `with` statement after an error. Before 3.11 this call
@@ -255,6 +257,17 @@ int raiseAgain(Object* /*unused*/, Object* frame, int event, Object* /*detail*/)
 }
 
 } // namespace
+
+void InterpreterCalls::surviveSystemExit(const QString& plugin)
+{
+    // The library is loaded, but its names may not be visible everywhere before the interpreter starts.
+    void* library = dlopen(QFile::encodeName(plugin).constData(), RTLD_LAZY | RTLD_NOLOAD);
+    if (!library)
+        return;
+    if (auto* inspects = static_cast<int*>(dlsym(library, "Py_InspectFlag")))
+        *inspects = 1;
+    dlclose(library);
+}
 
 bool InterpreterCalls::isInScript(void* frame)
 {

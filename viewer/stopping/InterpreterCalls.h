@@ -8,6 +8,10 @@
 /// All are called on the thread that runs scripts, while no other thread executes Python code.
 namespace InterpreterCalls {
 
+/// Makes an uncaught SystemExit go to `sys.excepthook` like other errors, instead of ending the process. Called before
+/// the interpreter starts, with the file of the loaded plugin.
+void surviveSystemExit(const QString& plugin);
+
 /// Whether a frame is one of a script, and neither None nor one of the viewer's own.
 bool isInScript(void* frame);
 
