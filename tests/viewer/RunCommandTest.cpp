@@ -1,4 +1,5 @@
 #include "Program.h"
+#include "support/TestSettings.h"
 #include "support/SleepingThread.h"
 
 #include <QtCore/QDir>
@@ -388,26 +389,27 @@ TEST_F(RunCommand, UnreadableFilesGiveStatusTwoBeforeAnyScriptRuns)
 {
     const QString script = write("ok.py", "print('ran')\n");
     write("broken.png", "no image");
+    const QStringList home = list({"run", "--python-home"}) + QStringList(TestSettings::pythonHome);
     const QList<QStringList> calls = {
-        list({"run", "ok.py", "missing.py"}),
-        list({"run", "ok.py", "."}),
-        list({"run", "--open", "missing.png", "ok.py"}),
-        list({"run", "--open", "broken.png", "ok.py"}),
-        list({"run", "--open", "ok.py", "ok.py"}),
-        list({"run", "--image", "a=missing.png", "ok.py"}),
-        list({"run", "--image", "a=broken.png", "ok.py"}),
-        list({"run", "--workdir", "missing", "ok.py"}),
-        list({"run", "--python-home", "missing", "ok.py"}),
-        list({"run", "--log", "missing/log.txt", "ok.py"}),
+        list({"ok.py", "missing.py"}),
+        list({"ok.py", "."}),
+        list({"--open", "missing.png", "ok.py"}),
+        list({"--open", "broken.png", "ok.py"}),
+        list({"--open", "ok.py", "ok.py"}),
+        list({"--image", "a=missing.png", "ok.py"}),
+        list({"--image", "a=broken.png", "ok.py"}),
+        list({"--workdir", "missing", "ok.py"}),
+        list({"--python-home", "missing", "ok.py"}),
+        list({"--log", "missing/log.txt", "ok.py"}),
     };
     for (const QStringList& arguments : calls) {
-        const Outcome outcome = call(arguments);
+        const Outcome outcome = call(home + arguments);
         const std::string what = arguments.join(QLatin1Char(' ')).toStdString();
         EXPECT_EQ(outcome.status, 2) << what;
         EXPECT_EQ(outcome.output, "") << what;
         EXPECT_NE(outcome.errors.find("vantrel run: "), std::string::npos) << what << outcome.errors;
     }
-    const Outcome missing = call(list({"run", "--open", "missing.png", "ok.py"}));
+    const Outcome missing = call(home + list({"--open", "missing.png", "ok.py"}));
     EXPECT_NE(missing.errors.find("vantrel run: Cannot open missing.png as an image: it does not exist.\n"),
               std::string::npos)
         << missing.errors;
