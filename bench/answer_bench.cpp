@@ -7,6 +7,7 @@
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QEventLoop>
+#include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QThread>
 #include <QtWidgets/QApplication>
@@ -84,7 +85,11 @@ int main(int argc, char** argv)
         const std::unique_ptr<QThread> hand(QThread::create([&] { waited = answers(viewer); }));
         QEventLoop loop;
         QObject::connect(&viewer.scripts(), &ScriptQueue::becameIdle, &loop, &QEventLoop::quit);
-        viewer.runScript(QString::fromUtf8(kind.script), folder.filePath(QStringLiteral("script.py")));
+        QFile script(folder.filePath(QStringLiteral("script.py")));
+        if (script.open(QIODevice::WriteOnly))
+            script.write(kind.script);
+        script.close();
+        viewer.runFile(script.fileName());
         hand->start();
         loop.exec();
         hand->wait();

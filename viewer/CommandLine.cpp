@@ -15,7 +15,7 @@ For example: vantrel run --show script.py runs a script and shows what it opens.
 Use vantrel run --help for the options of run.
 )";
 
-const char* const runUsage = R"(Usage: vantrel run [options] SCRIPT...
+const char* const runUsage = R"(Usage: vantrel run [options] SCRIPT... [-- ARGUMENT...]
 
 Runs the scripts one after another in one process and one interpreter. Each script is a separate run.
 For example, to run a script and look at what it opens: vantrel run --show script.py
@@ -28,16 +28,19 @@ For example, to run a script and look at what it opens: vantrel run --show scrip
   --worker            run the scripts on a thread other than the GUI thread
   --workdir DIR       the scripts' working directory (default: each script's own folder)
   --python-home DIR   use DIR as the Python home instead of the one of this build
+  --venv DIR          use the packages of the virtual environment DIR first (default: VIRTUAL_ENV)
+  --plain-output      leave sys.stdout alone: a file with encoding, fileno and buffer
   --log FILE          append the log records to FILE instead of writing them to standard error
   --show              show the windows and stay open after the last script
+  -- ARGUMENT...      everything after it goes to the scripts as sys.argv[1:]
 
 Scripts print to standard output; their errors go to standard error.
 Without --show the main window stays hidden, but dialogs that scripts open appear if there is a
 display. Without a display, a dialog is dismissed when no answer is left for it.
 
-Exit status: 0 if no script wrote to its standard error, 1 if one did, 2 if nothing could run: wrong
-usage, a file or folder that cannot be used, or no script plugin. A script that raises SystemExit
-ends the process with its own exit code.
+Exit status: 0 if every script ended without an uncaught exception, 1 if one did not, 130 if one was
+interrupted with Ctrl-C, 2 if nothing could run: wrong usage, a file or folder that cannot be used,
+or no script plugin. A script that raises SystemExit ends the process with its own exit code.
 )";
 
 const char* const viewUsage = R"(Usage: vantrel view [FILE...]
@@ -86,12 +89,15 @@ CommandLine parseRun(const QStringList& arguments)
     const QCommandLineOption worker(QStringLiteral("worker"));
     const QCommandLineOption workdir = valueOption(QStringLiteral("workdir"), QStringLiteral("DIR"));
     const QCommandLineOption home = valueOption(QStringLiteral("python-home"), QStringLiteral("DIR"));
+    const QCommandLineOption environment = valueOption(QStringLiteral("venv"), QStringLiteral("DIR"));
+    const QCommandLineOption plain(QStringLiteral("plain-output"));
     const QCommandLineOption log = valueOption(QStringLiteral("log"), QStringLiteral("FILE"));
     const QCommandLineOption show(QStringLiteral("show"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     QCommandLineParser parser;
-    parser.addOptions({open, image, cameras, answer, worker, workdir, home, log, show, help});
-    if (!parser.parse(QStringList(QStringLiteral("run")) + arguments))
+    parser.addOptions({open, image, cameras, answer, worker, workdir, home, environment, plain, log, show, help});
+    const qsizetype own = arguments.indexOf(QStringLiteral("--"));
+    if (!parser.parse(QStringList(QStringLiteral("run")) + arguments.mid(0, own)))
         return invalid(parser.errorText());
     if (parser.isSet(help))
         return textToShow(runUsage);
@@ -100,6 +106,8 @@ CommandLine parseRun(const QStringList& arguments)
     line.command = CommandLine::Command::Run;
     RunOptions& run = line.run;
     run.scripts = parser.positionalArguments();
+    if (own >= 0)
+        run.scriptArguments = arguments.mid(own + 1);
     if (run.scripts.isEmpty())
         return invalid(QStringLiteral("No script given."));
     run.filesToOpen = parser.values(open);
@@ -121,9 +129,11 @@ CommandLine parseRun(const QStringList& arguments)
     run.worker = parser.isSet(worker);
     run.workingDirectory = parser.value(workdir);
     run.pythonHome = parser.value(home);
+    run.environment = parser.isSet(environment) ? parser.value(environment) : qEnvironmentVariable("VIRTUAL_ENV");
+    run.plainOutput = parser.isSet(plain);
     run.logFile = parser.value(log);
     run.show = parser.isSet(show);
-    for (const QCommandLineOption& option : {workdir, home, log})
+    for (const QCommandLineOption& option : {workdir, home, environment, log})
         if (parser.isSet(option) && parser.value(option).isEmpty())
             return invalid(QStringLiteral("--%1 needs a value.").arg(option.names().first()));
     return line;

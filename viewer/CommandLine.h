@@ -8,6 +8,7 @@
 /// The arguments of `vantrel run`.
 struct RunOptions {
     QStringList scripts;
+    QStringList scriptArguments;
     QStringList filesToOpen;
     QList<std::pair<QString, QString>> images; ///< name of the variable, and file
     int simulatedCameras = 2;
@@ -15,7 +16,9 @@ struct RunOptions {
     bool worker = false;
     QString workingDirectory; ///< empty: each script's own folder
     QString pythonHome;       ///< empty: the Python home of this build
-    QString logFile;          ///< empty: standard error
+    QString environment;      ///< a virtual environment; empty: none
+    bool plainOutput = false;
+    QString logFile; ///< empty: standard error
     bool show = false;
 };
 

@@ -20,6 +20,7 @@ namespace {
 
 constexpr int scriptErrorStatus = 1;
 constexpr int nothingRanStatus = 2;
+constexpr int interruptedStatus = 130; // as a shell reports a program that SIGINT has ended
 
 bool dialogsAreVisible()
 {
@@ -38,6 +39,8 @@ public:
                     .pythonHome = options.pythonHome,
                     .workingDirectory = options.workingDirectory,
                     .showsOutput = options.show,
+                    .environment = options.environment,
+                    .plainOutput = options.plainOutput,
                     .simulatedCameras = options.simulatedCameras})
     {
         connect(&m_viewer.scripts(), &ScriptQueue::runEnded, this, &RunSession::noteRunEnd);
@@ -49,15 +52,13 @@ public:
     QString prepare()
     {
         for (const QString& path : m_options.scripts) {
-            QString problem;
-            const auto text = readScriptFile(path, problem);
-            if (!text)
+            if (QString problem = problemWithScriptFile(path); !problem.isEmpty())
                 return problem;
-            m_scripts.push_back({*text, path});
+            m_scripts.push_back(path);
         }
-        for (const QString& directory : {m_options.workingDirectory, m_options.pythonHome})
-            if (!directory.isEmpty() && !QFileInfo(directory).isDir())
-                return QStringLiteral("%1 is not a folder.").arg(directory);
+        const QString& folder = m_options.workingDirectory;
+        if (!folder.isEmpty() && !QFileInfo(folder).isDir())
+            return QStringLiteral("%1 is not a folder.").arg(folder);
         QString problem = m_viewer.loadScripting();
         if (!problem.isEmpty())
             return problem;
@@ -84,20 +85,17 @@ public:
         if (m_images.empty())
             startNext();
         else
-            m_viewer.runScript(QString(), m_scripts.front().path);
+            m_viewer.startInterpreter(m_scripts.front());
         const int status = QApplication::exec();
         return status ? status : m_status;
     }
 
 private:
-    struct Script {
-        QString text;
-        QString path;
-    };
-
-    void noteRunEnd(const QString& result)
+    void noteRunEnd(const QString& /*result*/, ScriptOutcome outcome)
     {
-        if (!result.isEmpty())
+        if (outcome == ScriptOutcome::Interrupted)
+            m_status = interruptedStatus;
+        else if (outcome == ScriptOutcome::Failed && m_status == 0)
             m_status = scriptErrorStatus;
         for (auto& [name, image] : std::exchange(m_images, {}))
             m_viewer.scripts().publish(name, std::move(image));
@@ -110,9 +108,9 @@ private:
     {
         if (m_scripts.empty())
             return;
-        const Script script = std::move(m_scripts.front());
+        const QString script = std::move(m_scripts.front());
         m_scripts.pop_front();
-        m_viewer.runScript(script.text, script.path);
+        m_viewer.runFile(script, m_options.scriptArguments);
     }
 
     void noteIdle()
@@ -126,7 +124,7 @@ private:
 
     RunOptions m_options;
     DialogAnswers m_answers;
-    std::deque<Script> m_scripts;
+    std::deque<QString> m_scripts;
     std::vector<std::pair<QString, std::shared_ptr<CxImageData>>> m_images;
     int m_status = 0;
     Viewer m_viewer;

@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "Viewer.h"
+#include "process/Preferences.h"
 
 #include <QtCore/QDebug>
 #include <QtWidgets/QApplication>
@@ -11,6 +12,7 @@ int openViewer(const ViewOptions& options)
     Viewer::Settings settings;
     settings.showsOutput = true;
     settings.exitEndsScript = true;
+    settings.environment = qEnvironmentVariable("VIRTUAL_ENV", Preferences::environment());
     Viewer viewer(settings);
     // The viewer is useful even if it cannot run scripts.
     if (const QString problem = viewer.loadScripting(); !problem.isEmpty()) {

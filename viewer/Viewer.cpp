@@ -1,16 +1,18 @@
 #include "Viewer.h"
 
+#include "process/Preferences.h"
 #include "process/ProcessExit.h"
 #include "process/StandardStreams.h"
+#include "scripting/PythonFolders.h"
 #include "process/UnwrittenErrors.h"
 #include "scripting/ScriptEnvironment.h"
 #include "scripting/ScriptFile.h"
 #include "scripting/ScriptQueue.h"
 #include "scripting/ScriptRunner.h"
-#include "stopping/PythonSide.h"
 #include "stopping/ScriptPulse.h"
 #include "views/ImageView.h"
 #include "window/ScriptBar.h"
+#include "workshop/EnvironmentDialog.h"
 #include "workshop/ScriptConsole.h"
 
 #include <QtCore/QDebug>
@@ -35,13 +37,21 @@ QString pluginLibrary()
     return QFileInfo::exists(built) ? built : programs.filePath(QStringLiteral(VANTREL_INSTALLED_PLUGIN));
 }
 
-/// The folder of the viewer's Python side.
-QString pythonFolder()
+QString absolute(const QString& folder)
 {
-    const QDir programs(QCoreApplication::applicationDirPath());
-    const QString built = programs.filePath(QStringLiteral("../python"));
-    const bool isBuilt = QFileInfo::exists(built + QStringLiteral("/vantrel_viewer"));
-    return QDir::cleanPath(isBuilt ? built : programs.filePath(QStringLiteral(VANTREL_INSTALLED_PYTHON)));
+    return folder.isEmpty() ? folder : QDir(folder).absolutePath();
+}
+
+ScriptState endOf(ScriptOutcome outcome)
+{
+    switch (outcome) {
+    case ScriptOutcome::Failed:
+        return ScriptState::Failed;
+    case ScriptOutcome::Interrupted:
+        return ScriptInterrupt::wasInterrupted() ? ScriptState::Stopped : ScriptState::Failed;
+    default:
+        return ScriptState::Finished;
+    }
 }
 
 /// Dismisses the dialogs that a script has opened and waits for.
@@ -69,6 +79,9 @@ Viewer::Viewer(const Settings& settings)
         QMenu* menu = m_window.menu(MainWindow::ViewMenu);
         menu->addSeparator();
         menu->addAction(m_console->toggleViewAction());
+        m_window.menu(MainWindow::ScriptMenu)
+            ->addAction(tr("Python &Environment..."), this, &Viewer::askForEnvironment);
+        m_window.menu(MainWindow::ScriptMenu)->addSeparator();
     }
     m_exit = std::make_unique<ProcessExit>(ProcessExit::Hooks{.complete = [this] { completeFiles(); },
                                                               .interruptScript =
@@ -76,10 +89,13 @@ Viewer::Viewer(const Settings& settings)
                                                                       if (ScriptInterrupt::currentRun() != 0)
                                                                           ScriptPulse::send();
                                                                   }});
-    m_python = std::make_unique<PythonSide>(pythonFolder(), m_settings.exitEndsScript);
     m_pulse = std::make_unique<ScriptPulse>(m_settings.showsOutput);
     m_scripts = std::make_unique<ScriptQueue>(
-        std::make_unique<ScriptRunner>(m_settings.pythonHome, [this](const QString& text) { passOutput(text); }),
+        std::make_unique<ScriptRunner>(ScriptRunner::Settings{.pythonHome = m_settings.pythonHome,
+                                                              .environment = absolute(m_settings.environment),
+                                                              .plainOutput = m_settings.plainOutput,
+                                                              .exitEndsScript = m_settings.exitEndsScript},
+                                       [this](const QString& text) { passOutput(text); }),
         m_settings.scriptsOnOwnThread);
 
     connect(m_scripts.get(), &ScriptQueue::runStarted, this, [this](const QString& name) {
@@ -87,7 +103,7 @@ Viewer::Viewer(const Settings& settings)
         m_runState.begin(name);
     });
     connect(m_scripts.get(), &ScriptQueue::runEnded, this, &Viewer::noteRunEnd);
-    connect(&m_window, &MainWindow::scriptChosen, this, &Viewer::runFile);
+    connect(&m_window, &MainWindow::scriptChosen, this, [this](const QString& path) { runFile(path); });
     connect(&m_window, &MainWindow::scriptStopRequested, &m_runState, &RunState::stop);
     connect(&m_window.scriptBar(), &ScriptBar::stopForGoodRequested, &m_runState, &RunState::stopForGood);
     connect(&m_runState, &RunState::changed, &m_window.scriptBar(), &ScriptBar::display);
@@ -103,34 +119,66 @@ Viewer::~Viewer()
     m_delegate.endCalls();
     m_scripts.reset();
     m_pulse.reset();
-    m_python.reset();
     m_exit.reset();
 }
 
 QString Viewer::loadScripting()
 {
-    QString problem = m_scripts->load(pluginLibrary());
-    m_window.setScriptLanguage(m_scripts->language());
+    if (QString problem = m_scripts->load(pluginLibrary()); !problem.isEmpty())
+        return problem;
+    const QString language = m_scripts->language();
+    m_window.setScriptLanguage(language);
+    if (!language.startsWith(QStringLiteral("Python ")))
+        return {};
+    QString problem = PythonFolders::problemWithHome(m_settings.pythonHome, language);
+    if (problem.isEmpty())
+        problem = PythonFolders::problemWithEnvironment(m_settings.environment, language);
+    if (!problem.isEmpty())
+        m_scripts->refuse(problem);
     return problem;
 }
 
-void Viewer::runScript(const QString& text, const QString& file)
+void Viewer::runFile(const QString& path, const QStringList& arguments)
 {
-    const QString folder =
-        m_settings.workingDirectory.isEmpty() ? QFileInfo(file).absolutePath() : m_settings.workingDirectory;
-    m_scripts->add(text, std::make_shared<ScriptEnvironment>(folder, [this](const QString& path) { runFile(path); }),
-                   QFileInfo(file).fileName());
-}
-
-void Viewer::runFile(const QString& path)
-{
-    QString problem;
-    if (const auto text = readScriptFile(path, problem)) {
-        runScript(*text, path);
-    } else {
+    if (const QString problem = problemWithScriptFile(path); !problem.isEmpty()) {
         qCritical().noquote() << problem;
         m_window.showNotification(problem);
+        return;
     }
+    ScriptJob job = jobIn(path);
+    job.file = QFileInfo(path).absoluteFilePath();
+    job.shownPath = path;
+    job.arguments = arguments;
+    m_scripts->add(std::move(job));
+}
+
+void Viewer::startInterpreter(const QString& file)
+{
+    m_scripts->add(jobIn(file));
+}
+
+void Viewer::askForEnvironment()
+{
+    const QString own = qEnvironmentVariable("VIRTUAL_ENV");
+    const QString note = own.isEmpty() ? QString() : tr("VIRTUAL_ENV is set, so this viewer uses %1.").arg(own);
+    auto* dialog = new EnvironmentDialog(
+        Preferences::environment(), note,
+        [this](const QString& folder) {
+            return PythonFolders::problemWithEnvironment(folder, m_scripts->language());
+        },
+        &m_window);
+    connect(dialog, &EnvironmentDialog::environmentChosen, this, &Preferences::setEnvironment);
+    m_window.openDialog(dialog);
+}
+
+ScriptJob Viewer::jobIn(const QString& file)
+{
+    const QFileInfo info(file);
+    const QString folder = m_settings.workingDirectory.isEmpty() ? info.absolutePath() : m_settings.workingDirectory;
+    ScriptJob job;
+    job.environment = std::make_shared<ScriptEnvironment>(folder, [this](const QString& path) { runFile(path); });
+    job.name = info.fileName();
+    return job;
 }
 
 void Viewer::passOutput(const QString& text)
@@ -140,7 +188,7 @@ void Viewer::passOutput(const QString& text)
         m_console->addOutput(text);
 }
 
-void Viewer::noteRunEnd(const QString& result)
+void Viewer::noteRunEnd(const QString& result, ScriptOutcome outcome)
 {
     UnwrittenErrors::forget();
     writeAll(STDERR_FILENO, result.toUtf8());
@@ -148,7 +196,7 @@ void Viewer::noteRunEnd(const QString& result)
         m_console->appendErrors(result);
     m_delegate.releaseImage();
     m_window.setScriptRunning(m_scripts->isBusy());
-    m_runState.end(result);
+    m_runState.end(endOf(outcome));
 }
 
 void Viewer::completeFiles()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scripting/ApplicationDelegate.h"
+#include "scripting/ScriptJob.h"
 #include "stopping/RunState.h"
 #include "stopping/ScriptInterrupt.h"
 #include "window/MainWindow.h"
@@ -8,9 +9,7 @@
 #include <memory>
 
 class ProcessExit;
-class PythonSide;
 class ScriptConsole;
-class ScriptEnvironment;
 class ScriptPulse;
 class ScriptQueue;
 
@@ -24,7 +23,10 @@ public:
         QString pythonHome;       ///< empty: the Python home of this build
         QString workingDirectory; ///< of all scripts; empty: each script's own folder
         bool showsOutput =
-            false; ///< whether the window is shown: it then shows what scripts print, and works meanwhile
+            false;           ///< whether the window is shown: it then shows what scripts print, and works meanwhile
+        QString environment; ///< a virtual environment for scripts; empty: none
+        bool plainOutput =
+            false; ///< whether what scripts print goes to standard output alone, from the interpreter itself
         bool exitEndsScript = false; ///< whether an uncaught SystemExit ends its script and not the process
         int simulatedCameras = 2;    ///< number of simulated cameras to open
     };
@@ -35,12 +37,12 @@ public:
     /// Loads the script plugin. Returns an error message, empty on success.
     QString loadScripting();
 
-    /// Runs a script text when its turn comes. Unless the settings name a working directory, the script works in the
-    /// folder of file.
-    void runScript(const QString& text, const QString& file);
+    /// Runs a script file when its turn comes. Unless the settings name a working directory, the script works in the
+    /// file's folder. If the file cannot be read, shows and logs the reason.
+    void runFile(const QString& path, const QStringList& arguments = {});
 
-    /// Runs a script file when its turn comes. If the file cannot be read, shows and logs the reason.
-    void runFile(const QString& path);
+    /// Runs nothing when its turn comes, as if it were the file. A first run starts the interpreter.
+    void startInterpreter(const QString& file);
 
     MainWindow& window() { return m_window; }
     ScriptQueue& scripts() { return *m_scripts; }
@@ -49,15 +51,16 @@ public:
 
 private:
     void passOutput(const QString& text);
-    void noteRunEnd(const QString& result);
+    ScriptJob jobIn(const QString& file);
+    void noteRunEnd(const QString& result, ScriptOutcome outcome);
     void completeFiles();
+    void askForEnvironment();
     void closeUnlessBusy();
     void quitAfterScript();
 
     Settings m_settings;
     ScriptInterrupt m_interrupt;
     RunState m_runState{m_interrupt};
-    std::unique_ptr<PythonSide> m_python;
     std::unique_ptr<ScriptPulse> m_pulse;
     MainWindow m_window;
     ApplicationDelegate m_delegate;

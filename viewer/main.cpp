@@ -53,6 +53,7 @@ int main(int argc, char** argv)
     // The arguments belong to this program; the toolkit gets only the program's name.
     int toolkitArguments = 1;
     QApplication application(toolkitArguments, argv);
+    resetLocale();
     QApplication::setApplicationName(QStringLiteral("Vantrel"));
     QApplication::setDesktopFileName(QStringLiteral("vantrel"));
     QApplication::setApplicationVersion(QStringLiteral(VANTREL_VERSION));

@@ -25,14 +25,18 @@ protected:
     {
         queue.reset();
         queue = std::make_unique<ScriptQueue>(
-            std::make_unique<ScriptRunner>(QString(), [this](const QString& text) { take(text); }), GetParam());
+            std::make_unique<ScriptRunner>(ScriptRunner::Settings(), [this](const QString& text) { take(text); }),
+            GetParam());
         QObject::connect(queue.get(), &ScriptQueue::runEnded, [this](const QString& result) { results += result; });
         EXPECT_EQ(queue->load(QStringLiteral(FAKE_LANGUAGE)), QString());
     }
 
     void add(const char* script)
     {
-        queue->add(QString::fromUtf8(script), std::make_shared<ScriptEnvironment>(QDir::tempPath(), nullptr));
+        ScriptJob job;
+        job.text = QString::fromUtf8(script);
+        job.environment = std::make_shared<ScriptEnvironment>(QDir::tempPath(), nullptr);
+        queue->add(std::move(job));
     }
 
     /// Runs the event loop until no script is left.

@@ -117,7 +117,7 @@ protected:
         const QString errors = QString::fromStdString(outcome.errors);
         EXPECT_EQ(errors.count(QStringLiteral("Traceback")), 1) << outcome.errors;
         EXPECT_TRUE(errors.endsWith(QStringLiteral("\nKeyboardInterrupt\n"))) << outcome.errors;
-        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.status, 130);
     }
 
     QByteArray display;

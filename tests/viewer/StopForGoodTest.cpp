@@ -19,10 +19,11 @@ protected:
     {
         qputenv("VANTREL_PLUGIN", QFile::encodeName(TestSettings::pluginFile));
         QApplication::setQuitOnLastWindowClosed(false);
-        viewer = std::make_unique<Viewer>(Viewer::Settings{.scriptsOnOwnThread = GetParam(),
-                                                           .pythonHome = TestSettings::pythonHome,
-                                                           .workingDirectory = QString(),
-                                                           .showsOutput = true});
+        Viewer::Settings settings;
+        settings.scriptsOnOwnThread = GetParam();
+        settings.pythonHome = TestSettings::pythonHome;
+        settings.showsOutput = true;
+        viewer = std::make_unique<Viewer>(settings);
         ASSERT_EQ(viewer->loadScripting(), QString());
         QObject::connect(&viewer->scripts(), &ScriptQueue::runEnded,
                          [this](const QString& result) { results += result; });

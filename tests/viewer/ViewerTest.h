@@ -71,10 +71,11 @@ protected:
         once([this, text] { return console() == QString::fromUtf8(text); }, act);
     }
 
-    void run(const QByteArray& script)
-    {
-        viewer->runScript(QString::fromUtf8(script), folder.filePath(QStringLiteral("s.py")));
-    }
+    /// Runs a script from a file of its own, when those before it have ended.
+    void run(const QByteArray& script) { viewer->runFile(write(nextScript().constData(), script.constData())); }
+
+    /// The file name of the script that run() will run: s.py, then s2.py and so on.
+    QByteArray nextScript() { return ++m_scripts == 1 ? "s.py" : "s" + QByteArray::number(m_scripts) + ".py"; }
 
     /// Closes the window while a script runs, and answers the question.
     void stopAndClose()
@@ -114,4 +115,7 @@ protected:
     QTemporaryDir folder;
     std::unique_ptr<Viewer> viewer;
     QStringList results;
+
+private:
+    int m_scripts = 0;
 };

@@ -50,3 +50,9 @@ bool isDisplayMissing()
 {
     return usesDisplay && QGuiApplication::platformName() == QStringLiteral("offscreen");
 }
+
+void resetLocale()
+{
+    for (const int category : {LC_NUMERIC, LC_TIME, LC_COLLATE, LC_MONETARY, LC_MESSAGES})
+        std::setlocale(category, "C");
+}

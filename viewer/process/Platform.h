@@ -7,5 +7,9 @@
 /// fails and no longer ends the process.
 void preparePlatform();
 
+/// Gives numbers, dates and messages of the C library the form that scripts expect, which is that of the C locale.
+/// Called after the application object has been constructed, which sets another one.
+void resetLocale();
+
 /// Whether windows were to appear on a display and there is none. Call it after the application object was made.
 bool isDisplayMissing();

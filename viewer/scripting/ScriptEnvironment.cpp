@@ -12,7 +12,8 @@
 #include <QtWidgets/QMenu>
 
 ScriptEnvironment::ScriptEnvironment(const QString& workingDirectory, RunFile runFile)
-    : m_workingDirectory(QDir(workingDirectory).absolutePath())
+    : m_guiThread(QThread::currentThread())
+    , m_workingDirectory(QDir(workingDirectory).absolutePath())
     , m_runFile(std::move(runFile))
     , m_parameterNames(ScriptConstants::parameterNames())
     , m_pixelTypes(ScriptConstants::pixelTypes())
@@ -48,7 +49,7 @@ QString ScriptEnvironment::resolveFilePath(const QString& path)
 
 bool ScriptEnvironment::isMainThread()
 {
-    return QThread::currentThread() == qApp->thread();
+    return QThread::currentThread() == m_guiThread;
 }
 
 void ScriptEnvironment::addMenuItem(QMenu* menu, const QString& name, const QString& script, const QString& extra)

@@ -4,6 +4,8 @@
 
 #include <functional>
 
+class QThread;
+
 /// The viewer's services for script runs.
 class ScriptEnvironment : public IxScriptEnvironment
 {
@@ -11,6 +13,7 @@ public:
     /// Runs a script file that the user has chosen from a menu. Called on the GUI thread.
     using RunFile = std::function<void(const QString& path)>;
 
+    /// Constructed on the GUI thread.
     ScriptEnvironment(const QString& workingDirectory, RunFile runFile);
 
     QList<SxApiParamDef>& apiParamDefs() override;
@@ -37,6 +40,7 @@ public:
     const char* methodHelp(const char* objectName, const char* methodName) override;
 
 private:
+    QThread* m_guiThread; ///< a script may replace the application object
     QString m_workingDirectory;
     RunFile m_runFile;
     QList<SxApiParamDef> m_parameterNames;

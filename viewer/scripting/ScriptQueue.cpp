@@ -47,6 +47,11 @@ QString ScriptQueue::load(const QString& library)
     return problem;
 }
 
+void ScriptQueue::refuse(const QString& why)
+{
+    callRunner([&] { m_runner->refuse(why); });
+}
+
 QString ScriptQueue::language()
 {
     QString language;
@@ -54,9 +59,9 @@ QString ScriptQueue::language()
     return language;
 }
 
-void ScriptQueue::add(const QString& script, std::shared_ptr<ScriptEnvironment> environment, const QString& name)
+void ScriptQueue::add(ScriptJob job)
 {
-    m_waiting.push_back({script, std::move(environment), name});
+    m_waiting.push_back(std::move(job));
     startNext();
 }
 
@@ -70,19 +75,18 @@ void ScriptQueue::startNext()
     if (m_running || m_waiting.empty())
         return;
     m_running = true;
-    Job job = std::move(m_waiting.front());
+    ScriptJob job = std::move(m_waiting.front());
     m_waiting.pop_front();
     Q_EMIT runStarted(job.name);
     // Queued on the GUI thread as well: add() returns before the script starts.
     QMetaObject::invokeMethod(
-        m_runner.get(), [runner = m_runner.get(), job] { runner->run(job.script, job.environment); },
-        Qt::QueuedConnection);
+        m_runner.get(), [runner = m_runner.get(), job] { runner->run(job); }, Qt::QueuedConnection);
 }
 
-void ScriptQueue::noteEnd(const QString& result)
+void ScriptQueue::noteEnd(const QString& result, ScriptOutcome outcome)
 {
     m_running = false;
-    Q_EMIT runEnded(result);
+    Q_EMIT runEnded(result, outcome);
     startNext();
     if (!isBusy())
         Q_EMIT becameIdle();

@@ -1,14 +1,14 @@
 #pragma once
 
+#include "ScriptJob.h"
+
 #include <QtCore/QObject>
-#include <QtCore/QString>
 
 #include <deque>
 #include <memory>
 
 class CxImageData;
 class QThread;
-class ScriptEnvironment;
 class ScriptRunner;
 
 /// Runs scripts one after another, never one inside another. A script that is added while another one runs or waits,
@@ -26,11 +26,14 @@ public:
     /// Loads the plugin library. Returns an error message, empty on success.
     QString load(const QString& library);
 
+    /// From now on no script runs; each fails with the sentence that says why.
+    void refuse(const QString& why);
+
     /// The script language and its version; empty if no plugin is loaded.
     QString language();
 
-    /// Runs the script when its turn comes. name is for the display.
-    void add(const QString& script, std::shared_ptr<ScriptEnvironment> environment, const QString& name = {});
+    /// Runs the script when its turn comes.
+    void add(ScriptJob job);
 
     /// Makes an image a variable of later scripts. Call it after a first run has ended, since that run starts the
     /// interpreter, and while no script runs.
@@ -46,20 +49,14 @@ Q_SIGNALS:
     void runStarted(const QString& name);
 
     /// A run has ended; result is what the script wrote to its standard error.
-    void runEnded(const QString& result);
+    void runEnded(const QString& result, ScriptOutcome outcome);
 
     /// The last script has ended.
     void becameIdle();
 
 private:
-    struct Job {
-        QString script;
-        std::shared_ptr<ScriptEnvironment> environment;
-        QString name;
-    };
-
     void startNext();
-    void noteEnd(const QString& result);
+    void noteEnd(const QString& result, ScriptOutcome outcome);
 
     /// Calls a function on the runner's thread and waits until it returns. Throws what the function throws. The
     /// function must not run a script.
@@ -68,6 +65,6 @@ private:
 
     std::unique_ptr<ScriptRunner> m_runner;
     std::unique_ptr<QThread> m_thread;
-    std::deque<Job> m_waiting;
+    std::deque<ScriptJob> m_waiting;
     bool m_running = false;
 };

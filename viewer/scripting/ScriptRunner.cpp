@@ -2,11 +2,15 @@
 
 #include "CxImageData.h"
 #include "CxScriptLangInterface.h"
+#include "PythonSide.h"
 #include "ScriptEnvironment.h"
+#include "ScriptFile.h"
 #include "process/ProcessExit.h"
 #include "process/UnwrittenErrors.h"
-#include "stopping/PythonSide.h"
+#include "stopping/InterpreterCalls.h"
+#include "stopping/ReleasedInterpreter.h"
 #include "stopping/ScriptInterrupt.h"
+#include "stopping/ScriptPulse.h"
 
 #include <QtCore/QDebug>
 
@@ -22,6 +26,22 @@ void passOutput(const QString& text, bool /*isError*/)
         theOutput(text);
 }
 
+bool isPython(const QString& language)
+{
+    return language.startsWith(QStringLiteral("Python "));
+}
+
+constexpr int unknownOutcome = -1;
+
+/// How a run ended, told from its errors.
+ScriptOutcome outcomeFrom(const QString& result)
+{
+    if (result.isEmpty())
+        return ScriptOutcome::Ran;
+    const bool isInterrupt = ScriptInterrupt::wasInterrupted() && result.contains(QStringLiteral("\nKeyboardInterrupt"));
+    return isInterrupt ? ScriptOutcome::Interrupted : ScriptOutcome::Failed;
+}
+
 void noteStart(void* /*unused*/, void* /*unused*/)
 {
     if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
@@ -30,8 +50,8 @@ void noteStart(void* /*unused*/, void* /*unused*/)
 
 } // namespace
 
-ScriptRunner::ScriptRunner(const QString& pythonHome, Output output)
-    : m_pythonHome(pythonHome)
+ScriptRunner::ScriptRunner(Settings settings, Output output)
+    : m_settings(std::move(settings))
 {
     theOutput = std::move(output);
 }
@@ -60,61 +80,91 @@ QString ScriptRunner::language() const
     return m_language ? m_language->languageVersion() : QString();
 }
 
-void ScriptRunner::run(const QString& script, std::shared_ptr<ScriptEnvironment> environment)
+void ScriptRunner::run(const ScriptJob& job)
 {
     QString result;
+    int outcome = unknownOutcome; // a file that Python runs tells how it ended
     if (m_language) {
+        m_betweenRuns.reset();
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
             interrupt->runBegins();
         ProcessExit::prepareScriptThread();
-        prepare(*environment);
-        result = m_language->runScript(script, environment.get(), m_pythonHome, &noteStart, nullptr, &passOutput);
-        if (ProcessExit::isForkedChild())
-            endChild(*environment);
+        QString text = job.text;
+        if (!m_refusal.isEmpty()) {
+            result = m_refusal + QLatin1Char('\n');
+        } else if (isPython(language())) {
+            result = prepare(*job.environment);
+            if (!job.file.isEmpty())
+                text = PythonSide::callFor(job, m_settings.exitEndsScript, outcome);
+        } else if (!job.file.isEmpty()) {
+            text = readScriptFile(job.file, result).value_or(QString());
+        }
+        if (result.isEmpty()) {
+            result = m_language->runScript(text, job.environment.get(), m_settings.pythonHome, &noteStart, nullptr,
+                                           m_settings.plainOutput ? nullptr : &passOutput);
+            if (ProcessExit::isForkedChild())
+                endChild(*job.environment, outcome == int(ScriptOutcome::Ran));
+        }
         if (ScriptInterrupt* interrupt = ScriptInterrupt::instance())
             interrupt->scriptEnded();
         ProcessExit::restoreHandlers();
-        m_environment = std::move(environment);
+        m_environment = job.environment;
+        m_betweenRuns = std::make_unique<ReleasedInterpreter>();
     }
-    Q_EMIT ended(result);
+    Q_EMIT ended(result, outcome == unknownOutcome ? outcomeFrom(result) : ScriptOutcome(outcome));
 }
 
-void ScriptRunner::prepare(ScriptEnvironment& environment)
+QString ScriptRunner::runOwn(const QString& text, ScriptEnvironment& environment)
 {
-    PythonSide* python = PythonSide::instance();
-    if (!python || !language().startsWith(QStringLiteral("Python ")))
-        return;
-    python->interpreterWillStart(m_loader.fileName());
-    const QString preparation = python->preparation();
-    if (preparation.isEmpty())
-        return;
-    const QString problem = m_language->runScript(preparation, &environment, m_pythonHome, nullptr, nullptr, nullptr);
+    const QString errors = m_language->runScript(text, &environment, m_settings.pythonHome, nullptr, nullptr, nullptr);
     UnwrittenErrors::forget();
-    if (problem.isEmpty())
-        python->prepared();
+    return errors;
+}
+
+QString ScriptRunner::prepare(ScriptEnvironment& environment)
+{
+    if (!m_isPrepared) {
+        if (m_settings.exitEndsScript)
+            InterpreterCalls::surviveSystemExit(m_loader.fileName());
+        if (QString problem = runOwn(PythonSide::preparation(m_settings.environment), environment); !problem.isEmpty())
+            return problem;
+        m_isPrepared = true;
+    }
+    ScriptPulse* pulse = ScriptPulse::instance();
+    const QString preparation = pulse ? pulse->preparation() : QString();
+    if (preparation.isEmpty())
+        return {};
+    if (const QString problem = runOwn(preparation, environment); problem.isEmpty())
+        pulse->prepared();
     else
         qWarning().noquote() << "The window stands still while a script works:" << problem.trimmed();
+    return {};
 }
 
-void ScriptRunner::endChild(ScriptEnvironment& environment)
+void ScriptRunner::endChild(ScriptEnvironment& environment, bool succeeded)
 {
-    if (PythonSide::instance() && language().startsWith(QStringLiteral("Python ")))
-        m_language->runScript(PythonSide::endOfChild(), &environment, m_pythonHome, nullptr, nullptr, nullptr);
-    _exit(0);
+    const int status = succeeded ? 0 : 1;
+    if (isPython(language()))
+        runOwn(PythonSide::endOfChild(status), environment);
+    _exit(status);
 }
 
 void ScriptRunner::publish(const QString& name, std::shared_ptr<CxImageData> image)
 {
     if (!m_language)
         return;
+    m_betweenRuns.reset();
     m_language->addImageVariable(name, image.get());
+    m_betweenRuns = std::make_unique<ReleasedInterpreter>();
     m_published.push_back(std::move(image));
 }
 
 void ScriptRunner::unload()
 {
+    m_betweenRuns.reset();
     // Deleting the object ends the interpreter. The library stays loaded: an interpreter does not survive unloading.
     delete std::exchange(m_language, nullptr);
+    m_isPrepared = false;
     m_published.clear();
     m_environment.reset();
 }

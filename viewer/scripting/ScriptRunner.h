@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ScriptJob.h"
+
 #include <QtCore/QObject>
 #include <QtCore/QPluginLoader>
 
@@ -7,8 +9,8 @@
 #include <memory>
 
 class CxImageData;
+class ReleasedInterpreter;
 class CxScriptLangInterface;
-class ScriptEnvironment;
 
 /// Owns the script plugin and runs scripts with it, one at a time.
 ///
@@ -22,8 +24,14 @@ public:
     /// since the plugin's callback carries no context.
     using Output = std::function<void(const QString& text)>;
 
-    /// pythonHome is the Python home of the interpreter.
-    explicit ScriptRunner(const QString& pythonHome, Output output);
+    struct Settings {
+        QString pythonHome;       ///< of the interpreter
+        QString environment;      ///< the absolute path of a virtual environment; empty: none
+        bool plainOutput = false; ///< whether standard output is left to the interpreter
+        bool exitEndsScript = false; ///< whether a SystemExit ends a script file only, not the process
+    };
+
+    ScriptRunner(Settings settings, Output output);
     ~ScriptRunner() override;
 
     /// Loads the plugin library. Returns an error message, empty on success.
@@ -32,8 +40,11 @@ public:
     /// The script language and its version; empty if no plugin is loaded.
     QString language() const;
 
+    /// From now on no script runs; each fails with the sentence that says why.
+    void refuse(const QString& why) { m_refusal = why; }
+
     /// Runs a script to its end, then emits ended().
-    void run(const QString& script, std::shared_ptr<ScriptEnvironment> environment);
+    void run(const ScriptJob& job);
 
     /// Makes an image a variable of later scripts. Call it only after a first run.
     void publish(const QString& name, std::shared_ptr<CxImageData> image);
@@ -43,16 +54,23 @@ public:
 
 Q_SIGNALS:
     /// A run has ended; result is what the script wrote to its standard error.
-    void ended(const QString& result);
+    void ended(const QString& result, ScriptOutcome outcome);
 
 private:
-    /// Gives the interpreter what the viewer needs to reach a script while it runs.
-    void prepare(ScriptEnvironment& environment);
+    /// Runs Python text of the viewer. Returns what it writes to standard error.
+    QString runOwn(const QString& text, ScriptEnvironment& environment);
+
+    /// Gives the interpreter what the viewer needs to run files and to reach a script while it runs. Returns an error
+    /// message, empty on success.
+    QString prepare(ScriptEnvironment& environment);
 
     /// Ends a process that the script has forked and that has come to the end of the script.
-    [[noreturn]] void endChild(ScriptEnvironment& environment);
+    [[noreturn]] void endChild(ScriptEnvironment& environment, bool succeeded);
 
-    QString m_pythonHome;
+    Settings m_settings;
+    QString m_refusal;
+    bool m_isPrepared = false;
+    std::unique_ptr<ReleasedInterpreter> m_betweenRuns; ///< lets threads go on that a script has left behind
     QPluginLoader m_loader;
     CxScriptLangInterface* m_language = nullptr;
     std::shared_ptr<ScriptEnvironment> m_environment; ///< of the latest run; the plugin still uses it between runs

@@ -1,5 +1,6 @@
 #include "ScriptWait.h"
 
+#include "stopping/ReleasedInterpreter.h"
 #include "stopping/ScriptInterrupt.h"
 #include "views/ImageView.h"
 
@@ -46,6 +47,7 @@ public:
     {
         if (m_stopped)
             return;
+        const ReleasedInterpreter released; // threads of the script go on meanwhile
         const auto whole = milliseconds(std::int64_t(std::ceil(std::min(seconds, longestSeconds) * 1000)));
         const QDeadlineTimer deadline(whole, Qt::PreciseTimer);
         do {

@@ -146,11 +146,9 @@ bool isFunction(Object* frame, std::string_view function, std::string_view file)
     return is;
 }
 
-/// Whether later runs or other threads wait for the frame's code, for example for the lock of a module under import.
-/// Such code swallows no error and ends by itself.
-bool mustComplete(Object* frame)
+template<std::size_t count>
+bool isIn(Object* frame, const std::array<std::string_view, count>& files)
 {
-    constexpr std::array<std::string_view, 3> files = {"<frozen importlib", "/threading.py", "/concurrent/futures/"};
     const Interpreter& python = interpreter();
     Object* code = python.attribute(frame, "f_code");
     Object* name = code ? python.attribute(code, "co_filename") : nullptr;
@@ -162,6 +160,21 @@ bool mustComplete(Object* frame)
     for (Object* object : {code, name, text})
         python.release(object);
     return found;
+}
+
+/// Whether later runs or other threads wait for the frame's code, for example for the lock of a module under import.
+/// Such code swallows no error and ends by itself.
+bool mustComplete(Object* frame)
+{
+    return isIn(frame, std::array<std::string_view, 3>{"<frozen importlib", "/threading.py", "/concurrent/futures/"});
+}
+
+/// Whether the frame is one of the viewer's own, which stand below or above those of a script. The functions between two
+/// scripts do not count: a stop has to pass them.
+bool isOfViewer(Object* frame)
+{
+    return isIn(frame, std::array<std::string_view, 1>{"/vantrel_viewer/"}) &&
+           !isFunction(frame, "", "/vantrel_viewer/nested.py");
 }
 
 /// Whether the frame is about to call the `__exit__` of a `with` statement after an error. Before 3.11 this call
@@ -201,7 +214,7 @@ bool leadsToExit(Object* frame, int event)
 /// Whether a frame may go on although the script is to end.
 bool mayFinish(Object* frame)
 {
-    return InterpreterCalls::isOfViewer(frame) ||
+    return isOfViewer(frame) ||
            (std::chrono::steady_clock::now() < deadline && InterpreterCalls::isDelicate(frame));
 }
 
@@ -209,7 +222,7 @@ bool isOutermost(Object* frame)
 {
     const Interpreter& python = interpreter();
     Object* back = python.attribute(frame, "f_back");
-    const bool outermost = back == python.none;
+    const bool outermost = back && (back == python.none || isOfViewer(back));
     python.clear();
     python.release(back);
     return outermost;
@@ -256,14 +269,9 @@ void InterpreterCalls::surviveSystemExit(const QString& plugin)
     dlclose(library);
 }
 
-bool InterpreterCalls::isNone(const void* object)
+bool InterpreterCalls::isInScript(void* frame)
 {
-    return isInterpreterThere() && object == interpreter().none;
-}
-
-bool InterpreterCalls::isOfViewer(void* frame)
-{
-    return isInterpreterThere() && isFunction(frame, "", "/vantrel_viewer/__init__.py");
+    return !isInterpreterThere() || (frame != interpreter().none && !isOfViewer(frame));
 }
 
 bool InterpreterCalls::isDelicate(void* frame)
@@ -275,8 +283,7 @@ bool InterpreterCalls::isDelicate(void* frame)
     bool found = false;
     python.retain(frame);
     for (int i = 0; i < deepest && frame && frame != python.none && !found; ++i) {
-        found = isFunction(frame, "__del__", "") || isOfViewer(frame) ||
-                isFunction(frame, "__init__", "/subprocess.py") ||
+        found = isFunction(frame, "__del__", "") || isFunction(frame, "__init__", "/subprocess.py") ||
                 isFunction(frame, "_execute_child", "/subprocess.py");
         Object* back = python.attribute(frame, "f_back");
         python.release(frame);

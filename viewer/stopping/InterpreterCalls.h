@@ -12,11 +12,8 @@ namespace InterpreterCalls {
 /// the interpreter starts, with the file of the loaded plugin.
 void surviveSystemExit(const QString& plugin);
 
-/// Whether an object is None.
-bool isNone(const void* object);
-
-/// Whether a frame belongs to the viewer's own Python side, which an error would disturb.
-bool isOfViewer(void* frame);
+/// Whether a frame is one of a script, and neither None nor one of the viewer's own.
+bool isInScript(void* frame);
 
 /// Whether an error raised in a frame would be lost or leave something behind: in a finaliser, whose errors the
 /// interpreter only reports, while a program is being started, which would run on, and in the viewer's own code.

@@ -28,12 +28,11 @@ void RunState::begin(const QString& name)
     show(ScriptState::Running);
 }
 
-void RunState::end(const QString& result)
+void RunState::end(ScriptState how)
 {
     m_timer.stop();
     m_interrupt.stopNextRun(false);
-    const bool stopped = ScriptInterrupt::wasInterrupted() && result.contains(QStringLiteral("\nKeyboardInterrupt"));
-    show(stopped ? ScriptState::Stopped : result.isEmpty() ? ScriptState::Finished : ScriptState::Failed);
+    show(how);
     m_clock.invalidate();
     m_sinceStop.invalidate();
 }

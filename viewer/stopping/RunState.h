@@ -18,8 +18,8 @@ public:
     /// A run has begun; name is shown for the script.
     void begin(const QString& name);
 
-    /// The run has ended; result is what the script wrote to its standard error.
-    void end(const QString& result);
+    /// The run has ended: Stopped, Failed or Finished.
+    void end(ScriptState how);
 
     /// Stops the running script, if any.
     void stop();

@@ -102,16 +102,17 @@ void serve(int /*number*/, void* frame) noexcept
     if (ProcessExit::isForkedChild() || !QCoreApplication::instance())
         return;
     ProcessExit::leaveIfAsked();
-    // Without a frame the script has ended, and the interpreter writes its traceback: an error would spoil that.
-    if (InterpreterCalls::isNone(frame))
+    // Otherwise an error would disturb the viewer's own functions, for example those that write a script's traceback.
+    if (!InterpreterCalls::isInScript(frame)) {
+        if (ScriptInterrupt::isStopPending())
+            askAgain();
         return;
+    }
     if (mayProcessEvents())
         processEvents();
     outstanding = false;
-    if (ScriptInterrupt::isStopPending() &&
-        (ScriptInterrupt::isForGood() ? InterpreterCalls::isOfViewer(frame) : InterpreterCalls::isDelicate(frame))) {
+    if (ScriptInterrupt::isStopPending() && !ScriptInterrupt::isForGood() && InterpreterCalls::isDelicate(frame))
         return askAgain();
-    }
     switch (ScriptInterrupt::takeOrder()) {
     case ScriptInterrupt::Order::Continue:
         if (ScriptInterrupt::isForGood())
@@ -166,7 +167,7 @@ QString ScriptPulse::preparation() const
 {
     if (isHandlerInPlace())
         return {};
-    return QStringLiteral("vantrel_viewer.handle_pulses(%1, %2)\n")
+    return QStringLiteral("__import__('vantrel_viewer.signals').signals.handle_pulses(%1, %2)\n")
         .arg(pulseSignal)
         .arg(reinterpret_cast<quintptr>(&serve));
 }

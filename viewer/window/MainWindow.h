@@ -41,6 +41,10 @@ public:
     /// The bar that shows what the script does.
     ScriptBar& scriptBar() const { return *m_scriptBar; }
 
+    /// Opens a dialog for the user, which answers by its signals and is deleted when it closes. Returns at once: a script
+    /// goes on meanwhile.
+    void openDialog(QDialog* dialog);
+
     /// True for a dialog that the user has opened from the menus; false for one of a script.
     static bool isOwnDialog(const QDialog& dialog);
 
@@ -73,7 +77,6 @@ private:
     void createHelpMenu();
     void createStatusLine();
 
-    void openDialog(QDialog* dialog);
     void warn(const QString& title, const QString& text);
     void askToStopAndClose();
     void askForFilesToOpen();

@@ -117,7 +117,6 @@ bool MainWindow::isOwnDialog(const QDialog& dialog)
     return dialog.property(ownDialog).toBool();
 }
 
-/// Opens a dialog and returns at once: a script goes on meanwhile. The dialog answers by its signals.
 void MainWindow::openDialog(QDialog* dialog)
 {
     dialog->setAttribute(Qt::WA_DeleteOnClose);

@@ -1,0 +1,77 @@
+"""Runs a script file the way Python itself runs one.
+
+The viewer gives the plugin one line that calls `run_file`. The functions here stand between that line and the script, so
+they keep themselves out of what the script and its user see: tracebacks, listings of the stack, the recursion limit.
+"""
+import ctypes
+import os
+import sys
+from typing import Any, Dict, List
+
+from . import ends, errors, modules, nested, stack
+
+__all__ = ["RAN", "FAILED", "INTERRUPTED", "LEFT", "run_file"]
+
+# How a script ended. The viewer knows these numbers.
+RAN, FAILED, INTERRUPTED, LEFT = range(4)
+
+
+def run_file(file: str, shown: str, arguments: List[str], stays: bool, outcome: int, namespace: Dict[str, Any]) -> None:
+    """Run a script file in the namespace of `__main__`.
+
+    `file` is the absolute path, `shown` the path as the user has given it, and `arguments` follow it in `sys.argv`. If
+    `stays`, a SystemExit ends only the script, and a line on standard error says so; otherwise the SystemExit leaves
+    this function. An error is written to standard error as Python writes it. `outcome` is the address of a C int, which
+    is set to RAN, FAILED, INTERRUPTED or LEFT.
+    """
+    ctypes.c_int.from_address(outcome).value = _run(file, shown, arguments, stays, namespace)
+
+
+def _run(file: str, shown: str, arguments: List[str], stays: bool, namespace: Dict[str, Any]) -> int:
+    folder = os.path.dirname(os.path.realpath(file))
+    kept = sys.argv, sys.excepthook, namespace.get("__loader__")
+    modules.forget_changed(folder)
+    nested.forget()
+    sys.argv = [shown, *arguments]
+    if stays:
+        sys.excepthook = ends.report
+    sys.path.insert(0, folder)
+    raised = None
+    try:
+        try:
+            namespace.update(__file__=file, __cached__=None, __loader__=modules.loader(file))
+            with stack.full_depth(sys._getframe()):
+                errors.execute(file, namespace)
+        except BaseException as error:  # everything that a script may raise
+            raised = error
+        # The error is not being handled any more: what its report raises has no context.
+        outcome = RAN if raised is None else _report(raised, stays)
+    finally:
+        raised = None
+        sys.argv, sys.excepthook, namespace["__loader__"] = kept
+        if folder in sys.path:
+            sys.path.remove(folder)
+        modules.remember(folder)
+    return outcome
+
+
+def _report(error: BaseException, stays: bool) -> int:
+    stack.strip(error)
+    if isinstance(error, SystemExit):
+        return _leave(error, stays)
+    try:
+        errors.show(error)
+    except SystemExit as exit:  # of the script's own excepthook
+        return _leave(exit, stays)
+    return INTERRUPTED if isinstance(error, KeyboardInterrupt) else FAILED
+
+
+def _leave(error: SystemExit, stays: bool) -> int:
+    if stays:
+        ends.leave(error)
+        return LEFT
+    code = 0 if error.code is None else error.code
+    if not isinstance(code, int):
+        errors.write_exit_text(code)
+        code = 1
+    raise SystemExit(code)

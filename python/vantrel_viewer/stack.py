@@ -1,0 +1,93 @@
+"""Keeps the viewer's own frames, which stand below those of a script, out of what the script sees."""
+import sys
+import traceback
+from types import FrameType, TracebackType
+from typing import Any, Iterator, List, Optional, Tuple
+
+from . import nested
+
+__all__ = ["full_depth", "strip"]
+
+_folder = __file__[: -len("stack.py")]
+_get_limit, _set_limit = sys.getrecursionlimit, sys.setrecursionlimit
+
+
+class full_depth:  # noqa: N801 - used like a function
+    """While the context lasts, a frame and those below it do not count against the recursion limit."""
+
+    def __init__(self, frame: FrameType) -> None:
+        self._own = _depth(frame)
+
+    def __enter__(self) -> None:
+        own = self._own
+
+        def getrecursionlimit() -> int:
+            return _get_limit() - own
+
+        def setrecursionlimit(limit: int, /) -> None:
+            _set_limit(limit + own if isinstance(limit, int) and limit > 0 else limit)
+
+        self._limit = _get_limit()
+        _set_limit(self._limit + own)
+        sys.getrecursionlimit, sys.setrecursionlimit = getrecursionlimit, setrecursionlimit
+
+    def __exit__(self, *_: Any) -> None:
+        sys.getrecursionlimit, sys.setrecursionlimit = _get_limit, _set_limit
+        _set_limit(self._limit)
+
+
+def strip(error: BaseException) -> None:
+    """Take the viewer's frames out of an error's traceback, and out of those of the errors that led to it."""
+    seen = set()
+    waiting: List[Optional[BaseException]] = [error]
+    while waiting:
+        one = waiting.pop()
+        if one is None or id(one) in seen:
+            continue
+        seen.add(id(one))
+        one.__traceback__ = _stripped(one.__traceback__)
+        waiting += [one.__cause__, one.__context__]
+
+
+def _stripped(trace: Optional[TracebackType]) -> Optional[TracebackType]:
+    while trace is not None and _is_own(trace.tb_frame):
+        trace = trace.tb_next
+    one = trace
+    while one is not None:
+        following = one.tb_next
+        if following is not None and _is_own(following.tb_frame):
+            one.tb_next = following.tb_next
+        else:
+            one = following
+    return trace
+
+
+def _is_own(frame: FrameType) -> bool:
+    return frame.f_code.co_filename.startswith(_folder)
+
+
+def _depth(frame: Optional[FrameType]) -> int:
+    """How much of the recursion limit the frames, the one above them and its call of exec() use."""
+    depth = 2
+    while frame is not None:
+        depth += 1
+        frame = frame.f_back
+    return depth
+
+
+def _walk_stack(f: Optional[FrameType]) -> Iterator[Tuple[FrameType, int]]:
+    """Walk up the stack from a frame, or from that of the caller of the function that asks, and yield frames and lines."""
+    frame = f
+    if frame is None:
+        frame = sys._getframe(1)
+        while frame is not None and frame.f_globals.get("__name__") == "traceback":
+            frame = frame.f_back
+    while frame is not None:
+        if not _is_own(frame):
+            yield frame, frame.f_lineno
+        elif frame.f_code.co_filename != nested.FILE:
+            return
+        frame = frame.f_back
+
+
+traceback.walk_stack = _walk_stack

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <memory>
+
+class ScriptEnvironment;
+
+/// One run: of a script file, or of a text.
+struct ScriptJob {
+    QString file; ///< the absolute path; empty: the text is run
+    QString text;
+    QString shownPath;     ///< the file's path as the user has given it
+    QStringList arguments; ///< of the script
+    std::shared_ptr<ScriptEnvironment> environment;
+    QString name; ///< for the display
+};
+
+/// How a run ended. The viewer's Python side uses the same numbers.
+enum class ScriptOutcome {
+    Ran = 0,         ///< to its end
+    Failed = 1,      ///< with an uncaught error
+    Interrupted = 2, ///< with an uncaught KeyboardInterrupt
+    Left = 3,        ///< with a SystemExit, and the viewer stays
+};
