@@ -8,6 +8,7 @@
 #include "scripting/DialogAnswers.h"
 #include "scripting/ScriptFile.h"
 #include "scripting/ScriptQueue.h"
+#include "stopping/EventLoops.h"
 #include "views/ImageFiles.h"
 
 #include <QtCore/QFileInfo>
@@ -85,7 +86,7 @@ public:
             startNext();
         else
             m_viewer.runScript(QString(), m_scripts.front().path);
-        const int status = QApplication::exec();
+        const int status = EventLoops::run();
         return status ? status : m_status;
     }
 

@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "Viewer.h"
+#include "stopping/EventLoops.h"
 
 #include <QtCore/QDebug>
 #include <QtWidgets/QApplication>
@@ -25,5 +26,5 @@ int openViewer(const ViewOptions& options)
         viewer.window().views().tile();
     if (!failures.isEmpty())
         viewer.window().showNotification(failures.join(QLatin1Char('\n')));
-    return QApplication::exec();
+    return EventLoops::run();
 }

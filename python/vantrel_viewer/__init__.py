@@ -11,6 +11,7 @@ __all__ = ["end_child", "handle_pulses", "prepare"]
 
 _handlers = {}
 _collector = None  # the type of the object that collects what a script writes to sys.stderr
+_raise_again = None  # whether the viewer raises an interrupt again
 _is_child = False
 _has_failed = False  # a forked child, by an error that no code has caught
 
@@ -39,6 +40,9 @@ def report_error(kind, error, trace):
     SystemExit arrives here only where it ends a script and not the process.
     """
     global _has_failed
+    # A function of the script that an event loop has called: the interrupt is for the code that runs the loop.
+    if issubclass(kind, KeyboardInterrupt) and _raise_again and _raise_again():
+        return
     if not issubclass(kind, SystemExit):
         _has_failed = True
         sys.__excepthook__(kind, error, trace)
@@ -59,12 +63,15 @@ def end_child() -> None:
     _leave_child(1 if _has_failed else 0)
 
 
-def handle_pulses(number: int, address: int) -> None:
+def handle_pulses(number: int, address: int, again: int) -> None:
     """Let the C function at an address handle a signal.
 
     The function takes the signal's number and the current frame. It may set an error, which the interpreter then
     raises in the code that the signal has interrupted. A C function has no frame, so tracebacks do not show it.
+    The C function at the address again tells whether an interrupt that no code has caught is raised once more.
     """
+    global _raise_again
+    _raise_again = ctypes.PYFUNCTYPE(ctypes.c_bool)(again)
     if number not in _handlers:  # the interpreter may call the object at any time from now on, so it is kept
         _handlers[number] = ctypes.PYFUNCTYPE(None, ctypes.c_int, ctypes.py_object)(address)
     signal.signal(number, _handlers[number])
