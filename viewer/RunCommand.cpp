@@ -8,6 +8,7 @@
 #include "scripting/DialogAnswers.h"
 #include "scripting/ScriptFile.h"
 #include "scripting/ScriptQueue.h"
+#include "stopping/EventLoops.h"
 #include "views/ImageFiles.h"
 
 #include <QtCore/QFileInfo>
@@ -86,7 +87,7 @@ public:
             startNext();
         else
             m_viewer.startInterpreter(m_scripts.front());
-        const int status = QApplication::exec();
+        const int status = EventLoops::run();
         return status ? status : m_status;
     }
 

@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 #include "Viewer.h"
 #include "process/Preferences.h"
+#include "stopping/EventLoops.h"
 
 #include <QtCore/QDebug>
 #include <QtWidgets/QApplication>
@@ -27,5 +28,5 @@ int openViewer(const ViewOptions& options)
         viewer.window().views().tile();
     if (!failures.isEmpty())
         viewer.window().showNotification(failures.join(QLatin1Char('\n')));
-    return QApplication::exec();
+    return EventLoops::run();
 }

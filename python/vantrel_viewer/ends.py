@@ -3,7 +3,7 @@ import sys
 from types import TracebackType
 from typing import Optional, Type
 
-from . import errors, leaving, nested
+from . import errors, leaving, nested, signals
 
 __all__ = ["leave", "report"]
 
@@ -16,6 +16,8 @@ def report(kind: Type[BaseException], error: BaseException, trace: Optional[Trac
     if isinstance(error, SystemExit):
         leave(error)
         return
+    if isinstance(error, KeyboardInterrupt) and signals.is_raised_again():
+        return  # in the code that runs the event loop
     sys.__excepthook__(kind, error, trace)
     script = nested.current()
     if script and not isinstance(error, KeyboardInterrupt):

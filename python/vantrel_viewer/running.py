@@ -33,8 +33,7 @@ def _run(file: str, shown: str, arguments: List[str], stays: bool, namespace: Di
     modules.forget_changed(folder)
     nested.forget()
     sys.argv = [shown, *arguments]
-    if stays:
-        sys.excepthook = ends.report
+    sys.excepthook = ends.report
     sys.path.insert(0, folder)
     raised = None
     try:

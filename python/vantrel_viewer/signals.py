@@ -3,17 +3,26 @@ import ctypes
 import signal
 from typing import Any, Dict
 
-__all__ = ["handle_pulses"]
+__all__ = ["handle_pulses", "is_raised_again"]
 
 _handlers: Dict[int, Any] = {}
+_raise_again: Any = None
 
 
-def handle_pulses(number: int, address: int) -> None:
+def handle_pulses(number: int, address: int, again: int) -> None:
     """Let the C function at an address handle a signal.
 
     The function takes the signal's number and the current frame. It may set an error, which the interpreter then
     raises in the code that the signal has interrupted. A C function has no frame, so tracebacks do not show it.
+    The C function at the address `again` tells whether an interrupt that no code has caught is raised once more.
     """
+    global _raise_again
+    _raise_again = ctypes.PYFUNCTYPE(ctypes.c_bool)(again)
     if number not in _handlers:  # the interpreter may call the object at any time from now on, so it is kept
         _handlers[number] = ctypes.PYFUNCTYPE(None, ctypes.c_int, ctypes.py_object)(address)
     signal.signal(number, _handlers[number])
+
+
+def is_raised_again() -> bool:
+    """Whether the viewer raises an interrupt once more, because it has left a function that an event loop has called."""
+    return bool(_raise_again and _raise_again())

@@ -2,6 +2,7 @@
 
 #include "CxImageData.h"
 #include "ViewerTest.h"
+#include "stopping/EventLoops.h"
 #include "stopping/RunState.h"
 #include "views/ImageView.h"
 
@@ -45,8 +46,11 @@ protected:
         });
         timer.start(10);
         run(script);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return results.size() > count; }, patience)) << script;
+        QObject context;
+        QObject::connect(&viewer->scripts(), &ScriptQueue::becameIdle, &context, [] { QCoreApplication::quit(); });
+        EventLoops::run();
         timer.stop();
+        EXPECT_EQ(results.size(), count + 1);
         EXPECT_EQ(results.last().count(QStringLiteral("Traceback")), 1) << results.last().toStdString();
         EXPECT_TRUE(results.last().endsWith(QStringLiteral("\nKeyboardInterrupt\n"))) << results.last().toStdString();
         if (measured.empty())
@@ -133,6 +137,64 @@ TEST_F(LivingWindow, AnswersWhileAScriptProcessesEvents)
                                "    core._ZN10QEventLoop13processEventsE6QFlagsINS_17ProcessEventsFlagEE(loop, "
                                "wait_for_more)\n");
     expectAnswers(script.constData());
+}
+
+/// Scripts that use the toolkit's binding for the language.
+class LivingWindowWithBinding : public LivingWindow
+{
+protected:
+    void SetUp() override
+    {
+        LivingWindow::SetUp();
+        run("from PyQt6 import QtWidgets\n");
+        ASSERT_TRUE(QTest::qWaitFor([this] { return results.size() == 1; }, patience));
+        if (results[0].contains(QStringLiteral("ModuleNotFoundError")))
+            GTEST_SKIP() << "PyQt6 is not installed for this Python";
+        ASSERT_EQ(results[0].toStdString(), "");
+    }
+
+    QByteArray script(const char* body) const { return QByteArray("from PyQt6 import QtCore, QtWidgets\n") + body; }
+};
+
+TEST_F(LivingWindowWithBinding, AnswersInAnEventLoop)
+{
+    expectAnswers(script("loop = QtCore.QEventLoop()\nprint('begun')\nloop.exec()\nprint('never')\n").constData());
+    EXPECT_FALSE(console().contains(QStringLiteral("never")));
+}
+
+TEST_F(LivingWindowWithBinding, AnswersInAnEventLoopWithSlotsOfTheScript)
+{
+    expectAnswers(script("import time\n"
+                         "def work():\n"
+                         "    end = time.monotonic() + 0.05\n"
+                         "    while time.monotonic() < end: pass\n"
+                         "timer = QtCore.QTimer()\n"
+                         "timer.timeout.connect(work)\n"
+                         "timer.start(60)\n"
+                         "loop = QtCore.QEventLoop()\n"
+                         "print('begun')\n"
+                         "loop.exec()\n")
+                      .constData());
+}
+
+TEST_F(LivingWindowWithBinding, AnswersWhileSlotsOfTheScriptAreCalledInTheWindow)
+{
+    expectAnswers(script("timer = QtCore.QTimer()\n"
+                         "timer.timeout.connect(lambda: sum(range(100000)))\n"
+                         "timer.start(1)\n"
+                         "print('begun')\n"
+                         "while True: pass\n")
+                      .constData());
+}
+
+TEST_F(LivingWindowWithBinding, AnswersInADialogOfTheScript)
+{
+    expectAnswers(script("box = QtWidgets.QMessageBox()\nprint('begun')\nwhile True: box.exec()\n").constData());
+}
+
+TEST_F(LivingWindowWithBinding, AnswersWhileAScriptProcessesEvents)
+{
+    expectAnswers(script("print('begun')\nwhile True: QtCore.QCoreApplication.processEvents()\n").constData());
 }
 
 TEST_F(LivingWindow, ShowsPicturesOfACameraInABusyLoop)
@@ -238,7 +300,8 @@ TEST_F(LivingWindow, KeepsALimitedNumberOfLinesAndSaysHowManyItDropped)
     EXPECT_LE(text->blockCount(), 10000);
     EXPECT_GE(text->blockCount(), 9000);
     EXPECT_TRUE(console().endsWith(QStringLiteral("\nline 49999\n")));
-    const auto* dropped = text->parentWidget()->findChild<QLabel*>(QStringLiteral("droppedLines"));
+    const auto* dropped =
+        text->parentWidget()->findChild<QLabel*>(QStringLiteral("droppedLines")); // not that of the log
     ASSERT_NE(dropped, nullptr);
     const QString number = dropped->text().section(QLatin1Char(' '), 0, 0).remove(QLatin1Char(','));
     // The last block is empty: the text ends with a line feed.

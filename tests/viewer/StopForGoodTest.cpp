@@ -52,6 +52,19 @@ protected:
         EXPECT_TRUE(results.last().endsWith(QStringLiteral("\nKeyboardInterrupt\n"))) << results.last().toStdString();
     }
 
+    /// A program that the language's library has killed may wait to be reaped. Returns false if one runs on.
+    static bool waitForEndOfChildren()
+    {
+        const auto areGone = [] {
+            pid_t child = 0;
+            do
+                child = waitpid(-1, nullptr, WNOHANG);
+            while (child > 0);
+            return child < 0 && errno == ECHILD;
+        };
+        return QTest::qWaitFor(areGone, 5000);
+    }
+
     void expectNextRuns(const QByteArray& script)
     {
         const auto ended = results.size();
@@ -85,12 +98,30 @@ TEST_P(StopsAtBadMoments, WaitForTheStartOfAProgram)
                     "print('begun')\n"
                     "subprocess.run(['sleep', '600'], preexec_fn=lambda: time.sleep(0.5))\n");
     EXPECT_EQ(results[0].count(QStringLiteral("Traceback")), 1) << results[0].toStdString();
-    const auto noChild = [] {
-        while (waitpid(-1, nullptr, WNOHANG) > 0) {
-        }
-        return errno == ECHILD;
+    EXPECT_TRUE(waitForEndOfChildren()) << "the program runs on";
+}
+
+TEST_P(StopsAtBadMoments, ForGoodEndThePrograms)
+{
+    const char* const programs[] = {
+        "subprocess.run(['sleep', '600'])", "subprocess.call(['sleep', '600'])",
+        "subprocess.check_output(['sleep', '600'])",
+        "subprocess.run(['sleep', '600'], preexec_fn=lambda: time.sleep(0.2))", // mostly stopped at its start
     };
-    EXPECT_TRUE(QTest::qWaitFor(noChild, 5000)) << "the program runs on";
+    for (const char* program : programs) {
+        runUntilStopped(QByteArray("import subprocess, time\n"
+                                   "print('begun')\n"
+                                   "while True:\n"
+                                   "    try:\n"
+                                   "        ") +
+                            program +
+                            "\n"
+                            "    except BaseException:\n"
+                            "        pass\n",
+                        true);
+        EXPECT_TRUE(waitForEndOfChildren()) << program << " runs on";
+        expectNextRuns("print('next')\n");
+    }
 }
 
 TEST_P(StopsAtBadMoments, ForGoodEndAFinaliserThatSwallowsThem)

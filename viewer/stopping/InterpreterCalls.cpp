@@ -4,7 +4,7 @@
 
 #include "InterpreterCalls.h"
 
-#include "InterpreterSymbol.h"
+#include "InterpreterFunctions.h"
 
 #include <QtCore/QFile>
 
@@ -20,58 +20,8 @@
 
 namespace {
 
-using Object = void; ///< an object of the interpreter
-using TraceFunction = int (*)(Object*, Object*, int, Object*);
-
 // The interpreter's event numbers.
 enum Event : int { Call = 0, Exception = 1, Line = 2, Return = 3, Opcode = 7 };
-
-/// The functions that this file needs. Looked up at each use, which is rare: a script may start the interpreter later.
-struct Interpreter {
-    int (*isInitialized)() = interpreterFunction<int()>("Py_IsInitialized");
-    void (*release)(Object*) = interpreterFunction<void(Object*)>("Py_DecRef");
-    Object* (*attribute)(Object*,
-                         const char*) = interpreterFunction<Object*(Object*, const char*)>("PyObject_GetAttrString");
-    Object* (*call)(Object*, Object*) = interpreterFunction<Object*(Object*, Object*)>("PyObject_CallObject");
-    void (*retain)(Object*) = interpreterFunction<void(Object*)>("Py_IncRef");
-    void (*setObject)(Object*, Object*) = interpreterFunction<void(Object*, Object*)>("PyErr_SetObject");
-    void (*clear)() = interpreterFunction<void()>("PyErr_Clear");
-    int (*checkSignals)() = interpreterFunction<int()>("PyErr_CheckSignals");
-    void (*setCause)(Object*, Object*) = interpreterFunction<void(Object*, Object*)>("PyException_SetCause");
-    void (*setTrace)(TraceFunction, Object*) = interpreterFunction<void(TraceFunction, Object*)>("PyEval_SetTrace");
-    // The name since 3.13, and the one before.
-    Object* (*currentState)() = interpreterFunction<Object*()>("PyThreadState_GetUnchecked");
-    Object* (*currentStateBefore313)() = interpreterFunction<Object*()>("_PyThreadState_UncheckedGet");
-    int (*ensureState)() = interpreterFunction<int()>("PyGILState_Ensure");
-    void (*releaseState)(int) = interpreterFunction<void(int)>("PyGILState_Release");
-    long (*asLong)(Object*) = interpreterFunction<long(Object*)>("PyLong_AsLong");
-    Object* (*asBytes)(Object*) = interpreterFunction<Object*(Object*)>("PyUnicode_AsUTF8String");
-    const char* (*bytes)(Object*) = interpreterFunction<const char*(Object*)>("PyBytes_AsString");
-    std::ptrdiff_t (*size)(Object*) = interpreterFunction<std::ptrdiff_t(Object*)>("PyBytes_Size");
-    const char* (*version)() = interpreterFunction<const char*()>("Py_GetVersion");
-    Object** interrupt = static_cast<Object**>(dlsym(RTLD_DEFAULT, "PyExc_KeyboardInterrupt"));
-    Object* none = dlsym(RTLD_DEFAULT, "_Py_NoneStruct");
-
-    bool isThere() const
-    {
-        return isInitialized && isInitialized() && release && attribute && call && retain && setObject && clear &&
-               checkSignals && setCause && setTrace && asLong && asBytes && bytes && size && version && interrupt &&
-               none && (currentState || currentStateBefore313) && ensureState && releaseState;
-    }
-};
-
-const Interpreter& interpreter()
-{
-    static const Interpreter functions; // first used when the interpreter runs
-    return functions;
-}
-
-bool isInterpreterThere()
-{
-    // The library may be loaded after the first question, so that is asked without remembering the answer.
-    const auto isInitialized = interpreterFunction<int()>("Py_IsInitialized");
-    return isInitialized && isInitialized() && interpreter().isThere();
-}
 
 /// Gives the calling thread a thread state while the object lives. From 3.12 on a thread has one only during a run.
 class ThreadState
@@ -110,8 +60,11 @@ constexpr int mostExits = 1000;
 
 constexpr std::chrono::seconds finaliserPatience(1);
 
-/// Until when finalisers and the start of a program may go on.
+/// Until when finalisers, the start of a program and its end may go on.
 std::chrono::steady_clock::time_point deadline;
+
+/// Whether theError has been raised. Until then a program that the script has started is not about to end.
+bool isRaised = false;
 
 long numberOf(Object* frame, const char* attribute)
 {
@@ -211,11 +164,23 @@ bool leadsToExit(Object* frame, int event)
     return true;
 }
 
-/// Whether a frame may go on although the script is to end.
+bool isInSubprocess(Object* frame)
+{
+    return isFunction(frame, "", "/subprocess.py");
+}
+
+/// Whether a frame may go on although the script is to end. After an error `subprocess` ends the program.
 bool mayFinish(Object* frame)
 {
     return isOfViewer(frame) ||
-           (std::chrono::steady_clock::now() < deadline && InterpreterCalls::isDelicate(frame));
+           (std::chrono::steady_clock::now() < deadline &&
+            (InterpreterCalls::isDelicate(frame) || (isRaised && isInSubprocess(frame))));
+}
+
+void raiseTheError()
+{
+    isRaised = true;
+    interpreter().setObject(*interpreter().interrupt, theError);
 }
 
 bool isOutermost(Object* frame)
@@ -252,7 +217,7 @@ int raiseAgain(Object* /*unused*/, Object* frame, int event, Object* /*detail*/)
     if ((event != Call && event != Line && event != Opcode) || mustComplete(frame) || mayFinish(frame) ||
         leadsToExit(frame, event))
         return 0;
-    interpreter().setObject(*interpreter().interrupt, theError);
+    raiseTheError();
     return -1;
 }
 
@@ -280,7 +245,9 @@ bool InterpreterCalls::isDelicate(void* frame)
         return false;
     const Interpreter& python = interpreter();
     constexpr int deepest = 20; // calls below the finaliser or the start of a program
-    bool found = false;
+    // Where `run` and `call` have just started a program, the `with` statement that ends it has not begun.
+    bool found = isFunction(frame, "run", "/subprocess.py") || isFunction(frame, "call", "/subprocess.py") ||
+                 isFunction(frame, "__enter__", "/subprocess.py");
     python.retain(frame);
     for (int i = 0; i < deepest && frame && frame != python.none && !found; ++i) {
         found = isFunction(frame, "__del__", "") || isFunction(frame, "__init__", "/subprocess.py") ||
@@ -307,7 +274,7 @@ void InterpreterCalls::raiseKeyboardInterrupt()
     python.release(error);
 }
 
-void InterpreterCalls::raiseAtEveryLine()
+void InterpreterCalls::raiseAtEveryLine(void* frame)
 {
     if (!isInterpreterThere())
         return;
@@ -319,17 +286,18 @@ void InterpreterCalls::raiseAtEveryLine()
         python.setCause(theError, nullptr); // hides the errors that the script was handling
         origin = {};
         exitsLeft = mostExits;
+        isRaised = false;
         deadline = std::chrono::steady_clock::now() + finaliserPatience;
         python.setTrace(raiseAgain, nullptr);
     }
-    python.setObject(*python.interrupt, theError);
+    if (!isDelicate(frame))
+        raiseTheError();
 }
 
-void InterpreterCalls::endFinaliser(void* frame)
+void InterpreterCalls::endDelicate(void* frame)
 {
-    if (!isInterpreterThere() || !theError || mayFinish(frame) || !isDelicate(frame))
-        return;
-    interpreter().setObject(*interpreter().interrupt, theError);
+    if (isInterpreterThere() && theError && !mayFinish(frame) && (isDelicate(frame) || isInSubprocess(frame)))
+        raiseTheError();
 }
 
 void InterpreterCalls::dropPendingSignals()

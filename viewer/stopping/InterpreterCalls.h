@@ -23,11 +23,12 @@ bool isDelicate(void* frame);
 void raiseKeyboardInterrupt();
 
 /// Sets KeyboardInterrupt as the pending error, and again at each line and call that the script executes then, until
-/// the script has ended. Finalisers may go on for a second.
-void raiseAtEveryLine();
+/// the script has ended. Finalisers and the start of a program may go on for a second, and so may the code that ends a
+/// program. frame is the one that executes now.
+void raiseAtEveryLine(void* frame);
 
-/// After raiseAtEveryLine(): sets the error in a finaliser that has had its time and waits, so that no line comes.
-void endFinaliser(void* frame);
+/// After raiseAtEveryLine(): sets the error in a frame that had its time and waits, so that no line comes.
+void endDelicate(void* frame);
 
 /// Ends raiseAtEveryLine(). Handles the signals that the interpreter has noted but not handled, and drops the errors
 /// they raise.

@@ -1,10 +1,15 @@
 #include "RunState.h"
 
+#include "EventLoops.h"
 #include "ScriptInterrupt.h"
+#include "ScriptPulse.h"
 
 namespace {
 constexpr int updateMilliseconds = 250;
-}
+
+/// The viewer's own waits and dialogs end much sooner after a stop.
+constexpr int loopPatience = 1000;
+} // namespace
 
 RunState::RunState(ScriptInterrupt& interrupt)
     : m_interrupt(interrupt)
@@ -56,6 +61,8 @@ void RunState::stopForGood()
         return;
     m_sinceStop.start();
     m_interrupt.stopForGood(ScriptInterrupt::currentRun());
+    if (ScriptPulse::isInEventLoop())
+        EventLoops::endInner();
     update();
 }
 
@@ -63,6 +70,10 @@ void RunState::update()
 {
     if (!isRunning())
         return;
+    // In an event loop of the script nothing raises the error.
+    if (m_sinceStop.isValid() && m_sinceStop.elapsed() > loopPatience && ScriptInterrupt::isStopPending() &&
+        ScriptPulse::isInEventLoop())
+        EventLoops::endInner();
     if (!m_sinceStop.isValid())
         show(ScriptState::Running);
     else if (m_sinceStop.elapsed() < patience)

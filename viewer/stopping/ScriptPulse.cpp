@@ -1,5 +1,6 @@
 #include "ScriptPulse.h"
 
+#include "EventLoops.h"
 #include "InterpreterCalls.h"
 #include "ScriptInterrupt.h"
 #include "process/ProcessExit.h"
@@ -39,6 +40,7 @@ std::atomic<bool> outstanding = false; ///< the interpreter has not handled the 
 std::atomic<int> latestServiceMs = 0;  ///< how long the viewer's work at the latest pulse took
 
 // Only the script's thread uses these.
+bool isOnGuiThread = false;
 int scriptLoopLevel = 0;
 bool isServing = false;
 
@@ -116,17 +118,38 @@ void serve(int /*number*/, void* frame) noexcept
     switch (ScriptInterrupt::takeOrder()) {
     case ScriptInterrupt::Order::Continue:
         if (ScriptInterrupt::isForGood())
-            InterpreterCalls::endFinaliser(frame);
+            InterpreterCalls::endDelicate(frame);
         break;
     case ScriptInterrupt::Order::Interrupt:
         InterpreterCalls::raiseKeyboardInterrupt();
         break;
     case ScriptInterrupt::Order::InterruptEveryLine:
-        InterpreterCalls::raiseAtEveryLine();
+        InterpreterCalls::raiseAtEveryLine(frame);
         break;
     }
     if (ScriptInterrupt::isForGood())
         askAgain(); // until the script has ended: a finaliser may wait
+}
+
+/// The interpreter calls this when an interrupt has left a function of the script that was called by the event loop.
+/// Returns true if it is raised again, in the code that has started the event loop.
+bool raiseAgain() noexcept
+{
+    if (ProcessExit::isForkedChild() || !ScriptInterrupt::wasInterrupted() ||
+        !(isServing || ScriptPulse::isInEventLoop()))
+        return false;
+    // Queued: the interrupt must not be raised in the function that has reported it.
+    QMetaObject::invokeMethod(
+        ScriptInterrupt::instance(),
+        [run = ScriptInterrupt::currentRun()] {
+            if (run != ScriptInterrupt::currentRun())
+                return;
+            if (ScriptPulse::isInEventLoop())
+                EventLoops::endInner();
+            ScriptInterrupt::instance()->stop(run);
+        },
+        Qt::QueuedConnection);
+    return true;
 }
 
 } // namespace
@@ -167,9 +190,10 @@ QString ScriptPulse::preparation() const
 {
     if (isHandlerInPlace())
         return {};
-    return QStringLiteral("__import__('vantrel_viewer.signals').signals.handle_pulses(%1, %2)\n")
+    return QStringLiteral("__import__('vantrel_viewer.signals').signals.handle_pulses(%1, %2, %3)\n")
         .arg(pulseSignal)
-        .arg(reinterpret_cast<quintptr>(&serve));
+        .arg(reinterpret_cast<quintptr>(&serve))
+        .arg(reinterpret_cast<quintptr>(&raiseAgain));
 }
 
 void ScriptPulse::prepared()
@@ -193,9 +217,10 @@ void ScriptPulse::scriptStarted()
     outstanding = false;
     latestServiceMs = 0;
     const QThread* thread = QThread::currentThread();
-    if (!m_processesEvents || thread != QCoreApplication::instance()->thread() || !isHandlerInPlace())
-        return;
+    isOnGuiThread = thread == QCoreApplication::instance()->thread();
     scriptLoopLevel = thread->loopLevel();
+    if (!m_processesEvents || !isOnGuiThread || !isHandlerInPlace())
+        return;
     beats = true;
     wakeThread();
 }
@@ -204,11 +229,18 @@ void ScriptPulse::scriptEnded()
 {
     beats = false;
     asksAgain = false;
+    isOnGuiThread = false;
 }
 
 bool ScriptPulse::send()
 {
     return isHandlerInPlace() && pthread_kill(scriptThread, pulseSignal) == 0;
+}
+
+bool ScriptPulse::isInEventLoop()
+{
+    const QThread* thread = QThread::currentThread();
+    return isOnGuiThread && thread == QCoreApplication::instance()->thread() && thread->loopLevel() > scriptLoopLevel;
 }
 
 // A pulse is not repeated while the interpreter has not handled it: a call of a C library is interrupted once, and a

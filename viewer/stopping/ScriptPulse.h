@@ -40,6 +40,10 @@ public:
     /// because the script uses the signal itself. Any thread.
     static bool send();
 
+    /// True while an event loop runs inside a script on the GUI thread: no Python code of the script may come for long.
+    /// GUI thread.
+    static bool isInEventLoop();
+
 private:
     void beat();
 
