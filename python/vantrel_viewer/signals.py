@@ -1,9 +1,9 @@
-"""Connects a signal of the process with the viewer."""
+"""Connects signals of the process with the viewer."""
 import ctypes
 import signal
 from typing import Any, Dict
 
-__all__ = ["handle_pulses"]
+__all__ = ["handle_pulses", "name_defaults"]
 
 _handlers: Dict[int, Any] = {}
 
@@ -17,3 +17,18 @@ def handle_pulses(number: int, address: int) -> None:
     if number not in _handlers:  # the interpreter may call the object at any time from now on, so it is kept
         _handlers[number] = ctypes.PYFUNCTYPE(None, ctypes.c_int, ctypes.py_object)(address)
     signal.signal(number, _handlers[number])
+
+
+def name_defaults() -> None:
+    """Let scripts see the default action of the signals that the viewer handles in C.
+
+    Otherwise `signal.signal` returns None for them, and a script cannot put back what it has replaced. The viewer's
+    handlers stay until a script replaces them.
+    """
+    library = ctypes.CDLL(None)
+    for number in signal.valid_signals():
+        if signal.getsignal(number) is None:
+            action = ctypes.create_string_buffer(512)  # more than a struct sigaction
+            library.sigaction(int(number), None, action)
+            signal.signal(number, signal.SIG_DFL)
+            library.sigaction(int(number), action, None)

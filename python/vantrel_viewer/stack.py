@@ -1,4 +1,6 @@
 """Keeps the viewer's own frames, which stand below those of a script, out of what the script sees."""
+import functools
+import itertools
 import sys
 import traceback
 from types import FrameType, TracebackType
@@ -73,16 +75,13 @@ def _depth(frame: Optional[FrameType]) -> int:
     return depth
 
 
+_walk = traceback.walk_stack
+
+
+@functools.wraps(_walk)
 def _walk_stack(f: Optional[FrameType]) -> Iterator[Tuple[FrameType, int]]:
-    """Walk up the stack from a frame, or from that of the caller of the function that asks, and yield frames and lines."""
-    frame = f
-    if frame is None:
-        frame = sys._getframe(1)
-        while frame is not None and frame.f_globals.get("__name__") == "traceback":
-            frame = frame.f_back
-    while frame is not None and not _is_own(frame):
-        yield frame, frame.f_lineno
-        frame = frame.f_back
+    # The interpreter's own function counts the frames between itself and its caller, so none may come in between.
+    return itertools.takewhile(lambda entry: not _is_own(entry[0]), _walk(f))
 
 
 traceback.walk_stack = _walk_stack
