@@ -22,7 +22,11 @@ foreach(file IN LISTS vantrel_shared_files)
         set(installed "${CMAKE_INSTALL_DATADIR}/vantrel/${file}")
     endif()
     get_filename_component(folder "${installed}" DIRECTORY)
-    install(FILES "${CMAKE_SOURCE_DIR}/${file}" DESTINATION "${folder}" COMPONENT program)
+    set(kind FILES)
+    if(file MATCHES "/no-interpreter$") # scripts start it as a program
+        set(kind PROGRAMS)
+    endif()
+    install(${kind} "${CMAKE_SOURCE_DIR}/${file}" DESTINATION "${folder}" COMPONENT program)
 endforeach()
 
 install(FILES "${CMAKE_SOURCE_DIR}/packaging/vantrel.desktop"

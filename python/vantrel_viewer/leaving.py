@@ -7,6 +7,8 @@ import sys
 import warnings
 from typing import Any, Callable
 
+from . import signals
+
 __all__ = ["is_child", "leave_child", "prepare"]
 
 _collector: Any = None  # the type of the object that collects what a script writes to sys.stderr
@@ -25,6 +27,7 @@ def prepare(copy_errors: int, write_errors: int) -> None:
     ctypes.PYFUNCTYPE(None, ctypes.py_object)(copy_errors)(_collector)
     os._exit = _writing_before(os._exit, ctypes.CFUNCTYPE(None)(write_errors))  # type: ignore[assignment]
     os.register_at_fork(after_in_child=_begin_child)
+    signals.name_defaults()
     if sys.version_info >= (3, 12):
         # The threads are the viewer's own, and hold no lock that a child needs.
         warnings.filterwarnings("ignore", r"This process \(pid=\d+\) is multi-threaded", DeprecationWarning)

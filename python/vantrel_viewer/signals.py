@@ -1,9 +1,9 @@
-"""Connects a signal of the process with the viewer."""
+"""Connects signals of the process with the viewer."""
 import ctypes
 import signal
 from typing import Any, Dict
 
-__all__ = ["handle_pulses", "is_raised_again"]
+__all__ = ["handle_pulses", "is_raised_again", "name_defaults"]
 
 _handlers: Dict[int, Any] = {}
 _raise_again: Any = None
@@ -26,3 +26,18 @@ def handle_pulses(number: int, address: int, again: int) -> None:
 def is_raised_again() -> bool:
     """Whether the viewer raises an interrupt once more, because it has left a function that an event loop has called."""
     return bool(_raise_again and _raise_again())
+
+
+def name_defaults() -> None:
+    """Let scripts see the default action of the signals that the viewer handles in C.
+
+    Otherwise `signal.signal` returns None for them, and a script cannot put back what it has replaced. The viewer's
+    handlers stay until a script replaces them.
+    """
+    library = ctypes.CDLL(None)
+    for number in signal.valid_signals():
+        if signal.getsignal(number) is None:
+            action = ctypes.create_string_buffer(512)  # more than a struct sigaction
+            library.sigaction(int(number), None, action)
+            signal.signal(number, signal.SIG_DFL)
+            library.sigaction(int(number), action, None)

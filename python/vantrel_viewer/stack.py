@@ -1,4 +1,6 @@
 """Keeps the viewer's own frames, which stand below those of a script, out of what the script sees."""
+import functools
+import itertools
 import sys
 import traceback
 from types import FrameType, TracebackType
@@ -66,6 +68,11 @@ def _is_own(frame: FrameType) -> bool:
     return frame.f_code.co_filename.startswith(_folder)
 
 
+def _is_bottom(frame: FrameType) -> bool:
+    """Whether only frames of the viewer and the plugin stand below: none of a script that runs another one."""
+    return _is_own(frame) and frame.f_code.co_filename != nested.FILE
+
+
 def _depth(frame: Optional[FrameType]) -> int:
     """How much of the recursion limit the frames, the one above them and its call of exec() use."""
     depth = 2
@@ -75,19 +82,14 @@ def _depth(frame: Optional[FrameType]) -> int:
     return depth
 
 
+_walk = traceback.walk_stack
+
+
+@functools.wraps(_walk)
 def _walk_stack(f: Optional[FrameType]) -> Iterator[Tuple[FrameType, int]]:
-    """Walk up the stack from a frame, or from that of the caller of the function that asks, and yield frames and lines."""
-    frame = f
-    if frame is None:
-        frame = sys._getframe(1)
-        while frame is not None and frame.f_globals.get("__name__") == "traceback":
-            frame = frame.f_back
-    while frame is not None:
-        if not _is_own(frame):
-            yield frame, frame.f_lineno
-        elif frame.f_code.co_filename != nested.FILE:
-            return
-        frame = frame.f_back
+    # The interpreter's own function counts the frames between itself and its caller, so none may come in between.
+    entries = itertools.takewhile(lambda entry: not _is_bottom(entry[0]), _walk(f))
+    return filter(lambda entry: not _is_own(entry[0]), entries)
 
 
 traceback.walk_stack = _walk_stack

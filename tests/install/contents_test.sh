@@ -25,8 +25,8 @@ for package in "$packages"/*.deb; do
     name=$(dpkg-deb -f "$package" Package)
     dpkg-deb -c "$package" >"$work/list"
     sed -n "s|^[^d].* \./|$name |p" "$work/list" >>"$work/actual"
-    # Files belong to root and are open to everyone, and only the program can be executed.
-    grep -vE '^(drwxr-xr-x|-rw-r--r--|lrwxrwxrwx) root/root |^-rwxr-xr-x root/root .* \./usr/bin/vantrel$' "$work/list" && {
+    # Files belong to root and are open to everyone, and only the programs can be executed.
+    grep -vE '^(drwxr-xr-x|-rw-r--r--|lrwxrwxrwx) root/root |^-rwxr-xr-x root/root .* \./usr/(bin/vantrel|share/vantrel/python/vantrel_viewer/no-interpreter)$' "$work/list" && {
         echo "the files of $name above have a wrong owner or mode"
         status=1
     }

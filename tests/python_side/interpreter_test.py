@@ -77,6 +77,21 @@ class Interpreter(unittest.TestCase):
         self.assertEqual(done.stdout.decode(), "vantrel.wait can be used only by a script in the viewer, not in a process that a "
                          "script has started\n")
 
+    def test_children_can_name_types_but_not_use_them(self):
+        interpreter.prepare("")
+        source = ("from typing import Optional\n"
+                  "import vantrel\n"
+                  "def measure(image: vantrel.Image, camera: Optional[vantrel.Camera] = None) -> vantrel.Graph: pass\n"
+                  "print(hasattr(vantrel.Image, '__length_hint__'))\n"
+                  "for use in (vantrel.Image, lambda: vantrel.Camera(1), lambda: vantrel.Graph.add_series):\n"
+                  "    try:\n"
+                  "        use()\n"
+                  "    except RuntimeError as error:\n"
+                  "        print(str(error).split()[0])\n")
+        done = subprocess.run([sys.executable, "-c", source], stdout=subprocess.PIPE, check=True,
+                              env={**os.environ, "PYTHONPATH": os.pathsep.join(sys.path)})
+        self.assertEqual(done.stdout.decode(), "False\nvantrel.Image\nvantrel.Camera\nvantrel.Graph.add_series\n")
+
     def test_the_modules_stand_in_one_folder(self):
         self.assertEqual(os.path.dirname(interpreter.__file__), os.path.dirname(vantrel_viewer.__file__))
 

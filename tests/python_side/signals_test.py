@@ -1,8 +1,11 @@
 import ctypes
+import faulthandler
 import os
 import signal
 import sys
+import tempfile
 import unittest
+from unittest import mock
 
 from vantrel_viewer import signals
 
@@ -51,6 +54,30 @@ class HandlePulses(unittest.TestCase):
         signal.signal(signal.SIGURG, signal.SIG_IGN)
         signals.handle_pulses(signal.SIGURG, address(count), address(again))
         self.assertIs(signal.getsignal(signal.SIGURG), first)
+
+
+class NameDefaults(unittest.TestCase):
+    def test_a_handler_of_the_host_is_named_the_default_and_stays(self):
+        real, set_handlers = signal.getsignal, []
+
+        def getsignal(number):  # the interpreter tells None for handlers that were there before it
+            return None if number == signal.SIGUSR1 and not set_handlers else real(number)
+
+        with tempfile.TemporaryFile() as file:
+            faulthandler.register(signal.SIGUSR1, file)  # a handler in C
+            with mock.patch("signal.getsignal", getsignal):
+                signals.name_defaults()
+                set_handlers.append(signal.SIGUSR1)
+                self.assertIs(signal.getsignal(signal.SIGUSR1), signal.SIG_DFL)
+            os.kill(os.getpid(), signal.SIGUSR1)
+            faulthandler.unregister(signal.SIGUSR1)
+            file.seek(0)
+            self.assertIn(b"most recent call first", file.read())
+
+    def test_other_handlers_are_left_alone(self):
+        before = {number: signal.getsignal(number) for number in signal.valid_signals()}
+        signals.name_defaults()
+        self.assertEqual({number: signal.getsignal(number) for number in signal.valid_signals()}, before)
 
 
 if __name__ == "__main__":

@@ -34,7 +34,8 @@ check_program_call() {
         shift
         case $argument in
         --)
-            call_files+=("$@")
+            # After the scripts of run, everything belongs to them.
+            [ "$command" = run ] || call_files+=("$@")
             break
             ;;
         -h | --help) help=yes ;;
@@ -81,7 +82,7 @@ check_scripts() {
 check_option() {
     case $2 in
     sim-cameras) [[ $3 =~ ^[0-4]$ ]] || fail "--$2 needs a number from 0 to 4, not '$3'." ;;
-    workdir | python-home)
+    workdir | python-home | venv)
         [ -n "$3" ] || fail "--$2 needs a value."
         [ -d "$3" ] || fail "$3 is not a folder."
         ;;

@@ -1,0 +1,33 @@
+import inspect
+import subprocess
+import sys
+import traceback
+import unittest
+
+from vantrel_viewer import stack
+
+
+class WalkStack(unittest.TestCase):
+    def test_it_counts_frames_like_the_interpreters_own(self):
+        def walk(function):
+            return [frame.f_code.co_name for frame, _ in function(None)]
+
+        self.assertEqual(walk(traceback.walk_stack), walk(stack._walk))
+
+    def test_it_looks_like_the_interpreters_own(self):
+        self.assertEqual(traceback.walk_stack.__module__, "traceback")
+        self.assertEqual(inspect.signature(traceback.walk_stack), inspect.signature(stack._walk))
+
+    def test_it_stops_at_the_viewers_frames(self):
+        program = ("import traceback\n"
+                   "from vantrel_viewer import stack\n"
+                   "own = compile('script()', stack.__file__, 'exec')\n"
+                   "def script():\n"
+                   "    print([frame.name for frame in traceback.extract_stack()])\n"
+                   "exec(own)\n")
+        done = subprocess.run([sys.executable, "-B", "-c", program], stdout=subprocess.PIPE, timeout=60)
+        self.assertEqual(done.stdout, b"['script']\n")
+
+
+if __name__ == "__main__":
+    unittest.main()
