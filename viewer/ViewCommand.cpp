@@ -2,7 +2,7 @@
 
 #include "CommandLine.h"
 #include "Viewer.h"
-#include "process/Preferences.h"
+#include "workshop/Preferences.h"
 #include "stopping/EventLoops.h"
 
 #include <QtCore/QDebug>

@@ -1,9 +1,9 @@
 #include "Viewer.h"
 
-#include "process/Preferences.h"
+#include "workshop/Preferences.h"
 #include "process/ProcessExit.h"
 #include "process/StandardStreams.h"
-#include "scripting/PythonFolders.h"
+#include "interpreter/PythonFolders.h"
 #include "process/UnwrittenErrors.h"
 #include "scripting/ScriptEnvironment.h"
 #include "scripting/ScriptFile.h"

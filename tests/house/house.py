@@ -43,6 +43,7 @@ ARROWS = {
     "plugins/script/support": [],
     "viewer": [
         "cameras",
+        "viewer/interpreter",
         "viewer/process",
         "viewer/scripting",
         "viewer/stopping",
@@ -53,6 +54,7 @@ ARROWS = {
     "viewer/scripting": [
         "cameras",
         "viewer/cameras",
+        "viewer/interpreter",
         "viewer/process",
         "viewer/scripting/help",
         "viewer/stopping",
@@ -60,7 +62,8 @@ ARROWS = {
         "viewer/window",
     ],
     "viewer/scripting/help": [],
-    "viewer/stopping": ["viewer/process", "viewer/window"],
+    "viewer/stopping": ["viewer/interpreter", "viewer/process", "viewer/window"],
+    "viewer/interpreter": ["viewer/process"],
     "viewer/workshop": ["viewer/process"],
     "viewer/cameras": ["cameras", "viewer/views", "viewer/window"],
     "viewer/window": ["cameras", "viewer/process", "viewer/views"],

@@ -3,7 +3,7 @@
 #include "Pictures.h"
 #include "ViewerTest.h"
 #include "process/LogRecords.h"
-#include "process/Preferences.h"
+#include "workshop/Preferences.h"
 #include "views/ImageView.h"
 #include "workshop/EnvironmentDialog.h"
 

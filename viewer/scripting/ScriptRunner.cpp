@@ -2,13 +2,13 @@
 
 #include "CxImageData.h"
 #include "CxScriptLangInterface.h"
-#include "PythonSide.h"
 #include "ScriptEnvironment.h"
 #include "ScriptFile.h"
 #include "process/ProcessExit.h"
 #include "process/UnwrittenErrors.h"
-#include "stopping/InterpreterCalls.h"
-#include "stopping/ReleasedInterpreter.h"
+#include "interpreter/InterpreterCalls.h"
+#include "interpreter/PythonSide.h"
+#include "interpreter/ReleasedInterpreter.h"
 #include "stopping/ScriptInterrupt.h"
 #include "stopping/ScriptPulse.h"
 
@@ -95,7 +95,11 @@ void ScriptRunner::run(const ScriptJob& job)
         } else if (isPython(language())) {
             result = prepare(*job.environment);
             if (!job.file.isEmpty())
-                text = PythonSide::callFor(job, m_settings.exitEndsScript, outcome);
+                text = PythonSide::callFor({.file = job.file,
+                                            .shownPath = job.shownPath,
+                                            .arguments = job.arguments,
+                                            .stays = m_settings.exitEndsScript,
+                                            .outcome = &outcome});
         } else if (!job.file.isEmpty()) {
             text = readScriptFile(job.file, result).value_or(QString());
         }

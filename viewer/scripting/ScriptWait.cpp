@@ -1,6 +1,6 @@
 #include "ScriptWait.h"
 
-#include "stopping/ReleasedInterpreter.h"
+#include "interpreter/ReleasedInterpreter.h"
 #include "stopping/ScriptInterrupt.h"
 #include "views/ImageView.h"
 

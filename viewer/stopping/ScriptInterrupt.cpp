@@ -1,7 +1,7 @@
 #include "ScriptInterrupt.h"
 
-#include "InterpreterCalls.h"
 #include "ScriptPulse.h"
+#include "interpreter/InterpreterCalls.h"
 
 #include <QtCore/QSocketNotifier>
 

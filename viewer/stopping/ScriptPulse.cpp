@@ -1,8 +1,8 @@
 #include "ScriptPulse.h"
 
 #include "EventLoops.h"
-#include "InterpreterCalls.h"
 #include "ScriptInterrupt.h"
+#include "interpreter/InterpreterCalls.h"
 #include "process/ProcessExit.h"
 
 #include <QtCore/QCoreApplication>

@@ -1,19 +1,14 @@
 #include "ReleasedInterpreter.h"
 
-#include <dlfcn.h>
+#include "InterpreterSymbol.h"
+
 #include <unistd.h>
 
 namespace {
 
-template<typename Signature>
-Signature* function(const char* name)
-{
-    return reinterpret_cast<Signature*>(dlsym(RTLD_DEFAULT, name));
-}
-
 bool isRunning()
 {
-    const auto isInitialized = function<int()>("Py_IsInitialized");
+    const auto isInitialized = interpreterFunction<int()>("Py_IsInitialized");
     return isInitialized && isInitialized();
 }
 
@@ -25,7 +20,7 @@ bool isInUse()
         return false;
     // The name since 3.13, and the one before.
     for (const char* name : {"PyThreadState_GetUnchecked", "_PyThreadState_UncheckedGet"})
-        if (const auto current = function<void*()>(name))
+        if (const auto current = interpreterFunction<void*()>(name))
             return current() != nullptr;
     return false;
 }
@@ -34,8 +29,8 @@ bool isInUse()
 
 ReleasedInterpreter::ReleasedInterpreter()
 {
-    const auto save = function<void*()>("PyEval_SaveThread");
-    if (save && function<void(void*)>("PyEval_RestoreThread") && isInUse())
+    const auto save = interpreterFunction<void*()>("PyEval_SaveThread");
+    if (save && interpreterFunction<void(void*)>("PyEval_RestoreThread") && isInUse())
         m_state = save();
 }
 
@@ -47,5 +42,5 @@ ReleasedInterpreter::~ReleasedInterpreter()
     // unwind the host's functions on it, which may not be ready for that. The process is about to end.
     while (!isRunning())
         pause();
-    function<void(void*)>("PyEval_RestoreThread")(m_state);
+    interpreterFunction<void(void*)>("PyEval_RestoreThread")(m_state);
 }

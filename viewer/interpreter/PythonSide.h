@@ -1,6 +1,7 @@
 #pragma once
 
-#include "ScriptJob.h"
+#include <QtCore/QString>
+#include <QtCore/QStringList>
 
 /// The viewer's own Python modules, in the folder python/: how the viewer calls them. The texts are Python source.
 namespace PythonSide {
@@ -9,9 +10,17 @@ namespace PythonSide {
 /// of the virtual environment whose packages scripts use; empty: none.
 QString preparation(const QString& environment);
 
-/// Text that runs the job's file as Python runs a file. Sets outcome, which must live until then, to a ScriptOutcome.
-/// If stays, a SystemExit ends the script alone.
-QString callFor(const ScriptJob& job, bool stays, int& outcome);
+/// A run of a script file.
+struct Call {
+    QString file;           ///< the absolute path
+    QString shownPath;      ///< the path as the user has given it
+    QStringList arguments;  ///< of the script
+    bool stays = false;     ///< whether a SystemExit ends the script alone
+    int* outcome = nullptr; ///< set to the number of a ScriptOutcome; lives until then
+};
+
+/// Text that runs a file as Python runs a file.
+QString callFor(const Call& call);
 
 /// Text that ends a process that a script has forked, with an exit status.
 QString endOfChild(int status);

@@ -1,7 +1,7 @@
 #include "PythonSide.h"
 
+#include "ErrorCopy.h"
 #include "process/UnwrittenErrors.h"
-#include "stopping/ErrorCopy.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
@@ -53,16 +53,16 @@ QString PythonSide::preparation(const QString& environment)
         .arg(reinterpret_cast<quintptr>(&UnwrittenErrors::write));
 }
 
-QString PythonSide::callFor(const ScriptJob& job, bool stays, int& outcome)
+QString PythonSide::callFor(const Call& call)
 {
     QStringList arguments;
-    for (const QString& argument : job.arguments)
+    for (const QString& argument : call.arguments)
         arguments += literal(argument);
     // One expression, which leaves no name behind.
     return QStringLiteral("__import__('vantrel_viewer.running').running.run_file(%1, %2, [%3], %4, %5, globals())\n")
-        .arg(literal(job.file), literal(job.shownPath), arguments.join(QStringLiteral(", ")),
-             stays ? QStringLiteral("True") : QStringLiteral("False"))
-        .arg(reinterpret_cast<quintptr>(&outcome));
+        .arg(literal(call.file), literal(call.shownPath), arguments.join(QStringLiteral(", ")),
+             call.stays ? QStringLiteral("True") : QStringLiteral("False"))
+        .arg(reinterpret_cast<quintptr>(call.outcome));
 }
 
 QString PythonSide::endOfChild(int status)
