@@ -61,16 +61,24 @@ protected:
         return xcb_window_t(found.split('\n').first().toUInt());
     }
 
-    /// Waits until the window is there and has the keyboard. Returns 0 if it does not come.
+    /// Waits until the window is there and has the keyboard. Returns 0 if it does not come. On a busy machine the window
+    /// manager may leave the keyboard with another window; a person then clicks on the one that they want.
     xcb_window_t waitFor(const char* title)
     {
         QElapsedTimer clock;
         clock.start();
+        QElapsedTimer seen;
         while (clock.elapsed() < patience) {
             const xcb_window_t window = find(title);
             if (window && hand({"getactivewindow"}).trimmed().toUInt() == window) {
                 QThread::msleep(300); // nobody presses a key sooner; the program must have heard of the focus
                 return window;
+            }
+            if (window && !seen.isValid())
+                seen.start();
+            if (window && seen.isValid() && seen.elapsed() > 3000) {
+                hand({"windowactivate", QByteArray::number(window).constData()});
+                seen.restart();
             }
             QThread::msleep(50);
         }
