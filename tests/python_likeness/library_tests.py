@@ -43,8 +43,10 @@ def results(command, module):
         script = pathlib.Path(folder, "script.py")
         script.write_text(SCRIPT)
         try:
-            done = subprocess.run([*command, str(script), *(["--"] if "run" in command else []), module], cwd=folder,
-                                  env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+            # A test that is started in the background would ignore signals that Python's tests send.
+            done = subprocess.run(["env", "--default-signal=HUP,INT,QUIT", *command, str(script),
+                                   *(["--"] if "run" in command else []), module], cwd=folder, env=environment,
+                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                   stderr=subprocess.STDOUT, timeout=TIMEOUT)
             output = done.stdout.decode(errors="backslashreplace")
         except subprocess.TimeoutExpired:
