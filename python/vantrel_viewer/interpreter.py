@@ -4,6 +4,8 @@ import site
 import sys
 from typing import List
 
+import vantrel_qt
+
 __all__ = ["find", "prepare", "use_environment"]
 
 _folder = os.path.dirname(os.path.abspath(__file__))
@@ -31,6 +33,7 @@ def prepare(environment: str) -> None:
         use_environment(environment)
     if _for_children not in sys.path:
         sys.path.append(_for_children)
+    vantrel_qt.watch_imports()
 
 
 def use_environment(folder: str) -> None:

@@ -1,4 +1,4 @@
-"""Runs the code of docs/guide.md with the viewer, each chapter as one script.
+"""Runs the code of docs/guide.md with the viewer, each chapter and each section as one script.
 
 usage: run_guide.py PROGRAM GUIDE [OPTION...]; every run gets the options.
 """
@@ -10,11 +10,11 @@ import sys
 import tempfile
 
 program, guide, *options = sys.argv[1:]
-WITHOUT_CODE = {"The viewer"}
+WITHOUT_CODE = {"The viewer", "Python in the viewer"}
 answers = {"Talking to the user": ["--answer", "Wafer 7", "--answer", "Go on"]}
 
 failed = 0
-chapters = re.split(r"^## ", pathlib.Path(guide).read_text(), flags=re.M)[1:]
+chapters = re.split(r"^###? ", pathlib.Path(guide).read_text(), flags=re.M)[1:]
 for chapter in chapters:
     title = chapter.split("\n", 1)[0]
     blocks = re.findall(r"```python\n(.*?)```", chapter, flags=re.S)
