@@ -104,7 +104,7 @@ Viewer::Viewer(const Settings& settings)
     });
     connect(m_scripts.get(), &ScriptQueue::runEnded, this, &Viewer::noteRunEnd);
     connect(&m_window, &MainWindow::scriptChosen, this, [this](const QString& path) { runFile(path); });
-    connect(&m_window, &MainWindow::scriptStopRequested, &m_runState, &RunState::stop);
+    connect(&m_window, &MainWindow::scriptStopRequested, &m_runState, &RunState::stopSeen);
     connect(&m_window.scriptBar(), &ScriptBar::stopForGoodRequested, &m_runState, &RunState::stopForGood);
     connect(&m_runState, &RunState::changed, &m_window.scriptBar(), &ScriptBar::display);
     connect(&m_window, &MainWindow::closed, this, &Viewer::quitAfterScript);

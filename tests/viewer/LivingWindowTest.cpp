@@ -1,15 +1,19 @@
 // The window while a script works on its thread.
 
 #include "CxImageData.h"
+#include "Pictures.h"
 #include "ViewerTest.h"
 #include "stopping/EventLoops.h"
 #include "stopping/RunState.h"
 #include "views/ImageView.h"
+#include "views/ImageWidget.h"
 
 #include <QtCore/QElapsedTimer>
+#include <QtGui/QMouseEvent>
 #include <QtTest/QTest>
 #include <QtWidgets/QFileDialog>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QMdiSubWindow>
 
 #include <algorithm>
 
@@ -64,6 +68,12 @@ protected:
         const auto [median, longest] = gaps(script);
         EXPECT_LE(median, 100) << script;
         EXPECT_LE(longest, 1000) << script; // 250 on an idle machine
+    }
+
+    static void dragTo(QWidget& widget, const QPoint& point, Qt::MouseButtons buttons = Qt::LeftButton)
+    {
+        QMouseEvent move(QEvent::MouseMove, point, widget.mapToGlobal(point), Qt::NoButton, buttons, {});
+        QCoreApplication::sendEvent(&widget, &move);
     }
 
     QAction* item(int menu, const char* text)
@@ -290,6 +300,31 @@ TEST_F(LivingWindow, ClosesAViewThatAScriptReadsAllTheTime)
     oncePrinted("begun\n", [view] { view->close(); });
     runAll();
     EXPECT_EQ(console().toStdString(), "begun\ngone\n");
+}
+
+TEST_F(LivingWindow, ZoomsAndMovesViewsInABusyLoop)
+{
+    ImageView* view = viewer->window().views().add(greyPicture(64, 48, 10), QStringLiteral("view"));
+    run("print('begun')\nwhile True: pass\n");
+    double before = 0;
+    oncePrinted("begun\n", [&] {
+        before = view->imageWidget()->scale();
+        item(MainWindow::ViewMenu, "Zoom &In")->trigger();
+        QWidget* frame = view;
+        while (!qobject_cast<QMdiSubWindow*>(frame))
+            frame = frame->parentWidget();
+        const QPoint place = frame->pos();
+        const QPoint title(frame->width() / 2, 8);
+        dragTo(*frame, title, Qt::NoButton);
+        QTest::mousePress(frame, Qt::LeftButton, {}, title);
+        for (int i = 1; i <= 10; ++i) // the frame ignores a move without a pressed button, which QTest would send
+            dragTo(*frame, title + QPoint(4 * i, 3 * i));
+        QTest::mouseRelease(frame, Qt::LeftButton, {}, title + QPoint(40, 30));
+        EXPECT_NE(frame->pos(), place);
+        viewer->runState().stop();
+    });
+    runAll();
+    EXPECT_GT(view->imageWidget()->scale(), before);
 }
 
 TEST_F(LivingWindow, KeepsALimitedNumberOfLinesAndSaysHowManyItDropped)

@@ -126,7 +126,7 @@ TEST_P(StopsAtBadMoments, ForGoodEndThePrograms)
 
 TEST_P(StopsAtBadMoments, ForGoodEndAFinaliserThatSwallowsThem)
 {
-    for (const char* work : {"while True: pass", "time.sleep(600)"}) {
+    for (const char* work : {"x = 1; time.sleep(0)\n                while x: x += 1", "time.sleep(600)"}) {
         runUntilStopped(QByteArray("import time\n"
                                    "class Thing:\n"
                                    "    def __del__(self):\n"
@@ -156,7 +156,8 @@ TEST_P(StopsAtBadMoments, ForGoodEndAFinaliserThatTheyHaveCaused)
                     "    print('begun')\n"
                     "    while True:\n"
                     "        try:\n"
-                    "            while True: pass\n"
+                    "            x = 0\n"
+                    "            while True: x += 1\n"
                     "        except BaseException:\n"
                     "            pass\n"
                     "work()\n",

@@ -5,10 +5,15 @@
 #include "ScriptPulse.h"
 
 namespace {
+
 constexpr int updateMilliseconds = 250;
 
 /// The viewer's own waits and dialogs end much sooner after a stop.
 constexpr int loopPatience = 1000;
+
+/// Nobody sees the name of a script and presses Stop in less time.
+constexpr int reactionMilliseconds = 200;
+
 } // namespace
 
 RunState::RunState(ScriptInterrupt& interrupt)
@@ -27,6 +32,7 @@ RunState::RunState(ScriptInterrupt& interrupt)
 void RunState::begin(const QString& name)
 {
     m_name = name;
+    m_followsOther = m_hasJustEnded;
     m_clock.start();
     m_sinceStop.invalidate();
     m_timer.start();
@@ -40,6 +46,15 @@ void RunState::end(ScriptState how)
     show(how);
     m_clock.invalidate();
     m_sinceStop.invalidate();
+    m_hasJustEnded = true;
+    QMetaObject::invokeMethod(
+        this, [this] { m_hasJustEnded = false; }, Qt::QueuedConnection);
+}
+
+void RunState::stopSeen()
+{
+    if (!m_followsOther || m_clock.elapsed() >= reactionMilliseconds)
+        stop();
 }
 
 void RunState::stop()

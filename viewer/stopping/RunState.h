@@ -24,6 +24,10 @@ public:
     /// Stops the running script, if any.
     void stop();
 
+    /// Stops the script that the user sees running. Does nothing if that one has just ended and the next one of the
+    /// queue runs: nobody can have meant that.
+    void stopSeen();
+
     /// Stops a script that swallows KeyboardInterrupt, too.
     void stopForGood();
 
@@ -46,5 +50,7 @@ private:
     ScriptState m_state = ScriptState::Idle;
     QElapsedTimer m_clock;     ///< valid while a script runs
     QElapsedTimer m_sinceStop; ///< valid once a stop was asked for
+    bool m_hasJustEnded = false;
+    bool m_followsOther = false; ///< the running script has begun when the one before it ended
     QTimer m_timer;
 };
