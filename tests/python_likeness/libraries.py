@@ -26,6 +26,7 @@ if {windows}:
     camera.stop_acquisition()
     vantrel.close_view(view)
 print("the viewer works on")
+raise SystemExit(0)  # also with --show
 """
 
 
@@ -52,7 +53,7 @@ def main():
         with tempfile.TemporaryDirectory() as folder:
             script, after = pathlib.Path(folder, "script.py"), pathlib.Path(folder, "after.py")
             script.write_text(source)
-            after.write_text(AFTER.format(windows=own is None))
+            after.write_text(AFTER.format(windows=own != "--worker"))
             try:
                 run = subprocess.run([viewer, "run", *options, *(own or "").split(), str(script), str(after)], cwd=folder,
                                      stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=120)
