@@ -1,5 +1,5 @@
-// A script language without an interpreter. It behaves towards the host as a real one does: it takes the interrupt
-// signal over when it starts, and calls the host back on the thread that runs the script.
+// A script language without an interpreter. It behaves towards the host as a real one does: it takes the signals of
+// stops over when it starts, and calls the host back on the thread that runs the script.
 //
 // Each line of a script is a command with at most one argument:
 //
@@ -94,8 +94,10 @@ public:
     QString runScript(const QString& script, IxScriptEnvironment* environment, const QString& /*home*/,
                       void (*started)(void*, void*), void* data, void (*output)(const QString&, bool)) override
     {
-        if (!m_started)
+        if (!m_started) {
             std::signal(SIGINT, noteInterrupt);
+            std::signal(SIGURG, noteInterrupt);
+        }
         m_started = true;
         interruptPending = 0;
         started(nullptr, data);

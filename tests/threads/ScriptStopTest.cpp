@@ -1,4 +1,6 @@
 #include "ScriptsTest.h"
+#include "stopping/RunState.h"
+#include "stopping/ScriptPulse.h"
 
 #include <QtCore/QElapsedTimer>
 #include <QtCore/QTimer>
@@ -100,6 +102,32 @@ TEST_P(ScriptStopFromTheGuiThread, EndsAComputation)
         ASSERT_EQ(ended(), "interrupted");
     }
     EXPECT_EQ(printed().find("never"), std::string::npos);
+}
+
+TEST_P(ScriptStopFromTheGuiThread, DoesNoHarmWhileRunsBeginAndEnd)
+{
+    ScriptPulse pulse(false);
+    RunState state(interrupt);
+    QObject::connect(queue.get(), &ScriptQueue::runStarted, &state, &RunState::begin);
+    QObject::connect(queue.get(), &ScriptQueue::runEnded, &state, &RunState::end);
+    add("print first"); // the language takes the signal over
+    runAll();
+    pulse.prepared();
+    ASSERT_TRUE(ScriptPulse::send());
+    results.clear();
+    QTimer hand;
+    bool forGood = false;
+    QObject::connect(&hand, &QTimer::timeout, [&] { (forGood = !forGood) ? state.stopForGood() : state.stop(); });
+    hand.start(1);
+    constexpr int count = 50;
+    for (int i = 0; i < count; ++i) {
+        add("compute");
+        add("look 0"); // may end before the stop comes
+    }
+    runAll();
+    ASSERT_EQ(results.size(), 2 * count);
+    for (int i = 0; i < count; ++i)
+        EXPECT_EQ(results[2 * i].toStdString(), "interrupted") << i;
 }
 
 } // namespace

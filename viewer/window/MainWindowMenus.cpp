@@ -40,7 +40,8 @@ void MainWindow::createFileMenu()
 {
     QMenu* menu = m_menus[FileMenu] = menuBar()->addMenu(tr("&File"));
     menu->addAction(tr("&Open..."), QKeySequence::Open, this, &MainWindow::askForFilesToOpen);
-    menu->addAction(tr("Save &As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), this, &MainWindow::askForFileToSave);
+    menu->addAction(tr("Save &As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), this,
+                    &MainWindow::askForFileToSave);
     menu->addAction(tr("&Close"), QKeySequence::Close, this, [this] {
         if (ImageView* active = m_views.active())
             active->closeMdiView();
