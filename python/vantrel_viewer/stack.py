@@ -1,6 +1,7 @@
 """Keeps the viewer's own frames, which stand below those of a script, out of what the script sees."""
 import functools
 import itertools
+import os
 import sys
 import traceback
 from types import FrameType, TracebackType
@@ -11,6 +12,7 @@ from . import nested
 __all__ = ["full_depth", "strip"]
 
 _folder = __file__[: -len("stack.py")]
+_hidden = _folder, os.path.join(os.path.dirname(os.path.dirname(__file__)), "vantrel_qt", "")
 _get_limit, _set_limit = sys.getrecursionlimit, sys.setrecursionlimit
 
 
@@ -52,16 +54,20 @@ def strip(error: BaseException) -> None:
 
 
 def _stripped(trace: Optional[TracebackType]) -> Optional[TracebackType]:
-    while trace is not None and _is_own(trace.tb_frame):
+    while trace is not None and _is_hidden(trace.tb_frame):
         trace = trace.tb_next
     one = trace
     while one is not None:
         following = one.tb_next
-        if following is not None and _is_own(following.tb_frame):
+        if following is not None and _is_hidden(following.tb_frame):
             one.tb_next = following.tb_next
         else:
             one = following
     return trace
+
+
+def _is_hidden(frame: FrameType) -> bool:
+    return frame.f_code.co_filename.startswith(_hidden)
 
 
 def _is_own(frame: FrameType) -> bool:

@@ -29,5 +29,19 @@ class WalkStack(unittest.TestCase):
         self.assertEqual(done.stdout, b"['script']\n")
 
 
+class Strip(unittest.TestCase):
+    def test_frames_of_the_viewer_are_taken_out_wherever_they_stand(self):
+        import vantrel_qt
+        program = compile("def call(function): function()", vantrel_qt.__file__, "exec")
+        names = {}
+        exec(program, names)
+        try:
+            names["call"](lambda: 1 // 0)
+        except ZeroDivisionError as error:
+            stack.strip(error)
+            self.assertEqual([frame.name for frame in traceback.extract_tb(error.__traceback__)],
+                             ["test_frames_of_the_viewer_are_taken_out_wherever_they_stand", "<lambda>"])
+
+
 if __name__ == "__main__":
     unittest.main()
