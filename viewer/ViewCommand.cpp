@@ -2,8 +2,8 @@
 
 #include "CommandLine.h"
 #include "Viewer.h"
-#include "workshop/Preferences.h"
 #include "stopping/EventLoops.h"
+#include "workshop/Preferences.h"
 
 #include <QtCore/QDebug>
 #include <QtWidgets/QApplication>

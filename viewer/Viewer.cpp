@@ -1,9 +1,8 @@
 #include "Viewer.h"
 
-#include "workshop/Preferences.h"
+#include "interpreter/PythonFolders.h"
 #include "process/ProcessExit.h"
 #include "process/StandardStreams.h"
-#include "interpreter/PythonFolders.h"
 #include "process/UnwrittenErrors.h"
 #include "scripting/ScriptEnvironment.h"
 #include "scripting/ScriptFile.h"
@@ -13,6 +12,7 @@
 #include "views/ImageView.h"
 #include "window/ScriptBar.h"
 #include "workshop/EnvironmentDialog.h"
+#include "workshop/Preferences.h"
 #include "workshop/ScriptConsole.h"
 
 #include <QtCore/QDebug>
@@ -163,9 +163,7 @@ void Viewer::askForEnvironment()
     const QString note = own.isEmpty() ? QString() : tr("VIRTUAL_ENV is set, so this viewer uses %1.").arg(own);
     auto* dialog = new EnvironmentDialog(
         Preferences::environment(), note,
-        [this](const QString& folder) {
-            return PythonFolders::problemWithEnvironment(folder, m_scripts->language());
-        },
+        [this](const QString& folder) { return PythonFolders::problemWithEnvironment(folder, m_scripts->language()); },
         &m_window);
     connect(dialog, &EnvironmentDialog::environmentChosen, this, &Preferences::setEnvironment);
     m_window.openDialog(dialog);

@@ -61,8 +61,8 @@ protected:
         return xcb_window_t(found.split('\n').first().toUInt());
     }
 
-    /// Waits until the window is there and has the keyboard. Returns 0 if it does not come. On a busy machine the window
-    /// manager may leave the keyboard with another window; a person then clicks on the one that they want.
+    /// Waits until the window is there and has the keyboard. Returns 0 if it does not come. On a busy machine the
+    /// window manager may leave the keyboard with another window; a person then clicks on the one that they want.
     xcb_window_t waitFor(const char* title)
     {
         QElapsedTimer clock;

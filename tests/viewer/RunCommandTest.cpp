@@ -1,6 +1,6 @@
 #include "Program.h"
-#include "support/TestSettings.h"
 #include "support/SleepingThread.h"
+#include "support/TestSettings.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QElapsedTimer>

@@ -84,8 +84,7 @@ TEST_F(RunLikePython, AVirtualEnvironmentOfAnotherVersionIsRefused)
 TEST_F(RunLikePython, AFolderThatIsNoVirtualEnvironmentIsRefused)
 {
     ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("env")));
-    EXPECT_EQ(refusal(list({"--venv", "env"})),
-              "env is not a virtual environment: there is no pyvenv.cfg in it.\n");
+    EXPECT_EQ(refusal(list({"--venv", "env"})), "env is not a virtual environment: there is no pyvenv.cfg in it.\n");
     EXPECT_EQ(refusal(list({"--venv", "missing"})), "missing is not a folder.\n");
 }
 
@@ -93,8 +92,8 @@ TEST_F(RunLikePython, AHomeWithoutAPythonIsRefused)
 {
     ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("home")));
     const std::string version = TestSettings::pythonVersion.toStdString();
-    EXPECT_EQ(refusal(list({"--python-home", "home"})), "home is not the home of a Python " + version +
-                                                            ": there is no lib/python" + version + "/os.py in it.\n");
+    EXPECT_EQ(refusal(list({"--python-home", "home"})),
+              "home is not the home of a Python " + version + ": there is no lib/python" + version + "/os.py in it.\n");
     write("home/pyvenv.cfg", "");
     EXPECT_EQ(refusal(list({"--python-home", "home"})),
               "home is a virtual environment and not a Python home; use --venv home.\n");
@@ -110,9 +109,10 @@ TEST_F(RunLikePython, PlainOutputIsThatOfTheInterpreter)
 
 TEST_F(RunLikePython, ProcessesOfAScriptAreThoseOfItsInterpreter)
 {
-    const Outcome outcome = run("import subprocess, sys\n"
-                                "print(subprocess.check_output([sys.executable, '-c', 'import sys; print(sys.version)'],\n"
-                                "                              text=True).strip() == sys.version)\n");
+    const Outcome outcome =
+        run("import subprocess, sys\n"
+            "print(subprocess.check_output([sys.executable, '-c', 'import sys; print(sys.version)'],\n"
+            "                              text=True).strip() == sys.version)\n");
     EXPECT_EQ(outcome.output, "True\n") << outcome.errors;
 }
 

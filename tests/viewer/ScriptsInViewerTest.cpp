@@ -3,9 +3,9 @@
 #include "Pictures.h"
 #include "ViewerTest.h"
 #include "process/LogRecords.h"
-#include "workshop/Preferences.h"
 #include "views/ImageView.h"
 #include "workshop/EnvironmentDialog.h"
+#include "workshop/Preferences.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QSettings>

@@ -122,8 +122,8 @@ bool mustComplete(Object* frame)
     return isIn(frame, std::array<std::string_view, 3>{"<frozen importlib", "/threading.py", "/concurrent/futures/"});
 }
 
-/// Whether the frame is one of the viewer's own, which stand below or above those of a script. The functions between two
-/// scripts do not count: a stop has to pass them.
+/// Whether the frame is one of the viewer's own, which stand below or above those of a script. The functions between
+/// two scripts do not count: a stop has to pass them.
 bool isOfViewer(Object* frame)
 {
     return isIn(frame, std::array<std::string_view, 1>{"/vantrel_viewer/"}) &&
@@ -172,9 +172,8 @@ bool isInSubprocess(Object* frame)
 /// Whether a frame may go on although the script is to end. After an error `subprocess` ends the program.
 bool mayFinish(Object* frame)
 {
-    return isOfViewer(frame) ||
-           (std::chrono::steady_clock::now() < deadline &&
-            (InterpreterCalls::isDelicate(frame) || (isRaised && isInSubprocess(frame))));
+    return isOfViewer(frame) || (std::chrono::steady_clock::now() < deadline &&
+                                 (InterpreterCalls::isDelicate(frame) || (isRaised && isInSubprocess(frame))));
 }
 
 void raiseTheError()

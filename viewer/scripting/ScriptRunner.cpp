@@ -4,11 +4,11 @@
 #include "CxScriptLangInterface.h"
 #include "ScriptEnvironment.h"
 #include "ScriptFile.h"
-#include "process/ProcessExit.h"
-#include "process/UnwrittenErrors.h"
 #include "interpreter/InterpreterCalls.h"
 #include "interpreter/PythonSide.h"
 #include "interpreter/ReleasedInterpreter.h"
+#include "process/ProcessExit.h"
+#include "process/UnwrittenErrors.h"
 #include "stopping/ScriptInterrupt.h"
 #include "stopping/ScriptPulse.h"
 
@@ -38,7 +38,8 @@ ScriptOutcome outcomeFrom(const QString& result)
 {
     if (result.isEmpty())
         return ScriptOutcome::Ran;
-    const bool isInterrupt = ScriptInterrupt::wasInterrupted() && result.contains(QStringLiteral("\nKeyboardInterrupt"));
+    const bool isInterrupt =
+        ScriptInterrupt::wasInterrupted() && result.contains(QStringLiteral("\nKeyboardInterrupt"));
     return isInterrupt ? ScriptOutcome::Interrupted : ScriptOutcome::Failed;
 }
 

@@ -25,9 +25,9 @@ public:
     using Output = std::function<void(const QString& text)>;
 
     struct Settings {
-        QString pythonHome;       ///< of the interpreter
-        QString environment;      ///< the absolute path of a virtual environment; empty: none
-        bool plainOutput = false; ///< whether standard output is left to the interpreter
+        QString pythonHome;          ///< of the interpreter
+        QString environment;         ///< the absolute path of a virtual environment; empty: none
+        bool plainOutput = false;    ///< whether standard output is left to the interpreter
         bool exitEndsScript = false; ///< whether a SystemExit ends a script file only, not the process
     };
 

@@ -41,8 +41,8 @@ public:
     /// The bar that shows what the script does.
     ScriptBar& scriptBar() const { return *m_scriptBar; }
 
-    /// Opens a dialog for the user, which answers by its signals and is deleted when it closes. Returns at once: a script
-    /// goes on meanwhile.
+    /// Opens a dialog for the user, which answers by its signals and is deleted when it closes. Returns at once: a
+    /// script goes on meanwhile.
     void openDialog(QDialog* dialog);
 
     /// True for a dialog that the user has opened from the menus; false for one of a script.
