@@ -109,7 +109,9 @@ TEST_P(ScriptStopFromTheGuiThread, DoesNoHarmWhileRunsBeginAndEnd)
     ScriptPulse pulse(false);
     RunState state(interrupt);
     QObject::connect(queue.get(), &ScriptQueue::runStarted, &state, &RunState::begin);
-    QObject::connect(queue.get(), &ScriptQueue::runEnded, &state, &RunState::end);
+    QObject::connect(queue.get(), &ScriptQueue::runEnded, &state, [&state](const QString&, ScriptOutcome outcome) {
+        state.end(outcome == ScriptOutcome::Interrupted ? ScriptState::Stopped : ScriptState::Finished);
+    });
     add("print first"); // the language takes the signal over
     runAll();
     pulse.prepared();
