@@ -39,9 +39,11 @@ std::atomic<bool> asksAgain = false;   ///< the script has to handle the signal 
 std::atomic<bool> outstanding = false; ///< the interpreter has not handled the latest pulse
 std::atomic<int> latestServiceMs = 0;  ///< how long the viewer's work at the latest pulse took
 
-// Only the script's thread uses these.
-bool isOnGuiThread = false;
-int scriptLoopLevel = 0;
+// The script's thread sets these, and the GUI thread reads them.
+std::atomic<bool> isOnGuiThread = false;
+std::atomic<int> scriptLoopLevel = 0;
+
+// Only the script's thread uses this.
 bool isServing = false;
 
 void handlePulse(int number, siginfo_t* info, void* context)
