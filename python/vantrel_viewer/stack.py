@@ -81,7 +81,7 @@ def _is_bottom(frame: FrameType) -> bool:
 
 def _depth(frame: Optional[FrameType]) -> int:
     """How much of the recursion limit the frames, the one above them and its call of exec() use."""
-    depth = 2
+    depth = 1 if sys.version_info >= (3, 12) else 2  # calls of C functions count no longer
     while frame is not None:
         depth += 1
         frame = frame.f_back
