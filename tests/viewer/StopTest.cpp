@@ -389,11 +389,11 @@ TEST_F(Stops, AreNotWhatOtherEndsAreCalled)
     EXPECT_EQ(shownState(), "s.py · failed");
     run("raise KeyboardInterrupt\n"); // nobody has stopped it
     ASSERT_TRUE(waitForEnds(2));
-    EXPECT_EQ(shownState(), "s.py · failed");
+    EXPECT_EQ(shownState(), "s2.py · failed");
     run("import time\ntime.sleep(0.3)\n");
     ASSERT_TRUE(waitForEnds(3));
     const QString shown = QString::fromStdString(shownState());
-    EXPECT_TRUE(QRegularExpression(QStringLiteral("^s.py · finished in [0-9]+\\.[0-9] s$")).match(shown).hasMatch())
+    EXPECT_TRUE(QRegularExpression(QStringLiteral("^s3.py · finished in [0-9]+\\.[0-9] s$")).match(shown).hasMatch())
         << shown.toStdString();
 }
 
