@@ -83,10 +83,10 @@ void ScriptQueue::startNext()
         m_runner.get(), [runner = m_runner.get(), job] { runner->run(job); }, Qt::QueuedConnection);
 }
 
-void ScriptQueue::noteEnd(const QString& result, ScriptOutcome outcome)
+void ScriptQueue::noteEnd(const QString& result, int outcome)
 {
     m_running = false;
-    Q_EMIT runEnded(result, outcome);
+    Q_EMIT runEnded(result, ScriptOutcome(outcome));
     startNext();
     if (!isBusy())
         Q_EMIT becameIdle();

@@ -56,7 +56,7 @@ Q_SIGNALS:
 
 private:
     void startNext();
-    void noteEnd(const QString& result, ScriptOutcome outcome);
+    void noteEnd(const QString& result, int outcome);
 
     /// Calls a function on the runner's thread and waits until it returns. Throws what the function throws. The
     /// function must not run a script.

@@ -116,7 +116,7 @@ void ScriptRunner::run(const ScriptJob& job)
         m_environment = job.environment;
         m_betweenRuns = std::make_unique<ReleasedInterpreter>();
     }
-    Q_EMIT ended(result, outcome == unknownOutcome ? outcomeFrom(result) : ScriptOutcome(outcome));
+    Q_EMIT ended(result, outcome == unknownOutcome ? int(outcomeFrom(result)) : outcome);
 }
 
 QString ScriptRunner::runOwn(const QString& text, ScriptEnvironment& environment)

@@ -53,8 +53,9 @@ public:
     void unload();
 
 Q_SIGNALS:
-    /// A run has ended; result is what the script wrote to its standard error.
-    void ended(const QString& result, ScriptOutcome outcome);
+    /// A run has ended; result is what the script wrote to its standard error, outcome is a ScriptOutcome. An int,
+    /// since the toolkit itself carries those from thread to thread.
+    void ended(const QString& result, int outcome);
 
 private:
     /// Runs Python text of the viewer. Returns what it writes to standard error.
