@@ -121,7 +121,7 @@ void ScriptRunner::run(const ScriptJob& job)
 
 QString ScriptRunner::runOwn(const QString& text, ScriptEnvironment& environment)
 {
-    const QString errors = m_language->runScript(text, &environment, m_settings.pythonHome, nullptr, nullptr, nullptr);
+    QString errors = m_language->runScript(text, &environment, m_settings.pythonHome, nullptr, nullptr, nullptr);
     UnwrittenErrors::forget();
     return errors;
 }
