@@ -24,8 +24,8 @@ def watch_imports() -> None:
 class _Finder:
     @staticmethod
     def find_spec(name: str, path: Any = None, target: Any = None) -> Optional[ModuleSpec]:
-        spec = PathFinder.find_spec(name, path, target) if name in _TYPES else None
-        loader: Any = spec.loader if spec else None
+        found = PathFinder.find_spec(name, path, target) if name in _TYPES else None
+        loader: Any = found.loader if found else None
         if not loader:
             return None
         execute = loader.exec_module
@@ -35,7 +35,7 @@ class _Finder:
             _share(getattr(module, _TYPES[name]))
 
         loader.exec_module = exec_module
-        return spec
+        return found
 
 
 def _share(kind: Any) -> None:

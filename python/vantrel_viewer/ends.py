@@ -1,4 +1,4 @@
-"""What the output says when a script fails or ends itself, and the viewer stays."""
+"""What the output says when a script fails, or ends itself where the viewer stays."""
 import sys
 from types import TracebackType
 from typing import Optional, Type

@@ -20,9 +20,9 @@ def run_file(file: str, shown: str, arguments: List[str], stays: bool, outcome: 
     """Run a script file in the namespace of `__main__`.
 
     `file` is the absolute path, `shown` the path as the user has given it, and `arguments` follow it in `sys.argv`. If
-    `stays`, a SystemExit ends only the script, and a line on standard error says so; otherwise the SystemExit leaves
-    this function. An error is written to standard error as Python writes it. `outcome` is the address of a C int, which
-    is set to RAN, FAILED, INTERRUPTED or LEFT.
+    `stays`, a SystemExit ends only the script, and its output says so; otherwise the SystemExit leaves this function. An
+    error is written to standard error as Python writes it. `outcome` is the address of a C int, which is set to RAN,
+    FAILED, INTERRUPTED or LEFT.
     """
     ctypes.c_int.from_address(outcome).value = _run(file, shown, arguments, stays, namespace)
 

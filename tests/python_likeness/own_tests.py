@@ -1,6 +1,6 @@
 """Runs some of Python's own tests inside the viewer and with the Python that belongs to it, and compares the results.
 
-usage: library_tests.py VIEWER PYTHON [MODULE...] -- VIEWER_OPTION...
+usage: own_tests.py VIEWER PYTHON [MODULE...] -- VIEWER_OPTION...
 
 Compared are the numbers of tests that were run and skipped, and the names of those that failed. Tests that fail with
 Python itself may fail in the viewer, too: some depend on the system. Some depend on time, so a module whose results differ
