@@ -2,6 +2,7 @@
 
 #include "InterpreterSymbol.h"
 
+#include <initializer_list>
 #include <unistd.h>
 
 namespace {
