@@ -1,6 +1,9 @@
 // How long the window takes to answer while a script works: events arrive at random moments from another thread, as
 // clicks do.
+//
+//   answer_bench [--filter=TEXT]
 
+#include "Row.h"
 #include "Viewer.h"
 #include "process/LogRecords.h"
 #include "scripting/ScriptQueue.h"
@@ -73,14 +76,15 @@ int main(int argc, char** argv)
         return 1;
     }
     viewer.window().show();
-    // What the scripts print, and the tracebacks of their stops, go nowhere.
-    std::FILE* table = fdopen(dup(STDOUT_FILENO), "w");
+    // The rows go to the standard output. What the scripts print, and the tracebacks of their stops, go nowhere.
+    const int rows = dup(STDOUT_FILENO);
     const int nowhere = open("/dev/null", O_WRONLY);
-    dup2(nowhere, STDOUT_FILENO);
     dup2(nowhere, STDERR_FILENO);
     const QTemporaryDir folder;
-    std::fprintf(table, "%-26s %8s %8s   goal: 100, 250\n", "answer to a click, in ms", "median", "longest");
+    const char* group = "Answer to a click while a script works";
     for (const Kind& kind : kinds) {
+        if (!isWanted(group, kind.name))
+            continue;
         std::vector<double> waited;
         const std::unique_ptr<QThread> hand(QThread::create([&] { waited = answers(viewer); }));
         QEventLoop loop;
@@ -89,13 +93,16 @@ int main(int argc, char** argv)
         if (script.open(QIODevice::WriteOnly))
             script.write(kind.script);
         script.close();
+        dup2(nowhere, STDOUT_FILENO);
         viewer.runFile(script.fileName());
         hand->start();
         loop.exec();
         hand->wait();
         std::sort(waited.begin(), waited.end());
-        std::fprintf(table, "%-26s %8.1f %8.1f\n", kind.name, waited[waited.size() / 2], waited.back());
+        std::fflush(stdout);
+        dup2(rows, STDOUT_FILENO);
+        printRow({group, kind.name, "100 ms, median", 1.0, waited[waited.size() / 2], 100.0, "ms"});
+        printRow({group, kind.name, "250 ms, longest", 1.0, waited.back(), 250.0, "ms"});
     }
-    std::fclose(table);
     return 0;
 }

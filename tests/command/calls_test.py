@@ -41,7 +41,10 @@ class Calls(checkout.CheckoutTest):
             (["view", "--fast"], ["fast", "./vantrel view --help"]),
             (["test", "a", "b"], ["at most one"]),
             (["build", "all"], ["build", "all"]),
-            (["bench", "x"], ["x"]),
+            (["bench", "crop", "add"], ["at most one filter"]),
+            (["bench", "--fast"], ["--fast"]),
+            (["bench", "--json"], ["--json", "name of a file"]),
+            (["bench", "--json", "missing/figures.json"], ["missing/figures.json"]),
             (["pictures", "x"], ["x"]),
             (["package", "x"], ["x"]),
             (["fuzz"], ["seconds"]),
@@ -65,6 +68,9 @@ class Calls(checkout.CheckoutTest):
             ["run", "--plain-output", "--venv", ".", "script.py"],
             ["view"],
             ["view", "missing.png"],
+            ["bench", "crop"],
+            ["bench", "crop", "--json", "figures.json"],
+            ["bench", "--json=figures.json"],
         ]:
             with self.subTest(arguments):
                 self.set("unknown")  # stops the call after its arguments were accepted

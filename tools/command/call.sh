@@ -21,6 +21,30 @@ check_no_arguments() {
     [ $# -le 1 ] || fail "$1 accepts no arguments, but was given \"$2\""
 }
 
+# check_bench_call [FILTER] [--json FILE]
+check_bench_call() {
+    local file filter=''
+    while [ $# -gt 0 ]; do
+        case $1 in
+        --json=?*) file=${1#*=} ;;
+        --json)
+            [ $# -gt 1 ] || fail "--json needs the name of a file"
+            file=$2
+            shift
+            ;;
+        -*) fail "unknown option \"$1\" of bench" ;;
+        *)
+            [ -z "$filter" ] || fail "bench accepts at most one filter"
+            filter=$1
+            ;;
+        esac
+        shift
+    done
+    if [ -n "${file:-}" ]; then
+        [ -d "$(dirname -- "$file")" ] || fail "--json: the folder of $file does not exist"
+    fi
+}
+
 # check_program_call COMMAND [ARGUMENT...]: ends with status 2 if the program would refuse the call, and prints the help
 # if the call asks for it.
 check_program_call() {

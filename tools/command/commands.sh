@@ -7,7 +7,8 @@ Usage: ./vantrel COMMAND [...]
   run [options] SCRIPT...   run scripts one after another in one process ("./vantrel run --help" lists the options)
   view [FILE...]            open the viewer
   test [FILTER]             run all tests, or those whose names match FILTER, on every offered Python
-  bench                     run the benchmarks
+  bench [FILTER]            run all benchmarks, or the tasks whose names contain FILTER; with "--json FILE", write the
+                            figures to a file, too
   fuzz SECONDS              feed random data to the image functions for that long, with the sanitizers
   soak [COUNT]              stop scripts of each kind at random moments, COUNT times (200)
   pictures                  make the pictures of the documentation again
@@ -43,9 +44,9 @@ run_command() {
         run_tests "$@"
         ;;
     bench)
-        check_no_arguments bench "$@"
+        check_bench_call "$@"
         make_everything "${bench_packages[@]}"
-        exec "$root/bench/run" "$build"
+        exec "$root/bench/run" "$build" "$@"
         ;;
     fuzz) run_fuzzer "$@" ;;
     soak) run_soak "$@" ;;

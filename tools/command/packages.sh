@@ -6,7 +6,7 @@ compiler_packages=(
 )
 python_packages=(python3-dev python3-numpy) # the distribution's Python
 test_packages=(
-    libgtest-dev libgmock-dev libbenchmark-dev dpkg-dev file mypy python3 python3-numpy
+    libgtest-dev libgmock-dev dpkg-dev file mypy python3 python3-numpy
     lintian desktop-file-utils groff-base xvfb openbox xdotool
 )
 picture_packages=(xvfb xauth imagemagick)
