@@ -4,6 +4,9 @@ import os
 import tempfile
 import time
 
+import cv2
+import numpy
+
 import vantrel
 
 from pairs import group, report, wanted
@@ -52,33 +55,48 @@ def latency(camera):
            [delays[len(delays) // 2] * rate], delays[len(delays) // 2], 1 / rate)
 
 
-def recording(camera, folder):
-    """Record the frames of the highest rate. Frames that come while one is written wait."""
-    camera.set_framerate(camera.get_framerate_maximum())
-    view = camera.start_acquisition()
-    vantrel.wait_for_next_frame(5.0, view)
-    if not vantrel.record_video_to_file(os.path.join(folder, "frames.avi"), view):
-        raise SystemExit("the recording did not start")
+def frames_at_the_highest_rate(view):
+    """Wait for the frames of a few seconds. Returns the seconds and the processor time of each."""
     taken = 0
-    begin = time.perf_counter()
-    before = time.process_time()
+    begin, before = time.perf_counter(), time.process_time()
     while time.perf_counter() - begin < SECONDS:
         vantrel.wait_for_next_frame(5.0, view)
         taken += 1
-    passed = time.perf_counter() - begin
-    worked = time.process_time() - before
+    return (time.perf_counter() - begin) / taken, (time.process_time() - before) / taken
+
+
+def recording(camera, folder):
+    """Record the frames of the highest rate, beside OpenCV writing frames of the same camera."""
+    camera.set_framerate(camera.get_framerate_maximum())
+    view = camera.start_acquisition()
+    vantrel.wait_for_next_frame(5.0, view)
+    _, without = frames_at_the_highest_rate(view)
+    if not vantrel.record_video_to_file(os.path.join(folder, "frames.avi"), view):
+        raise SystemExit("the recording did not start")
+    seconds, processor = frames_at_the_highest_rate(view)
     vantrel.stop_video_recording(view)
     camera.stop_acquisition()
     period = 1 / camera.get_framerate()
-    report("recording 640 x 480 x 3", "the period of %g frames/s" % camera.get_framerate(), 1.01,
-           [passed / taken / period], passed / taken, period)
-    report("processor time of a recorded frame", "the period", None, [worked / taken / period], worked / taken, period)
+    report("recording 640 x 480 x 3", "the period of %g frames/s" % camera.get_framerate(), 1.01, [seconds / period],
+           seconds, period)
+
+    picture = numpy.ascontiguousarray(vantrel.get_view_image(view))
+    if picture.shape != (480, 640, 3):
+        picture = numpy.ascontiguousarray(picture.transpose(1, 0, 2))
+    writer = cv2.VideoWriter(os.path.join(folder, "peer.avi"), cv2.VideoWriter_fourcc(*"MJPG"), 120, (640, 480))
+    before = time.process_time()
+    for _ in range(100):
+        writer.write(picture)
+    peer = (time.process_time() - before) / 100
+    writer.release()
+    report("processor time that recording adds to a frame", "cv2.VideoWriter.write", 1.2,
+           [(processor - without) / peer], processor - without, peer)
 
 
 def main():
     group("Cameras")
     tasks = ("taking and measuring", "copying and measuring", "from frame due to script", "recording",
-             "processor time of a recorded frame")
+             "processor time that recording adds to a frame")
     if not any(wanted(task) for task in tasks):
         return
     camera = vantrel.Camera()
