@@ -27,7 +27,8 @@ void addLines(QCustomPlot& plot, const CxGraphData& graph)
 {
     for (const CxGraphData::CxSeries& series : graph.series) {
         auto* line = new GraphLine(plot.xAxis, plot.yAxis); // owned by the plot
-        line->data()->set(fx_graph_plottablePoints(series.points), false);
+        const QList<QCPGraphData> points = fx_graph_plottablePoints(series.points);
+        line->data()->set(points, fx_graph_isInOrder(points));
         line->setPen(
             QPen(QBrush(series.lineColor, Qt::SolidPattern), 2.0, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin));
     }

@@ -74,11 +74,20 @@ QList<QCPGraphData> fx_graph_plottablePoints(const QList<QPointF>& points)
 {
     QList<QCPGraphData> entries;
     entries.reserve(points.size());
+    QCPGraphData entry;
     for (const QPointF& point : points) {
-        if (fitsOnAxis(point.x()))
-            entries.append(QCPGraphData(point.x(), fitsOnAxis(point.y()) ? point.y() : gap));
+        entry.key = point.x();
+        entry.value = fitsOnAxis(point.y()) ? point.y() : gap;
+        if (fitsOnAxis(entry.key))
+            entries.append(entry);
     }
     return entries;
+}
+
+bool fx_graph_isInOrder(const QList<QCPGraphData>& points)
+{
+    const auto isOutOfOrder = [](const QCPGraphData& a, const QCPGraphData& b) { return !(a.key < b.key); };
+    return std::adjacent_find(points.begin(), points.end(), isOutOfOrder) == points.end();
 }
 
 void fx_graph_makeRoomForEqualValues(QCPAxis& axis, const QCPRange& data)

@@ -11,6 +11,9 @@
 /// x, so the x values must be comparable. A y that does not fit becomes NaN, which the library draws as a gap.
 QList<QCPGraphData> fx_graph_plottablePoints(const QList<QPointF>& points);
 
+/// Whether each point lies on the right of the one before. Such points need not be sorted.
+bool fx_graph_isInOrder(const QList<QCPGraphData>& points);
+
 /// Fits an axis to points that all have the same value there. Does so only if the library's range does not contain the
 /// value: beside a large value the library's margin is lost in rounding.
 void fx_graph_makeRoomForEqualValues(QCPAxis& axis, const QCPRange& data);

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <QtCore/QtGlobal>
+
+#include <vector>
+
+namespace outline {
+
+constexpr qint64 pixelSteps = 256;
+
+struct Point {
+    qint64 x;
+    qint64 y;
+};
+
+/// A straight edge of an outline, in units of 1 / pixelSteps pixel.
+struct Edge {
+    Point from;
+    Point to;
+
+    qint64 dx() const { return to.x - from.x; }
+    qint64 dy() const { return to.y - from.y; }
+};
+
+/// Finds how much of each pixel an outline covers, for a band of some rows, exactly as the toolkit's painter does.
+///
+/// The painter walks along each edge and rounds the places down at which the edge crosses a border of a row, and then
+/// within the row the borders of columns. It sums up the edges' parts in each pixel. These sums of integers do not
+/// depend on the order, and every rounded crossing can be computed without walking there. So this class sums up in
+/// arrays where the painter searches lists, and leaves out the rows that cannot be seen.
+class Band
+{
+public:
+    static constexpr int height = 32; ///< rows
+
+    /// The first column begins at x = 0.
+    explicit Band(int columns);
+
+    /// Adds the part of an edge that lies in the band. The band begins at y = 0. The edge's width and height must not
+    /// exceed 2^31.
+    void add(const Edge& edge);
+
+    /// Columns of which an outline may cover some pixels.
+    struct Run {
+        int begin;
+        int end;
+    };
+
+    /// Finds the coverage from the edges that were added. Then the band is ready for other edges.
+    const std::vector<Run>& finish();
+
+    /// After finish(): the coverage of the pixels in a column of a run, from 0 to 255, the topmost pixel first.
+    const quint8* coverage(int column) const { return m_coverage.data() + firstCell(column); }
+
+private:
+    static std::size_t firstCell(qint64 column) { return std::size_t((column + 1) * height); }
+
+    void addRow(int row, const Edge& part);
+    void addColumns(int row, const Edge& part);
+    void addCell(qint64 column, int row, qint64 rise, qint64 places);
+    void addRun(qint64 fromX, qint64 toX);
+
+    const qint64 m_columns;
+    // Cells are pixels. Those of a column are neighbours, because a crowded line has steep edges. The first column is
+    // for edges on the left of the visible pixels. The sums may overflow for tens of thousands of edges in one pixel;
+    // the painter's do too, and remain equal.
+    std::vector<quint32> m_heights; ///< per cell, the sum of the heights of the edges in it
+    std::vector<quint32> m_areas;   ///< twice the sum of the areas between these edges and the cell's left border
+    std::vector<quint8> m_coverage;
+    std::vector<int> m_moreEdges; ///< per column, how many edges more than in the column before
+    std::vector<Run> m_runs;
+};
+
+} // namespace outline
