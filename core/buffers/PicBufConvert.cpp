@@ -66,15 +66,49 @@ D sameValue(S value)
     }
 }
 
+/// Whether D lacks values of S, both being integers.
+template<typename D, typename S>
+constexpr bool narrows = std::is_integral_v<D>&& std::is_integral_v<S> &&
+                         (std::numeric_limits<D>::digits < std::numeric_limits<S>::digits ||
+                          (std::is_signed_v<S> && std::is_unsigned_v<D>));
+
+/// Whether D has all of these values.
+template<typename D, typename S>
+[[gnu::always_inline]] inline bool allFit(const std::uint8_t* in, std::size_t count)
+{
+    using Bits = std::make_unsigned_t<S>;
+    constexpr int digits = std::min(std::numeric_limits<D>::digits, std::numeric_limits<S>::digits);
+    Bits used = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const S value = loadValue<S>(in, i);
+        // A negative value has its highest bit set, unless D is signed as well: then as many bits as -1 - value.
+        used |= static_cast<Bits>(std::is_signed_v<D> && value < 0 ? ~value : value);
+    }
+    return used >> digits == 0;
+}
+
 template<typename D, typename S>
 void keepValues(const SxPicBuf& src, SxPicBuf& dst)
 {
+    constexpr std::size_t atOnce = 4096 / sizeof(S); // stay in the fastest cache between both loops
     const std::size_t count = src.valuesPerRow();
     for (std::uint32_t y = 0; y < src.height; ++y) {
-        const std::uint8_t* in = src.row(y);
-        std::uint8_t* out = dst.row(y);
-        for (std::size_t i = 0; i < count; ++i)
-            storeValue(out, i, sameValue<D>(loadValue<S>(in, i)));
+        for (std::size_t start = 0; start < count; start += atOnce) {
+            const std::size_t number = std::min(atOnce, count - start);
+            const std::uint8_t* const in = src.row(y) + start * sizeof(S);
+            std::uint8_t* const out = dst.row(y) + start * sizeof(D);
+            inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+                if constexpr (narrows<D, S>) {
+                    if (allFit<D, S>(in, number)) { // as nearly always
+                        for (std::size_t i = 0; i < number; ++i)
+                            storeValue(out, i, static_cast<D>(loadValue<S>(in, i)));
+                        return;
+                    }
+                }
+                for (std::size_t i = 0; i < number; ++i)
+                    storeValue(out, i, sameValue<D>(loadValue<S>(in, i)));
+            });
+        }
     }
 }
 

@@ -57,36 +57,62 @@ std::make_unsigned_t<T> bitsOfValues(const std::uint8_t* values, std::size_t cou
 template<typename T>
 bool hasNegative(const std::uint8_t* row, std::size_t count)
 {
-    if constexpr (std::is_floating_point_v<T>) {
-        int found = 0; // no early exit, so that the loop vectorises
-        for (std::size_t i = 0; i < count; ++i)
-            found |= int(loadValue<T>(row, i) < 0);
-        return found != 0;
-    } else {
-        T bits = 0; // has the sign bit if any value has it
-        for (std::size_t i = 0; i < count; ++i)
-            bits |= loadValue<T>(row, i);
-        return bits < 0;
-    }
+    bool found = false;
+    auto* const result = &found;
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+        // No early exit, so that the loops vectorise.
+        if constexpr (std::is_floating_point_v<T>) {
+            int any = 0;
+            for (std::size_t i = 0; i < count; ++i)
+                any |= int(loadValue<T>(row, i) < 0);
+            *result = any != 0;
+        } else {
+            T bits = 0; // has the sign bit if any value has it
+            for (std::size_t i = 0; i < count; ++i)
+                bits |= loadValue<T>(row, i);
+            *result = bits < 0;
+        }
+    });
+    return found;
 }
 
 template<typename T>
 std::uint64_t maxOfRow(const std::uint8_t* row, std::size_t count)
 {
-    if constexpr (std::is_floating_point_v<T>) {
-        T largest = 0;
-        for (std::size_t i = 0; i < count; ++i) {
-            const T value = std::fabs(loadValue<T>(row, i));
-            largest = value > largest ? value : largest; // this order ignores NaN
+    std::uint64_t found = 0;
+    auto* const result = &found;
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+        if constexpr (std::is_floating_point_v<T>) {
+            T largest = 0;
+            for (std::size_t i = 0; i < count; ++i) {
+                const T value = std::fabs(loadValue<T>(row, i));
+                largest = value > largest ? value : largest; // this order ignores NaN
+            }
+            constexpr T tooLarge = T(18446744073709551616.0); // 2 to the power 64
+            *result =
+                largest >= tooLarge ? std::numeric_limits<std::uint64_t>::max() : static_cast<std::uint64_t>(largest);
+        } else {
+            // The slow comparisons of 64-bit values wait for each other, so four parts of the row take turns.
+            constexpr std::size_t parts = sizeof(T) == 8 ? 4 : 1;
+            const std::size_t length = count / parts;
+            T highest[parts] = {};
+            T lowest[parts] = {};
+            for (std::size_t i = 0; i < length; ++i) {
+                for (std::size_t part = 0; part < parts; ++part) {
+                    const T value = loadValue<T>(row, part * length + i);
+                    highest[part] = std::max(highest[part], value);
+                    lowest[part] = std::min(lowest[part], value);
+                }
+            }
+            for (std::size_t i = parts * length; i < count; ++i) {
+                highest[0] = std::max(highest[0], loadValue<T>(row, i));
+                lowest[0] = std::min(lowest[0], loadValue<T>(row, i));
+            }
+            *result = std::max(magnitude(*std::max_element(highest, highest + parts)),
+                               magnitude(*std::min_element(lowest, lowest + parts)));
         }
-        constexpr T tooLarge = T(18446744073709551616.0); // 2 to the power 64
-        return largest >= tooLarge ? std::numeric_limits<std::uint64_t>::max() : static_cast<std::uint64_t>(largest);
-    } else {
-        std::make_unsigned_t<T> largest = 0;
-        for (std::size_t i = 0; i < count; ++i)
-            largest = std::max(largest, magnitude(loadValue<T>(row, i)));
-        return largest;
-    }
+    });
+    return found;
 }
 
 /// A value whose highest bit is the highest bit of any magnitude in the rows read. Nothing for types other than
@@ -141,8 +167,9 @@ std::uint64_t CxPicBufAPI::DetectMaxAbsValue(const SxPicBuf& buffer)
         return largest;
     const auto type = buffer.dataType == ExImageDataType::Packed565 ? ExImageDataType::UInt16 : buffer.dataType;
     visitNumberType(type, [&]<typename T>(std::type_identity<T>) {
-        for (std::uint32_t y = 0; y < buffer.height; ++y)
-            largest = std::max(largest, maxOfRow<T>(buffer.row(y), buffer.valuesPerRow()));
+        // From the last row on: those are still in the cache if the image was read before, as for narrowing.
+        for (std::uint32_t y = buffer.height; y > 0; --y)
+            largest = std::max(largest, maxOfRow<T>(buffer.row(y - 1), buffer.valuesPerRow()));
     });
     return largest;
 }

@@ -2,6 +2,7 @@
 
 #include "CxPicBufAPI.h"
 
+#include "LargeBlocks.h"
 #include "PicBufChecks.h"
 
 #include <QtCore/QFile>
@@ -10,9 +11,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace {
 constexpr std::uint64_t rowAlignment = 16;
@@ -35,17 +33,18 @@ bool memoryIsAvailable(std::uint64_t bytes)
     return true;
 }
 
-// From this size on, the allocator gets fresh memory from the system.
-constexpr std::uint64_t freshSize = 4U << 20;
-
-// The system supplies fresh memory page by page as it is first written. With small pages this takes longer than writing
-// the pixels.
-void preferLargePages(std::uint8_t* memory, std::uint64_t bytes)
+/// Memory for so many bytes, or null.
+std::uint8_t* allocate(std::uint64_t bytes, std::uint64_t alignment, bool cleared)
 {
-    const auto page = std::uintptr_t(sysconf(_SC_PAGESIZE));
-    const auto begin = (reinterpret_cast<std::uintptr_t>(memory) + page - 1) / page * page;
-    const auto end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) / page * page;
-    madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+    constexpr std::uint64_t pageAlignment = 4096; // every large block has at least this one
+    if (alignment <= pageAlignment && isLargeBlock(bytes))
+        return takeLargeBlock(bytes, cleared);
+    // aligned_alloc needs a size that is a multiple of the alignment.
+    const std::uint64_t rounded = (bytes + alignment - 1) / alignment * alignment;
+    auto* const memory = static_cast<std::uint8_t*>(std::aligned_alloc(alignment, rounded));
+    if (memory && cleared)
+        std::memset(memory, 0, bytes);
+    return memory;
 }
 } // namespace
 
@@ -91,18 +90,13 @@ bool CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, const SxPicBufInfo& info
     if (alignment == 0)
         alignment = defaultAlignment;
     if (bytes > std::uint64_t(std::numeric_limits<std::ptrdiff_t>::max()) - alignment ||
-        !std::has_single_bit(alignment) || !memoryIsAvailable(bytes))
+        !std::has_single_bit(alignment) ||
+        !(memoryIsAvailable(bytes) || (releaseKeptBlocks() && memoryIsAvailable(bytes))))
         return false;
 
-    // aligned_alloc needs a size that is a multiple of the alignment.
-    const std::uint64_t rounded = (bytes + alignment - 1) / alignment * alignment;
-    auto* memory = static_cast<std::uint8_t*>(std::aligned_alloc(alignment, rounded));
+    auto* const memory = allocate(bytes, alignment, !uninitialized);
     if (!memory)
         return false;
-    if (rounded >= freshSize)
-        preferLargePages(memory, rounded);
-    if (!uninitialized)
-        std::memset(memory, 0, bytes);
     buffer.lineStride = std::uint32_t(stride);
     buffer.data = memory;
     return true;
@@ -110,7 +104,8 @@ bool CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, const SxPicBufInfo& info
 
 void CxPicBufAPI::FreePicBuf(SxPicBuf& buffer, bool reset)
 {
-    std::free(buffer.data);
+    if (!giveLargeBlockBack(buffer.data))
+        std::free(buffer.data);
     buffer.data = nullptr;
     if (reset)
         buffer = SxPicBuf();

@@ -1,6 +1,7 @@
 #include "ArrayCopy.h"
 
 #include "ReadableMemory.h"
+#include "RowPadding.h"
 
 #include <algorithm>
 #include <cstring>
@@ -21,11 +22,11 @@ struct Span {
     Wide end;
 };
 
-Span spanOfRows(const ArrayLayout& source, const SxPicBuf& buffer, std::uint32_t firstRow, std::uint32_t rowCount)
+Span spanOf(const ArrayLayout& source, const SxPicBuf& buffer)
 {
-    const Wide first = Wide(source.address) + Wide(firstRow) * source.yStride;
+    const Wide first = source.address;
     const Wide alongX = Wide(buffer.width - 1) * source.xStride;
-    const Wide alongY = Wide(rowCount - 1) * source.yStride;
+    const Wide alongY = Wide(buffer.height - 1) * source.yStride;
     const Wide alongChannels = Wide(buffer.channels - 1) * source.channelStride;
     const Wide none = 0;
     return {first + std::min(alongX, none) + std::min(alongY, none) + std::min(alongChannels, none),
@@ -81,22 +82,112 @@ VANTREL_READS_FOREIGN_MEMORY bool copyRowByValues(const Walk& walk, std::uint32_
     return true;
 }
 
-// For rows within the extent whose values have no gaps within a pixel.
-template<typename T, std::uint32_t Channels>
-void gatherRow(const Walk& walk, std::uint32_t y)
+template<std::size_t Bytes>
+struct Pixel {
+    std::uint8_t bytes[Bytes];
+};
+
+// Pixels on a side of the squares below. A column of bytes fills a cache line, and every square fits into the fastest
+// cache.
+template<std::size_t Bytes>
+constexpr std::uint32_t squareSide = Bytes <= 8 ? 64 : 16;
+
+// The following functions are for pixels that can all be read and whose values have no gaps.
+
+template<std::size_t Bytes>
+VANTREL_READS_FOREIGN_MEMORY void gatherRow(const Walk& walk, std::uint32_t y)
 {
     std::uint64_t from = walk.rowAddress(y);
-    std::uint8_t* to = walk.buffer.row(y);
-    for (std::uint32_t x = 0; x < walk.buffer.width; ++x, to += Channels * sizeof(T)) {
-        std::memcpy(to, reinterpret_cast<const void*>(from), Channels * sizeof(T));
-        from += std::uint64_t(walk.source.xStride);
+    auto* const to = reinterpret_cast<Pixel<Bytes>*>(walk.buffer.row(y));
+    for (std::uint32_t x = 0; x < walk.buffer.width; ++x, from += std::uint64_t(walk.source.xStride))
+        to[x] = *reinterpret_cast<const Pixel<Bytes>*>(from);
+}
+
+// Copies columns of an array that stand xStride apart to neighbouring columns of a square.
+template<std::size_t Bytes, std::uint32_t Columns>
+VANTREL_READS_FOREIGN_MEMORY void gatherColumns(const ArrayLayout& source, std::uint64_t from, std::uint32_t rows,
+                                                Pixel<Bytes>* to)
+{
+    const auto xStride = std::uint64_t(source.xStride);
+    const auto yStride = std::uint64_t(source.yStride);
+    for (std::uint32_t y = 0; y < rows; ++y, from += yStride, to += squareSide<Bytes>) {
+#pragma GCC unroll 4
+        for (std::uint32_t x = 0; x < Columns; ++x)
+            to[x] = *reinterpret_cast<const Pixel<Bytes>*>(from + x * xStride);
+    }
+}
+
+// Copies the rows from firstRow on, for an array whose neighbours lie below each other. A row of the picture would read
+// a cache line for each pixel, so this collects small squares, column by column.
+template<std::size_t Bytes>
+void gatherSquares(const Walk& walk, std::uint32_t firstRow)
+{
+    constexpr std::uint32_t side = squareSide<Bytes>;
+    constexpr std::uint32_t together = 4; // independent of each other, so that the processor overlaps their loads
+    const ArrayLayout& source = walk.source;
+    const std::uint32_t rows = std::min(side, walk.buffer.height - firstRow);
+    Pixel<Bytes> square[std::size_t(side) * side];
+    for (std::uint32_t firstColumn = 0; firstColumn < walk.buffer.width; firstColumn += side) {
+        const std::uint32_t columns = std::min(side, walk.buffer.width - firstColumn);
+        std::uint64_t from = walk.rowAddress(firstRow) + firstColumn * std::uint64_t(source.xStride);
+        std::uint32_t x = 0;
+        for (; x + together <= columns; x += together, from += together * std::uint64_t(source.xStride))
+            gatherColumns<Bytes, together>(source, from, rows, square + x);
+        for (; x < columns; ++x, from += std::uint64_t(source.xStride))
+            gatherColumns<Bytes, 1>(source, from, rows, square + x);
+        for (std::uint32_t y = 0; y < rows; ++y)
+            std::memcpy(walk.buffer.row(firstRow + y) + std::size_t(firstColumn) * Bytes,
+                        square + std::size_t(y) * side, columns * Bytes);
+    }
+}
+
+template<std::size_t Bytes>
+bool gatherPixels(const Walk& walk)
+{
+    const auto distance = [](std::int64_t stride) { return stride < 0 ? -Wide(stride) : Wide(stride); };
+    const bool byRows = distance(walk.source.xStride) <= distance(walk.source.yStride);
+    for (std::uint32_t y = 0; y < walk.buffer.height; y += byRows ? 1 : squareSide<Bytes>) {
+        if (byRows)
+            gatherRow<Bytes>(walk, y);
+        else
+            gatherSquares<Bytes>(walk, y);
+    }
+    return true;
+}
+
+// Returns false, and copies nothing, if pixels have a size for which there is no loop.
+bool gatherPixelsOf(std::size_t bytes, const Walk& walk)
+{
+    switch (bytes) {
+    case 1:
+        return gatherPixels<1>(walk);
+    case 2:
+        return gatherPixels<2>(walk);
+    case 3:
+        return gatherPixels<3>(walk);
+    case 4:
+        return gatherPixels<4>(walk);
+    case 6:
+        return gatherPixels<6>(walk);
+    case 8:
+        return gatherPixels<8>(walk);
+    case 12:
+        return gatherPixels<12>(walk);
+    case 16:
+        return gatherPixels<16>(walk);
+    case 24:
+        return gatherPixels<24>(walk);
+    case 32:
+        return gatherPixels<32>(walk);
+    default:
+        return false;
     }
 }
 
 // True if the walk can read everything that it may reach. One check is quicker than a check of every value.
 bool canReadAll(const Walk& walk, MemoryProbe& probe)
 {
-    const Span span = spanOfRows(walk.source, walk.buffer, 0, walk.buffer.height);
+    const Span span = spanOf(walk.source, walk.buffer);
     constexpr Wide quicklyAsked = Wide(1) << 32; // 4 GB
     return isWithin(span, walk.source.extent) ||
            (span.begin >= 0 && span.end - span.begin <= quicklyAsked && span.end <= Wide(UINT64_MAX) &&
@@ -104,12 +195,10 @@ bool canReadAll(const Walk& walk, MemoryProbe& probe)
 }
 
 template<typename T>
-bool copyRowsByValues(const Walk& walk)
+bool copyRowsByValues(const Walk& walk, MemoryProbe* probe)
 {
-    MemoryProbe probe;
-    MemoryProbe* const askedAboutValues = canReadAll(walk, probe) ? nullptr : &probe;
     for (std::uint32_t y = 0; y < walk.buffer.height; ++y) {
-        if (!copyRowByValues<T>(walk, y, askedAboutValues))
+        if (!copyRowByValues<T>(walk, y, probe))
             return false;
     }
     return true;
@@ -127,44 +216,12 @@ void copyDenseRows(const Walk& walk, std::uint64_t rowBytes)
         std::memcpy(walk.buffer.row(y), reinterpret_cast<const void*>(walk.rowAddress(y)), rowBytes);
 }
 
-template<typename T, std::uint32_t Channels>
-void gatherRows(const Walk& walk)
-{
-    for (std::uint32_t y = 0; y < walk.buffer.height; ++y)
-        gatherRow<T, Channels>(walk, y);
-}
-
-template<typename T>
-bool copyRows(const Walk& walk)
-{
-    const ArrayLayout& source = walk.source;
-    const SxPicBuf& buffer = walk.buffer;
-    if (source.channelStride != std::int64_t(sizeof(T)) ||
-        !isWithin(spanOfRows(source, buffer, 0, buffer.height), source.extent))
-        return copyRowsByValues<T>(walk);
-    if (source.xStride == std::int64_t(buffer.channels * sizeof(T)))
-        copyDenseRows(walk, std::uint64_t(buffer.width) * buffer.channels * sizeof(T));
-    else if (buffer.channels == 1)
-        gatherRows<T, 1>(walk);
-    else if (buffer.channels == 3)
-        gatherRows<T, 3>(walk);
-    else
-        return copyRowsByValues<T>(walk);
-    return true;
-}
-
 void clearWhatIsNotWritten(const ArrayLayout& source, SxPicBuf& buffer)
 {
-    const std::uint32_t valueBytes = SxPicBufInfo::bytesPerValue(buffer.dataType);
-    if (source.channelStride != std::int64_t(valueBytes)) {
+    if (source.channelStride == std::int64_t(SxPicBufInfo::bytesPerValue(buffer.dataType)))
+        clearRowPadding(buffer);
+    else
         std::memset(buffer.data, 0, buffer.dataSize());
-        return;
-    }
-    const std::size_t rowBytes = std::size_t(buffer.width) * buffer.channels * valueBytes;
-    if (rowBytes == buffer.lineStride)
-        return;
-    for (std::uint32_t y = 0; y < buffer.height; ++y)
-        std::memset(buffer.row(y) + rowBytes, 0, buffer.lineStride - rowBytes);
 }
 
 template<typename Function>
@@ -199,8 +256,34 @@ ArrayExtent describedExtent(std::uint64_t address, std::span<const std::int64_t>
     return {std::uint64_t(begin), std::uint64_t(end)};
 }
 
+std::optional<SxPicBuf> arrayInPlace(const ArrayLayout& source, const SxPicBuf& buffer)
+{
+    SxPicBuf array = buffer;
+    array.lineStride = std::uint32_t(source.yStride);
+    array.data = reinterpret_cast<std::uint8_t*>(source.address);
+    const bool hasRows = source.channelStride == std::int64_t(SxPicBufInfo::bytesPerValue(buffer.dataType)) &&
+                         source.xStride == std::int64_t(buffer.bytesPerPixel()) &&
+                         source.yStride >= std::int64_t(buffer.rowBytes()) &&
+                         source.yStride <= std::int64_t(std::numeric_limits<std::uint32_t>::max());
+    if (!hasRows || !isWithin(spanOf(source, buffer), source.extent))
+        return std::nullopt;
+    return array;
+}
+
 bool copyArray(const ArrayLayout& source, SxPicBuf& buffer)
 {
     clearWhatIsNotWritten(source, buffer);
-    return forValueSize(buffer.dataType, [&](auto value) { return copyRows<decltype(value)>(Walk{source, buffer}); });
+    const Walk walk{source, buffer};
+    if (arrayInPlace(source, buffer)) {
+        copyDenseRows(walk, buffer.rowBytes());
+        return true;
+    }
+    MemoryProbe probe;
+    const bool canBeRead = canReadAll(walk, probe);
+    const bool hasWholePixels = source.channelStride == std::int64_t(SxPicBufInfo::bytesPerValue(buffer.dataType));
+    if (canBeRead && hasWholePixels && gatherPixelsOf(buffer.bytesPerPixel(), walk))
+        return true;
+    return forValueSize(buffer.dataType, [&](auto value) {
+        return copyRowsByValues<decltype(value)>(walk, canBeRead ? nullptr : &probe);
+    });
 }

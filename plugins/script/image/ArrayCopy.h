@@ -3,6 +3,7 @@
 #include "SxPicBuf.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 /// The addresses [begin, end) that an array claims to cover. Both are 0 if the array is empty or the claim is
@@ -25,6 +26,10 @@ struct ArrayLayout {
 /// same order as the shape. Axes without a stride do not count.
 ArrayExtent describedExtent(std::uint64_t address, std::span<const std::int64_t> shape,
                             std::span<const std::int64_t> strides, std::uint32_t valueBytes);
+
+/// An array as a picture buffer with the geometry of another one, if its memory is laid out as that of a picture and
+/// lies within the extent. The pixels stay the array's and must not be written.
+std::optional<SxPicBuf> arrayInPlace(const ArrayLayout& source, const SxPicBuf& buffer);
 
 /// Fills a whole allocated buffer from an array in memory.
 ///

@@ -10,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <iterator>
+#include <utility>
 
 namespace {
 
@@ -54,36 +55,78 @@ double fullScale(const SxPicBufInfo& info)
     return SxPicBufInfo::isFloating(info.dataType) ? double(info.saturation) : std::ldexp(1.0, int(info.bpc)) - 1.0;
 }
 
-/// Type string of the array interface; null for an unknown type.
-const char* typestr(ExImageDataType type)
+// The host counts one byte per value for None, but the entry for None says 8 bytes. Readers rely on both.
+constexpr std::array<const char*, 12> typeNames = {"|u8", "|i1", "|u1", "|i2", "|u2", "|i4",
+                                                   "|u4", "|i8", "|u8", "|f4", "|f8", "|u2"};
+
+enum Key : std::uint8_t { Shape, Typestr, Data, Strides, Version, KeyCount };
+constexpr std::array<const char*, KeyCount> keyNames = {"shape", "typestr", "data", "strides", "version"};
+
+// The objects that every array interface has in common: made once, because NumPy asks for an interface on each access.
+// They belong to the running interpreter.
+struct InterfaceParts {
+    std::array<PyObject*, KeyCount> keys;
+    std::array<PyObject*, typeNames.size()> typestrs;
+    PyObject* version;
+};
+InterfaceParts interfaceParts{};
+
+template<std::size_t Count>
+bool intern(const std::array<const char*, Count>& texts, std::array<PyObject*, Count>& objects)
 {
-    // The host counts one byte per value for None, but the entry for None says 8 bytes. Readers rely on both.
-    static constexpr std::array<const char*, 12> strings = {"|u8", "|i1", "|u1", "|i2", "|u2", "|i4",
-                                                            "|u4", "|i8", "|u8", "|f4", "|f8", "|u2"};
-    const auto index = std::size_t(type);
-    return index < strings.size() ? strings[index] : nullptr;
+    for (std::size_t i = 0; i < Count; ++i) {
+        objects[i] = PyUnicode_InternFromString(texts[i]);
+        if (!objects[i])
+            return false;
+    }
+    return true;
+}
+
+bool prepareInterface()
+{
+    constexpr long version = 3;
+    interfaceParts.version = PyLong_FromLong(version);
+    return interfaceParts.version && intern(keyNames, interfaceParts.keys) &&
+           intern(typeNames, interfaceParts.typestrs);
+}
+
+template<typename... Integers>
+PyRef tupleOf(Integers... integers)
+{
+    PyRef tuple = PyRef::take(PyTuple_New(sizeof...(integers)));
+    Py_ssize_t position = 0;
+    // SetItem takes the reference over, and a missing item is refused.
+    const auto append = [&](PyObject* item) { return item && PyTuple_SetItem(tuple.get(), position++, item) == 0; };
+    return tuple && (append(number(integers)) && ...) ? std::move(tuple) : PyRef();
 }
 
 PyObject* arrayInterface(const Source& from)
 {
     const SxPicBuf& buffer = *from.buffer;
-    const PyRef data = PyRef::take(
-        Py_BuildValue("(Ki)", static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(buffer.data)), 0));
-    if (!data)
-        return nullptr;
     const int width = int(buffer.width);
     const int height = int(buffer.height);
     const int channels = int(buffer.channels);
     const int pixelBytes = int(buffer.bytesPerPixel());
     const int stride = int(buffer.lineStride);
-    constexpr int version = 3;
+    const bool isFlat = channels <= 1 || buffer.dataType == ExImageDataType::Packed565;
+    const auto type = std::size_t(buffer.dataType);
+
     // x is the first axis and y the second, as the strides show.
-    if (channels <= 1 || buffer.dataType == ExImageDataType::Packed565)
-        return Py_BuildValue("{s:(ii),s:s,s:O,s:(ii),s:i}", "shape", width, height, "typestr", typestr(buffer.dataType),
-                             "data", data.get(), "strides", pixelBytes, stride, "version", version);
-    return Py_BuildValue("{s:(iii),s:s,s:O,s:(iii),s:i}", "shape", width, height, channels, "typestr",
-                         typestr(buffer.dataType), "data", data.get(), "strides", pixelBytes, stride,
-                         pixelBytes / channels, "version", version);
+    const PyRef shape = isFlat ? tupleOf(width, height) : tupleOf(width, height, channels);
+    const PyRef data = tupleOf(std::uint64_t(reinterpret_cast<std::uintptr_t>(buffer.data)), 0);
+    const PyRef strides = isFlat ? tupleOf(pixelBytes, stride) : tupleOf(pixelBytes, stride, pixelBytes / channels);
+    PyRef dictionary = PyRef::take(PyDict_New());
+    if (!shape || !data || !strides || !dictionary)
+        return nullptr;
+    // An unknown type has no string.
+    PyObject* const typestr = type < typeNames.size() ? interfaceParts.typestrs[type] : Py_None;
+    const std::array<PyObject*, KeyCount> values = {shape.get(), typestr, data.get(), strides.get(),
+                                                    interfaceParts.version};
+    for (std::size_t i = 0; i < KeyCount; ++i) {
+        if (PyDict_SetItem(dictionary.get(), interfaceParts.keys[i], values[i]) != 0)
+            return nullptr;
+    }
+    return dictionary.release();
 }
 
 constexpr Attribute attributes[] = {
@@ -179,7 +222,7 @@ bool fx_img_prepareAttributes()
             return false;
     }
     attributeIndex = index.release();
-    return true;
+    return prepareInterface();
 }
 
 PyObject* fx_pyimg_GetAttrO(PyObject* self, PyObject* name)

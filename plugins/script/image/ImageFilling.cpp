@@ -1,5 +1,6 @@
 // Shared by all functions that fill an image from script data.
 
+#include "ArrayCopy.h"
 #include "CxImageData.h"
 #include "ImageMethods.h"
 #include "Narrowing.h"
@@ -28,14 +29,18 @@ static void attach(CxImageData& image, OwnedPicBuf& pixels)
     image.attachPicBuf(&given);
 }
 
-PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf filled)
+PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf filled, const ArrayLayout* array)
 {
     auto image = std::make_unique<CxImageData>();
+    SxPicBuf values = array ? arrayInPlace(*array, filled.buffer).value() : filled.buffer;
     OwnedPicBuf narrowed;
-    if (fx_img_convertToBestBpc(narrowed.buffer, filled.buffer)) {
+    if (fx_img_convertToBestBpc(narrowed.buffer, values)) {
         attach(*image, narrowed);
         filled.free(); // before the object's old image is deleted
     } else {
+        filled.buffer.bpc = values.bpc;
+        if (array)
+            copyArray(*array, filled.buffer);
         attach(*image, filled);
     }
     fx_img_installImage(object, std::move(image));

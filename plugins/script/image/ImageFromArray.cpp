@@ -72,6 +72,9 @@ PyObject* fx_pyimages_CreateFromArrayInterface(TxPyImage& object, PyObject* dict
     }
     if (!isPlausible(layout.extent))
         layout.extent = {};
+    // Values that are narrowed are read where they are: a copy in the wide type would be read once and thrown away.
+    if (arrayInPlace(layout, filled.buffer))
+        return fx_img_installNarrowed(object, std::move(filled), &layout);
     if (!copyArray(layout, filled.buffer))
         return fx_raise("Data in __array_interface__ lies outside readable memory");
     return fx_img_installNarrowed(object, std::move(filled));

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+struct ArrayLayout;
+
 // Methods of vantrel.Image, one file for each subject. FuncImage.cpp holds the method table.
 //
 // An object without a CxImageData is empty. For an empty object each method returns null without an error, except for
@@ -18,8 +20,9 @@ PyObject* fx_pyimg_FromArray(PyObject* self, PyObject* object);
 
 // ---- shared by the functions that fill an image from data: ImageFilling.cpp ----
 
-/// Converts pixels to the smallest data type that fits, and makes them the object's image. Returns None.
-PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf filled);
+/// Converts pixels to the smallest data type that fits, and makes them the object's image. Returns None. With an array,
+/// the pixels are those of arrayInPlace() and not in `filled` yet, which is allocated for them.
+PyObject* fx_img_installNarrowed(TxPyImage& object, OwnedPicBuf filled, const ArrayLayout* array = nullptr);
 
 /// Sizes from a script. They may be negative or enormous; such sizes never fit a buffer.
 struct ImageSize {

@@ -1,6 +1,7 @@
 #include "Narrowing.h"
 
 #include "CxPicBufAPI.h"
+#include "RowPadding.h"
 #include "SxPicBuf.h"
 
 namespace {
@@ -100,12 +101,14 @@ bool fx_img_convertToBestBpc(SxPicBuf& out, SxPicBuf& in)
     if (target.dataType == in.dataType)
         return false;
     target.lineStride = 0;
-    if (!CxPicBufAPI::AllocPicBufFromHeap(out, target, false, 0))
+    // The conversion writes every pixel, so only the rest needs to be cleared.
+    if (!CxPicBufAPI::AllocPicBufFromHeap(out, target, true, 0))
         return false;
     if (!CxPicBufAPI::ConvertPicToDifBpc(in, out, false)) {
         CxPicBufAPI::FreePicBuf(out, true);
         return false;
     }
+    clearRowPadding(out);
     out.isColor = SxPicBufInfo::isColorArray(out.channels, out.dataType);
     return true;
 }

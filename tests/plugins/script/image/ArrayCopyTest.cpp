@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
 
@@ -162,6 +163,26 @@ TEST(ArrayCopy, FollowsStridesOfEveryKindForEveryType)
     }
 }
 
+// Axes exchanged, in pictures that are not a whole number of the squares that such arrays are copied in.
+TEST(ArrayCopy, FollowsExchangedAxesForEverySizeOfPixel)
+{
+    std::mt19937 random(6);
+    for (const auto type : typesOfEverySize) {
+        const auto size = std::int64_t(SxPicBufInfo::bytesPerValue(type));
+        for (unsigned channels = 1; channels <= 5; ++channels) {
+            const std::int64_t pixel = size * channels;
+            for (const unsigned width : {1U, 3U, 63U, 64U, 66U, 131U}) {
+                const unsigned height = unsigned(between(random, 1, 140));
+                const long side = channels % 2 ? 1 : -1;
+                const std::int64_t column = pixel * height * 2 + between(random, 0, 3);
+                expectAsDefined({type, width, height, channels, 0, {column, pixel * 2, size}}, random);
+                expectAsDefined({type, width, height, channels, 0, {-column, pixel * side, size}}, random);
+                expectAsDefined({type, width, height, channels, 0, {column, 0, size}}, random, 0, 40);
+            }
+        }
+    }
+}
+
 TEST(ArrayCopy, AgreesWithTheDefinitionOnRandomGeometry)
 {
     std::mt19937 random(3);
@@ -293,6 +314,41 @@ TEST(ArrayCopy, RefusesStridesThatLeaveMemory)
         layout.xStride = layout.yStride = layout.channelStride = stride;
         EXPECT_FALSE(copyArray(layout, image.buffer)) << stride;
     }
+}
+
+TEST(ArrayInPlace, IsAPictureOnlyWithRowsOfWholePixelsInTheExtent)
+{
+    alignas(4) std::uint16_t memory[64] = {};
+    PicBufHolder image(5, 3, 2, ExImageDataType::UInt16);
+    ArrayLayout good;
+    good.address = reinterpret_cast<std::uint64_t>(memory);
+    good.xStride = 4;
+    good.yStride = 24;
+    good.channelStride = 2;
+    good.extent = {good.address, good.address + 2 * 24 + 20};
+
+    const std::optional<SxPicBuf> array = arrayInPlace(good, image.buffer);
+    ASSERT_TRUE(array);
+    EXPECT_EQ(array->data, reinterpret_cast<std::uint8_t*>(memory));
+    EXPECT_EQ(array->lineStride, 24U);
+    EXPECT_EQ(array->width, 5U);
+    EXPECT_EQ(array->dataType, ExImageDataType::UInt16);
+
+    const auto refused = [&](auto change) {
+        ArrayLayout layout = good;
+        change(layout);
+        return !arrayInPlace(layout, image.buffer);
+    };
+    EXPECT_TRUE(refused([](ArrayLayout& l) { l.xStride = 6; }));
+    EXPECT_TRUE(refused([](ArrayLayout& l) { l.xStride = -4; }));
+    EXPECT_TRUE(refused([](ArrayLayout& l) { l.channelStride = -2; }));
+    EXPECT_TRUE(refused([](ArrayLayout& l) { l.yStride = 18; }));
+    EXPECT_TRUE(refused([](ArrayLayout& l) { l.yStride = -24; }));
+    EXPECT_TRUE(refused([](ArrayLayout& l) { l.yStride = 0; }));
+    EXPECT_TRUE(refused([](ArrayLayout& l) { l.yStride = (std::int64_t(1) << 32) + 24; }));
+    EXPECT_TRUE(refused([](ArrayLayout& l) { --l.extent.end; }));
+    EXPECT_TRUE(refused([](ArrayLayout& l) { l.extent = {}; }));
+    EXPECT_FALSE(refused([](ArrayLayout& l) { l.yStride = 20; }));
 }
 
 TEST(DescribedExtent, CoversEveryValueInEitherDirection)

@@ -219,6 +219,22 @@ def test_two_strides_leave_the_channels_side_by_side():
     assert rows(made_of(memory)) == [[(0, 1, 2), (6, 7, 8)], [(3, 4, 5), (9, 10, 11)]]
 
 
+def test_arrays_with_gaps_between_their_rows_are_narrowed():
+    numbers = [1, 300, 3, -1, -2, 4, 5, 6, -3, -4]
+    for code in "hiq":
+        size = struct.calcsize("=" + code)
+        made_of([[65535] * 3] * 2)  # leaves its bytes for the next image
+        img = made_of(Memory(code, (2, 3), numbers, strides=(size, 5 * size)))
+        assert (typestr(img), img.bpc, rows(img)) == ("|u2", 10, [[1, 300, 3], [4, 5, 6]]), code
+        line = img.__array_interface__["strides"][1]
+        data = bytes(img)
+        assert data[6:line] == bytes(line - 6) and data[line + 6:] == bytes(line - 6)
+    img = made_of(Memory("d", (2, 3), numbers, strides=(8, 40)))
+    assert (typestr(img), img.bpc, rows(img)) == ("|f4", 4, [[1, 300, 3], [4, 5, 6]])
+    img = made_of(Memory("Q", (2, 3), [abs(number) for number in numbers], strides=(8, 40)))
+    assert (typestr(img), img.bpc, rows(img)) == ("|u2", 9, [[1, 300, 3], [4, 5, 6]])
+
+
 def test_a_third_stride_counts_without_a_third_axis():
     # The written places are as far apart as the channels of the array.
     assert bytes(made_of(Memory("B", (1, 3), [7, 8, 9], strides=(1, 3, 2))))[:6] == b"\7\0\10\0\11\0"
