@@ -3,6 +3,7 @@
 #include "CxPicBufAPI.h"
 
 #include "PicBufChecks.h"
+#include "UnclearedAllocations.h"
 
 #include <QtCore/QFile>
 
@@ -15,6 +16,8 @@
 #include <unistd.h>
 
 namespace {
+thread_local bool callerClears = false;
+
 constexpr std::uint64_t rowAlignment = 16;
 constexpr unsigned long defaultAlignment = 64;
 constexpr std::uint64_t largeSize = std::uint64_t(256) << 20;
@@ -48,6 +51,11 @@ void preferLargePages(std::uint8_t* memory, std::uint64_t bytes)
     madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
 }
 } // namespace
+
+void vantrel_leaveClearingToCaller(bool leave)
+{
+    callerClears = leave;
+}
 
 void CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, unsigned width, unsigned height, unsigned channels,
                                       ExImageDataType dataType, unsigned lineStride, unsigned blackLevel, unsigned bpc,
@@ -101,7 +109,7 @@ bool CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, const SxPicBufInfo& info
         return false;
     if (rounded >= freshSize)
         preferLargePages(memory, rounded);
-    if (!uninitialized)
+    if (!uninitialized && !callerClears)
         std::memset(memory, 0, bytes);
     buffer.lineStride = std::uint32_t(stride);
     buffer.data = memory;
