@@ -152,13 +152,8 @@ T quotient(T value, int divisor)
 template<typename T>
 void divideRow(std::uint8_t* row, std::size_t count, int divisor)
 {
-    if constexpr (std::is_integral_v<T> && sizeof(T) <= 2) {
-        inWidestVectors([row, count, by = SmallDivisor<T>(divisor)]() VANTREL_PIXEL_LOOP {
-            for (std::size_t i = 0; i < count; ++i)
-                storeValue(row, i, by.quotient(loadValue<T>(row, i)));
-        });
-        return;
-    }
+    if constexpr (std::is_integral_v<T> && sizeof(T) <= 2)
+        return divideSmallValues<T>(row, count, divisor);
     if constexpr (std::is_same_v<T, float>) {
         // Rounding the quotient to double and then to float is the same as rounding it to float: double has more than
         // twice the digits.

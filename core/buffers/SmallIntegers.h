@@ -4,6 +4,7 @@
 #include "PixelTypes.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -53,6 +54,78 @@ private:
     float m_reciprocal;
 };
 
+/// The upper half of a product: one vector instruction, unless it is applied to another upper half directly.
+[[gnu::always_inline]] inline std::uint16_t upperHalf(std::uint16_t a, std::uint16_t b)
+{
+    return static_cast<std::uint16_t>(std::uint32_t(a) * b >> 16U);
+}
+
+/// Divides bytes by a divisor from 2 to 511, rounded to the nearest: floor((2 * value + divisor) / (2 * divisor)).
+///
+/// Let d be twice the divisor, k the largest integer with 2 ^ k < d, and m = ceil(2 ^ (16 + k) / d), which fits into 16
+/// bits. Then n * m / 2 ^ (16 + k) exceeds n / d by less than n / 2 ^ (16 + k). That does not reach the next multiple
+/// of 1 / d, since n * d is below 2 ^ (16 + k): n is at most 1021, and d at most 2 ^ (k + 1).
+inline void divideBytes(std::uint8_t* values, std::size_t count, unsigned divisor)
+{
+    const auto k = unsigned(std::bit_width(2 * divisor - 1) - 1);
+    const auto multiplier = static_cast<std::uint16_t>(((1U << (16 + k)) + 2 * divisor - 1) / (2 * divisor));
+    const auto downByK = static_cast<std::uint16_t>(65536U >> k);
+    const auto addend = static_cast<std::uint16_t>(divisor);
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+        constexpr std::size_t together = 1024;
+        std::array<std::uint16_t, together> products;
+        for (std::size_t i = 0; i < count; i += together) {
+            const std::size_t part = std::min(together, count - i);
+            std::uint8_t* const run = values + i;
+            for (std::size_t j = 0; j < part; ++j)
+                products[j] = upperHalf(static_cast<std::uint16_t>(2 * run[j] + addend), multiplier);
+            for (std::size_t j = 0; j < part; ++j)
+                run[j] = static_cast<std::uint8_t>(upperHalf(products[j], downByK));
+        }
+    });
+}
+
+/// Divides 16-bit values by a divisor from 3 to 65535, rounded to the nearest: the integer quotient, plus 1 if the rest
+/// is at least half the divisor.
+///
+/// Let k be the smallest integer with 2 ^ k >= divisor, and m = ceil(2 ^ (16 + k) / divisor), which has 17 bits. As in
+/// divideBytes(), value * m / 2 ^ (16 + k) has the right integer part, since value * divisor is below 2 ^ (16 + k).
+/// `upper` is the upper half of the product with the low 16 bits of m; the mean adds the value for the 17th bit and
+/// divides by 2.
+inline void divideWords(std::uint8_t* values, std::size_t count, unsigned divisor)
+{
+    const auto k = unsigned(std::bit_width(divisor - 1));
+    const auto multiplier = static_cast<std::uint16_t>(((std::uint64_t(1) << (16 + k)) + divisor - 1) / divisor);
+    const auto downByRest = static_cast<std::uint16_t>(65536U >> (k - 1));
+    const auto by = static_cast<std::uint16_t>(divisor);
+    const auto half = static_cast<std::uint16_t>(divisor - divisor / 2);
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto value = loadValue<std::uint16_t>(values, i);
+            const std::uint16_t upper = upperHalf(value, multiplier);
+            const auto halfDifference = static_cast<std::uint16_t>(static_cast<std::uint16_t>(value - upper) >> 1U);
+            const auto mean = static_cast<std::uint16_t>(halfDifference + upper);
+            const std::uint16_t quotient = upperHalf(mean, downByRest);
+            const auto rest = static_cast<std::uint16_t>(value - static_cast<std::uint16_t>(quotient * by));
+            storeValue(values, i, static_cast<std::uint16_t>(quotient + (rest >= half ? 1 : 0)));
+        }
+    });
+}
+
+/// Divides contiguous values, which may start at any address, by any number but 0.
+template<typename T>
+void divideSmallValues(std::uint8_t* values, std::size_t count, int divisor)
+{
+    if (std::is_same_v<T, std::uint8_t> && divisor >= 2 && divisor <= 511)
+        return divideBytes(values, count, unsigned(divisor));
+    if (std::is_same_v<T, std::uint16_t> && divisor >= 3 && divisor <= 65535)
+        return divideWords(values, count, unsigned(divisor));
+    inWidestVectors([values, count, by = SmallDivisor<T>(divisor)]() VANTREL_PIXEL_LOOP {
+        for (std::size_t i = 0; i < count; ++i)
+            storeValue(values, i, by.quotient(loadValue<T>(values, i)));
+    });
+}
+
 // Scaling of unsigned values from one full scale to another: value * highest / full, rounded to the nearest integer.
 // Both full scales are 2 to a power, minus 1. So full is odd, and no result lies half-way between two integers.
 
@@ -74,12 +147,12 @@ inline void scaleToBytes(const std::uint8_t* in, std::uint8_t* out, std::size_t 
     const auto bits = unsigned(std::bit_width(full));
     const auto share = static_cast<std::uint16_t>(256U - (1U << (16 - bits))); // in units of 2 to the power -16
     const auto rounding = static_cast<std::uint16_t>((1U << (bits - 9)) - 1);
-    inWidestVectors([=, top = static_cast<std::uint16_t>(full), shift = bits - 8]() VANTREL_PIXEL_LOOP {
+    const auto downToBytes = static_cast<std::uint16_t>(65536U >> (bits - 8));
+    inWidestVectors([=, top = static_cast<std::uint16_t>(full)]() VANTREL_PIXEL_LOOP {
         for (std::size_t i = 0; i < count; ++i) {
             const std::uint16_t value = std::min(loadValue<std::uint16_t>(in, i), top);
-            const auto less = static_cast<std::uint16_t>(std::uint32_t(value) * share >> 16U);
-            const auto rounded = static_cast<std::uint16_t>(value - less + rounding);
-            storeValue(out, i, static_cast<std::uint8_t>(rounded >> shift));
+            const auto rounded = static_cast<std::uint16_t>(value - upperHalf(value, share) + rounding);
+            out[i] = static_cast<std::uint8_t>(upperHalf(rounded, downToBytes));
         }
     });
 }
