@@ -6,6 +6,7 @@
 #include "PicBufChecks.h"
 #include "PixelLoop.h"
 #include "PixelTypes.h"
+#include "SmallIntegers.h"
 
 #include <algorithm>
 #include <cmath>
@@ -108,6 +109,8 @@ bool combine(const char* name, SxPicBuf& dst, const SxPicBuf& src)
         return true;
     }
     const bool known = visitNumberType(dst.dataType, [&]<typename T>(std::type_identity<T>) {
+        if (isGapless(dst, count) && isGapless(src, count))
+            return combineRow<T, Operation>(dst.data, src.data, count * height, highestOf<T>(dst));
         for (std::uint32_t y = 0; y < height; ++y)
             combineRow<T, Operation>(dst.row(y), src.row(y), count, highestOf<T>(dst));
     });
@@ -149,6 +152,20 @@ T quotient(T value, int divisor)
 template<typename T>
 void divideRow(std::uint8_t* row, std::size_t count, int divisor)
 {
+    if constexpr (std::is_integral_v<T> && sizeof(T) <= 2)
+        return divideSmallValues<T>(row, count, divisor);
+    if constexpr (std::is_same_v<T, float>) {
+        // Rounding the quotient to double and then to float is the same as rounding it to float: double has more than
+        // twice the digits.
+        const auto sameDivisor = static_cast<float>(divisor);
+        if (static_cast<double>(sameDivisor) == divisor) {
+            inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+                for (std::size_t i = 0; i < count; ++i)
+                    storeValue(row, i, loadValue<float>(row, i) / sameDivisor);
+            });
+            return;
+        }
+    }
     inWidestVectors([=]() VANTREL_PIXEL_LOOP {
         for (std::size_t i = 0; i < count; ++i)
             storeValue(row, i, quotient(loadValue<T>(row, i), divisor));
@@ -188,6 +205,8 @@ bool CxPicBufAPI::DivideByValue(SxPicBuf& buffer, int divisor)
         return true;
     }
     const bool known = visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
+        if (isGapless(buffer, buffer.valuesPerRow()))
+            return divideRow<T>(buffer.data, buffer.valuesPerRow() * buffer.height, divisor);
         for (std::uint32_t y = 0; y < buffer.height; ++y)
             divideRow<T>(buffer.row(y), buffer.valuesPerRow(), divisor);
     });

@@ -35,6 +35,11 @@ bool overlap(const SxPicBuf& a, const SxPicBuf& b)
     return beginA < beginB + sizeB && beginB < beginA + sizeA;
 }
 
+bool isGapless(const SxPicBuf& buffer, std::size_t valuesPerRow)
+{
+    return buffer.lineStride == valuesPerRow * SxPicBufInfo::bytesPerValue(buffer.dataType);
+}
+
 SxPicBuf rectangleOf(const SxPicBuf& buffer, unsigned x, unsigned y, unsigned w, unsigned h)
 {
     SxPicBuf part = buffer;

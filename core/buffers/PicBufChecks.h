@@ -19,6 +19,9 @@ bool isAligned(const SxPicBuf& buffer);
 /// Whether two buffers share memory. Both must have pixels.
 bool overlap(const SxPicBuf& a, const SxPicBuf& b);
 
+/// Whether rows of this many values follow each other without padding, so that they can be treated as one long row.
+bool isGapless(const SxPicBuf& buffer, std::size_t valuesPerRow);
+
 /// A record of the rectangle (x, y, w, h) of a buffer, clipped to the buffer. Shares the buffer's memory; has no pixels
 /// if nothing is left.
 SxPicBuf rectangleOf(const SxPicBuf& buffer, unsigned x, unsigned y, unsigned w, unsigned h);

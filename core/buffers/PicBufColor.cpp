@@ -105,19 +105,30 @@ void toColour(const cv::Mat& pixels, cv::Mat& colour)
     }
 }
 
-/// The values as 8-bit values; full scale becomes 255. Returns src itself if it already holds 8-bit values of full
-/// depth, otherwise a copy that `converted` owns.
-SxPicBuf asBytes(const SxPicBuf& src, OwnedPicBuf& converted)
+bool holdsBytes(const SxPicBufInfo& info)
 {
-    if (src.dataType == ExImageDataType::UInt8 && (src.bpc == 0 || src.bpc >= 8))
-        return src;
+    return info.dataType == ExImageDataType::UInt8 && (info.bpc == 0 || info.bpc >= 8);
+}
+
+/// Converts to colours by way of 8-bit values; full scale becomes 255. Takes a few rows at a time, so that the 8-bit
+/// values stay in the processor's cache.
+void toColourByBytes(const SxPicBuf& src, SxPicBuf& dst)
+{
+    constexpr std::size_t stripValues = 128 * 1024;
     SxPicBufInfo info = src;
     info.dataType = ExImageDataType::UInt8;
     info.bpc = 8;
-    if (!converted.allocate(info))
+    info.height = std::uint32_t(std::clamp<std::size_t>(stripValues / src.valuesPerRow(), 1, src.height));
+    OwnedPicBuf bytes;
+    if (!bytes.allocate(info))
         throw std::bad_alloc();
-    CxPicBufAPI::ConvertPicToDifBpc(src, converted.buffer, true);
-    return converted.buffer;
+    for (std::uint32_t y = 0; y < src.height; y += std::min(info.height, src.height - y)) {
+        const SxPicBuf from = rectangleOf(src, 0, y, src.width, info.height);
+        SxPicBuf strip = rectangleOf(bytes.buffer, 0, 0, src.width, from.height);
+        CxPicBufAPI::ConvertPicToDifBpc(from, strip, true);
+        cv::Mat colour = readMat(rectangleOf(dst, 0, y, src.width, from.height), CV_8U);
+        toColour(readMat(strip, CV_8U), colour);
+    }
 }
 
 } // namespace
@@ -155,10 +166,13 @@ bool CxPicBufAPI::ConvertPicToRGB(const SxPicBuf& src, SxPicBuf& dst)
         return refuse("ConvertPicToRGB", "the source's type is unknown");
     try {
         OwnedPicBuf copied;
-        OwnedPicBuf converted;
-        const cv::Mat pixels = readMat(asBytes(visibleChannels(src, copied), converted), CV_8U);
-        cv::Mat colour = readMat(dst, CV_8U);
-        toColour(pixels, colour);
+        const SxPicBuf visible = visibleChannels(src, copied);
+        if (holdsBytes(visible)) {
+            cv::Mat colour = readMat(dst, CV_8U);
+            toColour(readMat(visible, CV_8U), colour);
+        } else {
+            toColourByBytes(visible, dst);
+        }
         return true;
     } catch (const cv::Exception& error) {
         return refuse("ConvertPicToRGB", error.err.c_str());

@@ -5,6 +5,7 @@
 #include "PicBufChecks.h"
 #include "PixelLoop.h"
 #include "PixelTypes.h"
+#include "SmallIntegers.h"
 
 #include <algorithm>
 #include <bit>
@@ -20,33 +21,29 @@ template<typename S, typename D>
 using Wide = std::conditional_t<(std::is_integral_v<S> && sizeof(S) == 8) || (std::is_integral_v<D> && sizeof(D) == 8),
                                 long double, double>;
 
-/// Rounds to the nearest integer, halves to the even one. The sum has no bits left for a fraction, so the addition
-/// rounds. Unlike std::rint, this vectorises on every processor. For magnitudes below 2 to the power 51.
-double rounded(double value)
+/// Clips a value to the range of D up to a highest one and rounds it to the nearest integer, halves to the even one.
+/// NaN becomes 0.
+template<typename D>
+D toInteger(double value, double highest)
 {
+    static_assert(sizeof(D) <= 4);
+    constexpr double lowest = std::numeric_limits<D>::min();
+    if constexpr (std::is_signed_v<D>)
+        value = value == value ? value : 0;  // NOLINT(misc-redundant-expression): false for not-a-number
+    value = value > lowest ? value : lowest; // also what not-a-number becomes in an unsigned type
+    value = value < highest ? value : highest;
+    // The sum has no bits left for a fraction, so the addition rounds, and the low bits of the sum are the integer.
+    // Unlike std::rint and a conversion, this vectorises on every processor.
     constexpr double shift = 6755399441055744.0; // 1.5 times 2 to the power 52
-    return (value + shift) - shift;
+    return static_cast<D>(std::bit_cast<std::uint64_t>(value + shift));
 }
 
-long double rounded(long double value)
+template<typename D>
+D toInteger(long double value, long double highest)
 {
-    return std::rint(value);
-}
-
-template<typename D, typename W>
-D toInteger(W value, W highest)
-{
-    constexpr auto lowest = static_cast<W>(std::numeric_limits<D>::min());
-    value = value == value ? value : W(0); // NOLINT(misc-redundant-expression): false for not-a-number
-    value = value < lowest ? lowest : value;
-    value = value > highest ? highest : value;
-    return static_cast<D>(rounded(value));
-}
-
-/// The number of bits of a full scale that fits into 32 bits.
-unsigned bitsOf(long double full)
-{
-    return unsigned(std::bit_width(static_cast<std::uint32_t>(full)));
+    constexpr auto lowest = static_cast<long double>(std::numeric_limits<D>::min());
+    value = value == value ? value : 0; // NOLINT(misc-redundant-expression): false for not-a-number
+    return static_cast<D>(std::rint(std::clamp(value, lowest, highest)));
 }
 
 template<typename D, typename S>
@@ -56,7 +53,7 @@ D sameValue(S value)
         return static_cast<D>(value);
     } else if constexpr (std::is_floating_point_v<S>) {
         using W = Wide<S, D>;
-        return toInteger<D, W>(static_cast<W>(value), static_cast<W>(std::numeric_limits<D>::max()));
+        return toInteger<D>(static_cast<W>(value), static_cast<W>(std::numeric_limits<D>::max()));
     } else {
         constexpr D lowest = std::numeric_limits<D>::min();
         constexpr D highest = std::numeric_limits<D>::max();
@@ -88,25 +85,26 @@ template<typename D, typename S>
 }
 
 template<typename D, typename S>
-void keepValues(const SxPicBuf& src, SxPicBuf& dst)
+void keepRow(const std::uint8_t* in, std::uint8_t* out, std::size_t count)
 {
-    constexpr std::size_t atOnce = 4096 / sizeof(S); // stay in the fastest cache between both loops
-    const std::size_t count = src.valuesPerRow();
-    for (std::uint32_t y = 0; y < src.height; ++y) {
+    if constexpr (std::is_same_v<D, S>) {
+        std::memcpy(out, in, count * sizeof(D));
+    } else {
+        constexpr std::size_t atOnce = 4096 / sizeof(S); // stay in the fastest cache between both loops
         for (std::size_t start = 0; start < count; start += atOnce) {
             const std::size_t number = std::min(atOnce, count - start);
-            const std::uint8_t* const in = src.row(y) + start * sizeof(S);
-            std::uint8_t* const out = dst.row(y) + start * sizeof(D);
+            const std::uint8_t* const from = in + start * sizeof(S);
+            std::uint8_t* const to = out + start * sizeof(D);
             inWidestVectors([=]() VANTREL_PIXEL_LOOP {
                 if constexpr (narrows<D, S>) {
-                    if (allFit<D, S>(in, number)) { // as nearly always
+                    if (allFit<D, S>(from, number)) { // as nearly always
                         for (std::size_t i = 0; i < number; ++i)
-                            storeValue(out, i, static_cast<D>(loadValue<S>(in, i)));
+                            storeValue(to, i, static_cast<D>(loadValue<S>(from, i)));
                         return;
                     }
                 }
                 for (std::size_t i = 0; i < number; ++i)
-                    storeValue(out, i, sameValue<D>(loadValue<S>(in, i)));
+                    storeValue(to, i, sameValue<D>(loadValue<S>(from, i)));
             });
         }
     }
@@ -122,42 +120,37 @@ void scaleByFactor(const std::uint8_t* in, std::uint8_t* out, std::size_t count,
             if constexpr (std::is_floating_point_v<D>)
                 storeValue(out, i, static_cast<D>(value));
             else
-                storeValue(out, i, toInteger<D, W>(value, highest));
-        }
-    });
-}
-
-/// Scales unsigned values of up to 16 bits to the same number of bits or fewer: value * highest / full, rounded to the
-/// nearest integer. full is 2 to the power bits, minus 1. It is odd, so there are no halves.
-template<typename D, typename S>
-void scaleDown(const std::uint8_t* in, std::uint8_t* out, std::size_t count, unsigned bits, std::uint32_t highest)
-{
-    const std::uint32_t full = (1U << bits) - 1;
-    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
-        for (std::size_t i = 0; i < count; ++i) {
-            const std::uint32_t value = std::min<std::uint32_t>(loadValue<S>(in, i), full);
-            const std::uint32_t dividend = value * highest + full / 2;
-            storeValue(out, i, static_cast<D>((dividend + (dividend >> bits) + 1) >> bits)); // = dividend / full
+                storeValue(out, i, toInteger<D>(value, highest));
         }
     });
 }
 
 template<typename D, typename S>
-void scaleValues(const SxPicBuf& src, SxPicBuf& dst)
+void scaleRow(const std::uint8_t* in, std::uint8_t* out, std::size_t count, long double full, long double highest)
 {
-    using W = Wide<S, D>;
-    const auto highest = static_cast<W>(dst.fullScale());
-    const auto factor = static_cast<W>(dst.fullScale() / src.fullScale());
-    const std::size_t count = src.valuesPerRow();
-    for (std::uint32_t y = 0; y < src.height; ++y) {
-        if constexpr (std::is_unsigned_v<S> && std::is_unsigned_v<D> && sizeof(S) <= 2 && sizeof(D) <= 2) {
-            if (factor <= 1) {
-                scaleDown<D, S>(src.row(y), dst.row(y), count, bitsOf(src.fullScale()), std::uint32_t(highest));
-                continue;
-            }
-        }
-        scaleByFactor<D, S>(src.row(y), dst.row(y), count, factor, highest);
+    if constexpr (std::is_unsigned_v<S> && std::is_unsigned_v<D> && sizeof(S) <= 2 && sizeof(D) <= 2) {
+        scaleSmallValues<D, S>(in, out, count, std::uint32_t(full), std::uint32_t(highest));
+    } else {
+        using W = Wide<S, D>;
+        scaleByFactor<D, S>(in, out, count, static_cast<W>(highest / full), static_cast<W>(highest));
     }
+}
+
+template<typename D, typename S>
+void convertRows(const SxPicBuf& src, SxPicBuf& dst, bool scale)
+{
+    const auto convert = [scale, full = src.fullScale(),
+                          highest = dst.fullScale()](const std::uint8_t* in, std::uint8_t* out, std::size_t count) {
+        if (scale)
+            scaleRow<D, S>(in, out, count, full, highest);
+        else
+            keepRow<D, S>(in, out, count);
+    };
+    const std::size_t count = src.valuesPerRow();
+    if (isGapless(src, count) && isGapless(dst, count))
+        return convert(src.data, dst.data, count * src.height);
+    for (std::uint32_t y = 0; y < src.height; ++y)
+        convert(src.row(y), dst.row(y), count);
 }
 
 } // namespace
@@ -172,12 +165,8 @@ bool CxPicBufAPI::ConvertPicToDifBpc(const SxPicBuf& src, SxPicBuf& dst, bool sc
         return CopyPicBuf(dst, src, false);
     bool known = false;
     visitNumberType(src.dataType, [&]<typename S>(std::type_identity<S>) {
-        known = visitNumberType(dst.dataType, [&]<typename D>(std::type_identity<D>) {
-            if (scale)
-                scaleValues<D, S>(src, dst);
-            else
-                keepValues<D, S>(src, dst);
-        });
+        known = visitNumberType(dst.dataType,
+                                [&]<typename D>(std::type_identity<D>) { convertRows<D, S>(src, dst, scale); });
     });
     return known || refuse("ConvertPicToDifBpc", "values cannot be converted between these types");
 }

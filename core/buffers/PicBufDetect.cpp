@@ -123,7 +123,7 @@ std::optional<std::uint64_t> bitsInUse(const SxPicBuf& buffer, std::uint32_t row
     visitNumberType(buffer.dataType, [&]<typename T>(std::type_identity<T>) {
         if constexpr (std::is_integral_v<T>) {
             const std::size_t values = buffer.valuesPerRow();
-            const bool gapless = rowStep == 1 && buffer.lineStride == values * sizeof(T);
+            const bool gapless = rowStep == 1 && isGapless(buffer, values);
             const std::uint64_t step = gapless ? buffer.height : rowStep; // without gaps all rows are one run
             std::make_unsigned_t<T> bits = 0;
             for (std::uint64_t y = 0; y < buffer.height && !usesAllBits(bits); y += step)
@@ -178,6 +178,8 @@ bool CxPicBufAPI::CheckPicValidData(const SxPicBuf& buffer)
 {
     if (!hasPixels(buffer))
         return false;
+    if (buffer.bpc >= SxPicBufInfo::bytesPerValue(buffer.dataType) * 8)
+        return true;
     const std::optional<std::uint64_t> bits = bitsInUse(buffer, 1);
     return !bits || std::uint32_t(std::bit_width(*bits)) <= buffer.bpc;
 }

@@ -4,6 +4,7 @@
 
 #include "LargeBlocks.h"
 #include "PicBufChecks.h"
+#include "UnclearedAllocations.h"
 
 #include <QtCore/QFile>
 
@@ -13,6 +14,8 @@
 #include <limits>
 
 namespace {
+thread_local bool callerClears = false;
+
 constexpr std::uint64_t rowAlignment = 16;
 constexpr unsigned long defaultAlignment = 64;
 constexpr std::uint64_t largeSize = std::uint64_t(256) << 20;
@@ -47,6 +50,11 @@ std::uint8_t* allocate(std::uint64_t bytes, std::uint64_t alignment, bool cleare
     return memory;
 }
 } // namespace
+
+void vantrel_leaveClearingToCaller(bool leave)
+{
+    callerClears = leave;
+}
 
 void CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, unsigned width, unsigned height, unsigned channels,
                                       ExImageDataType dataType, unsigned lineStride, unsigned blackLevel, unsigned bpc,
@@ -94,7 +102,7 @@ bool CxPicBufAPI::AllocPicBufFromHeap(SxPicBuf& buffer, const SxPicBufInfo& info
         !(memoryIsAvailable(bytes) || (releaseKeptBlocks() && memoryIsAvailable(bytes))))
         return false;
 
-    auto* const memory = allocate(bytes, alignment, !uninitialized);
+    auto* const memory = allocate(bytes, alignment, !uninitialized && !callerClears);
     if (!memory)
         return false;
     buffer.lineStride = std::uint32_t(stride);

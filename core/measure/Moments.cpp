@@ -7,12 +7,15 @@
 
 namespace {
 
+template<typename T>
+constexpr std::size_t laneCount = 64 / sizeof(T);
+
 /// Independent sums, so that no addition waits for the one before; as many as fill the vector registers.
 template<typename T>
 class Lanes
 {
 public:
-    static constexpr std::size_t count = 64 / sizeof(T);
+    static constexpr std::size_t count = laneCount<T>;
 
     [[gnu::always_inline]] Lanes(MomentSum<T> base, T least, T greatest)
         : m_base(base)
@@ -65,6 +68,50 @@ template<typename T>
     return lanes.combined();
 }
 
+/// The lanes of several columns. As in Lanes, row y belongs to lane y % laneCount.
+template<typename T>
+[[gnu::always_inline]] inline void sumUpColumns(ColumnMoments<T>& moments, const std::uint8_t* first, std::size_t step,
+                                                std::size_t rows)
+{
+    constexpr std::size_t columns = ColumnMoments<T>::columns;
+    struct Lane {
+        std::array<MomentSum<T>, columns> sums = {};
+        std::array<MomentSum<T>, columns> squares = {};
+        std::array<T, columns> least;
+        std::array<T, columns> greatest;
+    };
+    std::array<Lane, laneCount<T>> lanes;
+    for (Lane& lane : lanes) {
+        lane.least = moments.least;
+        lane.greatest = moments.greatest;
+    }
+    const std::array<MomentSum<T>, columns> bases = moments.bases;
+    for (std::size_t y = 0; y < rows; ++y) {
+        Lane& lane = lanes[y % laneCount<T>];
+        const std::uint8_t* const row = first + y * step;
+        for (std::size_t x = 0; x < columns; ++x) {
+            const auto value = loadValue<T>(row, x);
+            const MomentSum<T> difference = static_cast<MomentSum<T>>(value) - bases[x];
+            lane.sums[x] += difference;
+            lane.squares[x] += difference * difference;
+            lane.least[x] = value < lane.least[x] ? value : lane.least[x];
+            lane.greatest[x] = value > lane.greatest[x] ? value : lane.greatest[x];
+        }
+    }
+    moments.sums = {};
+    moments.squares = {};
+    moments.least = lanes[0].least;
+    moments.greatest = lanes[0].greatest;
+    for (const Lane& lane : lanes) {
+        for (std::size_t x = 0; x < columns; ++x) {
+            moments.sums[x] += lane.sums[x];
+            moments.squares[x] += lane.squares[x];
+            moments.least[x] = lane.least[x] < moments.least[x] ? lane.least[x] : moments.least[x];
+            moments.greatest[x] = lane.greatest[x] > moments.greatest[x] ? lane.greatest[x] : moments.greatest[x];
+        }
+    }
+}
+
 } // namespace
 
 template<typename T>
@@ -80,3 +127,13 @@ template Moments<float> momentsOf(const std::uint8_t*, std::size_t, double, floa
 template Moments<double> momentsOf(const std::uint8_t*, std::size_t, double, double, double);
 template Moments<std::int64_t> momentsOf(const std::uint8_t*, std::size_t, long double, std::int64_t, std::int64_t);
 template Moments<std::uint64_t> momentsOf(const std::uint8_t*, std::size_t, long double, std::uint64_t, std::uint64_t);
+
+template<typename T>
+void momentsOfColumns(ColumnMoments<T>& moments, const std::uint8_t* first, std::size_t step, std::size_t rows)
+{
+    ColumnMoments<T>* const result = &moments;
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP { sumUpColumns<T>(*result, first, step, rows); });
+}
+
+template void momentsOfColumns(ColumnMoments<float>&, const std::uint8_t*, std::size_t, std::size_t);
+template void momentsOfColumns(ColumnMoments<double>&, const std::uint8_t*, std::size_t, std::size_t);

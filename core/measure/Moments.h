@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -22,3 +23,20 @@ struct Moments {
 /// is the same on every processor. For float, double and 64-bit integers.
 template<typename T>
 Moments<T> momentsOf(const std::uint8_t* values, std::size_t count, MomentSum<T> base, T least, T greatest);
+
+/// The moments of some neighbouring columns at once: each the same to the last bit as momentsOf() gives for a column.
+template<typename T>
+struct ColumnMoments {
+    static constexpr std::size_t columns = 64 / sizeof(T);
+
+    std::array<MomentSum<T>, columns> bases;
+    std::array<T, columns> least;    ///< the minimum so far, then the minimum
+    std::array<T, columns> greatest; ///< the maximum so far, then the maximum
+    std::array<MomentSum<T>, columns> sums;
+    std::array<MomentSum<T>, columns> squares;
+};
+
+/// Sets the sums of columns whose bases and ends are set. Each row begins `step` bytes after the one before. For float
+/// and double.
+template<typename T>
+void momentsOfColumns(ColumnMoments<T>& moments, const std::uint8_t* first, std::size_t step, std::size_t rows);

@@ -1,6 +1,7 @@
 #include "CxPicBufMeas.h"
 
 #include "CxImageData.h"
+#include "LaneSums.h"
 #include "OwnedPicBuf.h"
 #include "RowChannels.h"
 #include "ValueStatistics.h"
@@ -153,9 +154,29 @@ private:
     QList<quint64> m_bins;
 };
 
+/// The statistics of all channels, without separating the channels.
+template<typename T>
+void measureInterleaved(CxHistoData& result, const SxPicBuf& part, CxHistoData::ExHistoDataFlags flags)
+{
+    InterleavedStatistics<T> statistics(part.channels);
+    const std::size_t count = part.valuesPerRow();
+    if (isGapless(part, count))
+        statistics.add(part.data, count * part.height);
+    else
+        for (std::uint32_t y = 0; y < part.height; ++y)
+            statistics.add(part.row(y), count);
+    for (std::uint32_t c = 0; c < part.channels; ++c)
+        result.stats += pixelStats(statistics.summary(c), blackLevelOf(part, c, flags));
+}
+
 template<typename T>
 void measureChannels(CxHistoData& result, const SxPicBuf& part, CxHistoData::ExHistoDataFlags flags)
 {
+    if constexpr (hasLaneSums<T>) {
+        const bool onlyStatistics = flags.testFlag(CxHistoData::Statistics) && !flags.testFlag(CxHistoData::Histogram);
+        if (onlyStatistics && part.channels <= InterleavedStatistics<T>::mostChannels)
+            return measureInterleaved<T>(result, part, flags);
+    }
     std::vector<ChannelMeasurement<T>> channels;
     for (std::uint32_t c = 0; c < part.channels; ++c)
         channels.emplace_back(part, blackLevelOf(part, c, flags), flags);
@@ -197,23 +218,81 @@ void measureRows(CxProfileData& result, const SxPicBuf& part)
 }
 
 template<typename T>
-void measureColumns(CxProfileData& result, const SxPicBuf& part)
+using ColumnStatistics = std::vector<ValueStatistics<T>>; ///< one for each value of a row
+
+/// Adds columns from one on by copying each into contiguous memory.
+template<typename T>
+void addColumns(ColumnStatistics<T>& statistics, const SxPicBuf& part, std::size_t from)
 {
     // Copies several columns at a time, so that each row is fetched from memory once for all of them.
     constexpr std::size_t together = 64;
-    const std::size_t columns = part.valuesPerRow();
-    std::vector<T> runs(together * part.height);
-    for (std::size_t first = 0; first < columns; first += together) {
-        const std::size_t count = std::min(together, columns - first);
+    std::vector<T> runs(std::min(together, statistics.size() - from) * part.height);
+    for (std::size_t first = from; first < statistics.size(); first += together) {
+        const std::size_t count = std::min(together, statistics.size() - first);
         for (std::uint32_t y = 0; y < part.height; ++y)
             for (std::size_t i = 0; i < count; ++i)
                 runs[i * part.height + y] = loadValue<T>(part.row(y), first + i);
-        for (std::size_t i = 0; i < count; ++i) {
-            ValueStatistics<T> statistics;
-            statistics.add(reinterpret_cast<const std::uint8_t*>(&runs[i * part.height]), part.height);
-            result.stats[qsizetype((first + i) % part.channels)] += pixelStats(statistics.summary(), 0);
+        for (std::size_t i = 0; i < count; ++i)
+            statistics[first + i].add(reinterpret_cast<const std::uint8_t*>(&runs[i * part.height]), part.height);
+    }
+}
+
+/// Adds as many columns as fill whole vectors, without copying them. Returns their number.
+template<typename T>
+std::size_t addColumnLanes(ColumnStatistics<T>& statistics, const SxPicBuf& part)
+{
+    constexpr std::size_t lanes = LaneSums<T>::lanes;
+    const std::size_t columns = statistics.size() - statistics.size() % lanes;
+    for (std::size_t y = 0; y < part.height; y += LaneSums<T>::mostRuns) {
+        const std::size_t rows = std::min(LaneSums<T>::mostRuns, part.height - y);
+        for (std::size_t x = 0; x < columns; x += lanes) {
+            LaneSums<T> sums;
+            sums.add(part.row(std::uint32_t(y)) + x * sizeof(T), part.lineStride, rows);
+            for (std::size_t lane = 0; lane < lanes; ++lane)
+                sums.addTo(statistics[x + lane], lane, rows);
         }
     }
+    return columns;
+}
+
+/// The same for floating values.
+template<typename T>
+std::size_t addColumnMoments(ColumnStatistics<T>& statistics, const SxPicBuf& part)
+{
+    constexpr std::size_t together = ColumnMoments<T>::columns;
+    const std::size_t columns = statistics.size() - statistics.size() % together;
+    constexpr std::size_t block = MergedStatistics<T>::blockSize;
+    for (std::size_t y = 0; y < part.height; y += block) {
+        const std::size_t rows = std::min(block, part.height - y);
+        for (std::size_t x = 0; x < columns; x += together) {
+            const std::uint8_t* const first = part.row(std::uint32_t(y)) + x * sizeof(T);
+            ColumnMoments<T> moments;
+            for (std::size_t i = 0; i < together; ++i) {
+                moments.bases[i] = loadValue<T>(first, i);
+                moments.least[i] = statistics[x + i].least();
+                moments.greatest[i] = statistics[x + i].greatest();
+            }
+            momentsOfColumns<T>(moments, first, part.lineStride, rows);
+            for (std::size_t i = 0; i < together; ++i)
+                statistics[x + i].addBlock({moments.sums[i], moments.squares[i], moments.least[i], moments.greatest[i]},
+                                           moments.bases[i], rows);
+        }
+    }
+    return columns;
+}
+
+template<typename T>
+void measureColumns(CxProfileData& result, const SxPicBuf& part)
+{
+    ColumnStatistics<T> statistics(part.valuesPerRow());
+    std::size_t added = 0;
+    if constexpr (hasLaneSums<T>)
+        added = addColumnLanes<T>(statistics, part);
+    else if constexpr (std::is_floating_point_v<T>)
+        added = addColumnMoments<T>(statistics, part);
+    addColumns<T>(statistics, part, added);
+    for (std::size_t i = 0; i < statistics.size(); ++i)
+        result.stats[qsizetype(i % part.channels)] += pixelStats(statistics[i].summary(), 0);
 }
 
 /// Runs a measurement on the part of an image inside a rectangle. False if there is no such part, or no memory.

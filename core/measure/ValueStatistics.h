@@ -33,6 +33,16 @@ public:
             addBlock(values + i * sizeof(T), std::min(block, count - i));
     }
 
+    /// Adds values of which the sums are known.
+    void merge(std::uint64_t count, std::uint64_t sum, std::uint64_t squares, T least, T greatest)
+    {
+        m_count += count;
+        m_sum += sum;
+        m_squares += squares;
+        m_min = std::min(m_min, least);
+        m_max = std::max(m_max, greatest);
+    }
+
     ValueSummary summary() const
     {
         const auto count = static_cast<long double>(m_count);
@@ -96,15 +106,18 @@ private:
 template<typename T>
 class MergedStatistics
 {
+    using W = MomentSum<T>;
+
 public:
+    /// The mean of n values lies within sqrt(n - 1) standard deviations of each of them. In a small block the sums
+    /// around the first value therefore lose few digits.
+    static constexpr std::size_t blockSize = 2048;
+
     /// Adds contiguous values, which may start at any address.
     void add(const std::uint8_t* values, std::size_t count)
     {
-        // The mean of n values lies within sqrt(n - 1) standard deviations of each of them. In a small block the sums
-        // around the first value therefore lose few digits.
-        constexpr std::size_t block = 2048;
-        for (std::size_t i = 0; i < count; i += block)
-            addBlock(values + i * sizeof(T), std::min(block, count - i));
+        for (std::size_t i = 0; i < count; i += blockSize)
+            addBlock(values + i * sizeof(T), std::min(blockSize, count - i));
     }
 
     ValueSummary summary() const
@@ -119,13 +132,9 @@ public:
         return summary;
     }
 
-private:
-    using W = MomentSum<T>;
-
-    void addBlock(const std::uint8_t* values, std::size_t count)
+    /// Adds a block whose moments are known: around the block's first value, from least() and greatest() on.
+    void addBlock(const Moments<T>& moments, W base, std::size_t count)
     {
-        const auto base = static_cast<W>(loadValue<T>(values, 0));
-        const Moments<T> moments = momentsOf<T>(values, count, base, m_min, m_max);
         const W shift = moments.sum / W(count);
         const W mean = base + shift;
         const W squares = moments.squares - moments.sum * shift;
@@ -142,6 +151,16 @@ private:
             m_mean += delta * count / all;
         }
         m_count += count;
+    }
+
+    T least() const { return m_min; }
+    T greatest() const { return m_max; }
+
+private:
+    void addBlock(const std::uint8_t* values, std::size_t count)
+    {
+        const auto base = static_cast<W>(loadValue<T>(values, 0));
+        addBlock(momentsOf<T>(values, count, base, m_min, m_max), base, count);
     }
 
     static constexpr T above()

@@ -202,9 +202,10 @@ static PyObject* fx_pyimg_GetImageDataNumpy(PyObject* self, PyObject* args)
         return PyRef::retain(self).release();
 
     OwnedPicBuf swapped;
-    if (!CxPicBufAPI::AllocPicBufFromHeap(swapped.buffer, *buffer, false, 0))
+    if (!fx_img_allocateResult(swapped, *buffer))
         return fx_raise("Cannot allocate image");
-    CxPicBufAPI::CopyPicBuf(swapped.buffer, *buffer, true);
+    const bool copied = CxPicBufAPI::CopyPicBuf(swapped.buffer, *buffer, true);
+    fx_img_clearAllBut(swapped.buffer, copied ? buffer->width : 0, copied ? buffer->height : 0);
     CxPicBufAPI::SwapRedAndBlue(swapped.buffer);
     auto image = std::make_unique<CxImageData>();
     image->setPicBuf(swapped.buffer);

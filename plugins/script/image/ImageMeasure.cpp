@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -28,6 +29,41 @@ PyObject* statisticsDict(const QString& name, const CxHistoData::CxPixelStats& s
                          "stdev", stats.stdev, "variance", stats.stdev * stats.stdev, "rms", stats.rms, "min",
                          stats.min, "max", stats.max);
 }
+
+/// Makes many dictionaries of one channel. Copying the first of them and setting the numbers takes a fourth of the time
+/// of building each from its keys.
+class StatisticsDicts
+{
+public:
+    explicit StatisticsDicts(const QString& name)
+        : m_name(name)
+    {
+    }
+
+    /// The same as statisticsDict().
+    PyObject* next(const CxHistoData::CxPixelStats& stats)
+    {
+        if (!m_first) {
+            m_first = PyRef::take(statisticsDict(m_name, stats));
+            m_keys = PyRef::take(m_first ? PyDict_Keys(m_first.get()) : nullptr);
+            return m_keys ? PyDict_Copy(m_first.get()) : nullptr;
+        }
+        PyRef dict = PyRef::take(PyDict_Copy(m_first.get()));
+        Py_ssize_t key = 1; // behind the name
+        for (const double number :
+             {stats.mean, stats.stdev, stats.stdev * stats.stdev, stats.rms, stats.min, stats.max}) {
+            const PyRef value = PyRef::take(dict ? PyFloat_FromDouble(number) : nullptr);
+            if (!value || PyDict_SetItem(dict.get(), PyList_GetItem(m_keys.get(), key++), value.get()) < 0)
+                return nullptr;
+        }
+        return dict.release();
+    }
+
+private:
+    QString m_name;
+    PyRef m_first;
+    PyRef m_keys;
+};
 
 /// A new list of the results of makeItem(index). Null with an error set if makeItem() returns null or memory runs out.
 template<typename MakeItem>
@@ -94,10 +130,13 @@ static PyObject* fx_internal_pyimg_MeasureRowColProfilesInRect(PyObject* self, P
     CxProfileData data;
     if (!CxPicBufMeas::measureRowsColumnsProfileStats(rows, data, image, rect.on(*image)))
         return fx_raise("Cannot measure profile data");
+    std::vector<StatisticsDicts> dicts;
+    for (qsizetype channel = 0; channel < data.stats.size(); ++channel)
+        dicts.emplace_back(data.channelNames.value(channel));
     const auto channelsOf = [&](Py_ssize_t profile) {
         return newList(data.stats.size(),
                        [&](Py_ssize_t channel) {
-                           return statisticsDict(data.channelNames.value(channel), data.stats[channel].value(profile));
+                           return dicts[std::size_t(channel)].next(data.stats.at(channel).value(profile));
                        })
             .release();
     };

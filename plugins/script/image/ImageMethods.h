@@ -49,6 +49,13 @@ PyObject* fx_pyimg_DrawPixelRect(PyObject* self, PyObject* args);
 
 // ---- operations: ImageOperations.cpp ----
 
+/// Allocates the pixels of an operation's result. Asks the host for cleared memory, but leaves the clearing to the
+/// caller if the host can do that: fill the pixels, then call fx_img_clearAllBut(). Returns what the host returns.
+bool fx_img_allocateResult(OwnedPicBuf& result, const SxPicBufInfo& info);
+
+/// Clears the memory of a buffer, line padding included, except for the pixels of its top left corner.
+void fx_img_clearAllBut(SxPicBuf& buffer, std::uint32_t width, std::uint32_t height);
+
 PyObject* fx_pyimg_ToRgb(PyObject* self, PyObject* args);
 PyObject* fx_pyimg_ExtractChannel(PyObject* self, PyObject* args);
 PyObject* fx_pyimg_ConvertBpc(PyObject* self, PyObject* args);

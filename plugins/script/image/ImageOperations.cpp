@@ -5,23 +5,39 @@
 #include "ImageMethods.h"
 #include "ScriptModule.h"
 #include "TakeAs.h"
+#include "UnclearedAllocations.h"
 #include "support/HostContext.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
 
+#include <algorithm>
+#include <cstring>
+
 namespace {
 
 constexpr const char* outOfMemory = "cannot allocate new image, out of memory";
 
-// Clears the memory, since not every operation writes every pixel. On failure, returns false with an error set.
+// On failure, returns false with an error set.
 bool allocateResult(OwnedPicBuf& result, SxPicBufInfo info)
 {
     info.lineStride = 0;
-    CxPicBufAPI::AllocPicBufFromHeap(result.buffer, info, false, 0);
+    fx_img_allocateResult(result, info);
     if (!result.buffer.data)
         fx_raise(outOfMemory);
     return result.buffer.data != nullptr;
+}
+
+// Clears what an operation has left as it was: the padding if it has written all pixels, otherwise everything.
+void clearUnfilled(SxPicBuf& result, bool filled)
+{
+    fx_img_clearAllBut(result, filled ? result.width : 0, filled ? result.height : 0);
+}
+
+// How much of a side from a start on lies within a size.
+std::uint32_t within(std::uint32_t size, std::uint32_t start, std::uint32_t side)
+{
+    return start < size ? std::min(side, size - start) : 0;
 }
 
 PyObject* newImage(OwnedPicBuf& result)
@@ -52,6 +68,21 @@ PyObject* onTwoImages(PyObject* self, PyObject* other, Operation operation)
 
 } // namespace
 
+bool fx_img_allocateResult(OwnedPicBuf& result, const SxPicBufInfo& info)
+{
+    const UnclearedAllocations uncleared;
+    return CxPicBufAPI::AllocPicBufFromHeap(result.buffer, info, false, 0);
+}
+
+void fx_img_clearAllBut(SxPicBuf& buffer, std::uint32_t width, std::uint32_t height)
+{
+    const std::size_t used = std::size_t(buffer.bytesPerPixel()) * width;
+    if (used < buffer.lineStride)
+        for (std::uint32_t y = 0; y < height; ++y)
+            std::memset(buffer.row(y) + used, 0, buffer.lineStride - used);
+    std::memset(buffer.row(height), 0, std::size_t(buffer.height - height) * buffer.lineStride);
+}
+
 // ---- new images ----
 
 PyObject* fx_pyimg_ToRgb(PyObject* self, PyObject* /*args*/)
@@ -65,7 +96,7 @@ PyObject* fx_pyimg_ToRgb(PyObject* self, PyObject* /*args*/)
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;
-    CxPicBufAPI::ConvertPicToRGB(*source, result.buffer);
+    clearUnfilled(result.buffer, CxPicBufAPI::ConvertPicToRGB(*source, result.buffer));
     return newImage(result);
 }
 
@@ -85,7 +116,7 @@ PyObject* fx_pyimg_ExtractChannel(PyObject* self, PyObject* args)
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;
-    CxPicBufAPI::ExtractChannel(*source, result.buffer, unsigned(channel));
+    clearUnfilled(result.buffer, CxPicBufAPI::ExtractChannel(*source, result.buffer, unsigned(channel)));
     return newImage(result);
 }
 
@@ -106,7 +137,7 @@ PyObject* fx_pyimg_ConvertBpc(PyObject* self, PyObject* args)
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;
-    CxPicBufAPI::ConvertPicToDifBpc(*source, result.buffer, scale != 0);
+    clearUnfilled(result.buffer, CxPicBufAPI::ConvertPicToDifBpc(*source, result.buffer, scale != 0));
     if (!CxPicBufAPI::CheckPicValidData(result.buffer))
         return fx_raise("new image contained values over max bpc");
     return newImage(result);
@@ -138,7 +169,10 @@ PyObject* fx_pyimg_Crop(PyObject* self, PyObject* args)
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;
-    CxPicBufAPI::CopyRect(result.buffer, 0, 0, *source, unsigned(x), unsigned(y), unsigned(width), unsigned(height));
+    const bool copied =
+        CxPicBufAPI::CopyRect(result.buffer, 0, 0, *source, unsigned(x), unsigned(y), info.width, info.height);
+    fx_img_clearAllBut(result.buffer, copied ? within(source->width, unsigned(x), info.width) : 0,
+                       copied ? within(source->height, unsigned(y), info.height) : 0);
     return newImage(result);
 }
 
@@ -161,9 +195,10 @@ PyObject* fx_pyimg_Resize(PyObject* self, PyObject* args)
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;
-    CxPicBufAPI::ResizeRect(*source, unsigned(x), unsigned(y), width == 0 ? source->width : unsigned(width),
-                            height == 0 ? source->height : unsigned(height), result.buffer, 0, 0, info.width,
-                            info.height);
+    clearUnfilled(result.buffer, CxPicBufAPI::ResizeRect(*source, unsigned(x), unsigned(y),
+                                                         width == 0 ? source->width : unsigned(width),
+                                                         height == 0 ? source->height : unsigned(height), result.buffer,
+                                                         0, 0, info.width, info.height));
     return newImage(result);
 }
 

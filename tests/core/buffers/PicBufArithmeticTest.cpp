@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
+#include <climits>
+
 namespace {
 
 long double highestOf(const SxPicBufInfo& info)
@@ -148,6 +151,94 @@ TEST(PicBufArithmetic, QuotientsAreRoundedAndSaturate)
                     ASSERT_EQ(valueAt(image.record, i, y), clamped(wanted, typeMin(type), typeMax(type))) << value;
                 }
             }
+        }
+    }
+}
+
+/// Divides values of one type in a row and compares each result with the division of whole numbers.
+template<typename T>
+void expectQuotients(ExImageDataType type, const std::vector<T>& values, int divisor)
+{
+    TestPicBuf image({unsigned(values.size()), 1, 1, type});
+    for (std::size_t i = 0; i < values.size(); ++i)
+        image.set(i, 0, values[i]);
+    ASSERT_TRUE(CxPicBufAPI::DivideByValue(image.record, divisor));
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const std::int64_t magnitude = std::abs(std::int64_t(values[i]));
+        const std::int64_t by = std::abs(std::int64_t(divisor));
+        const std::int64_t rounded = (2 * magnitude + by) / (2 * by);
+        const std::int64_t wanted =
+            std::clamp<std::int64_t>((values[i] < 0) != (divisor < 0) ? -rounded : rounded,
+                                     std::numeric_limits<T>::min(), std::numeric_limits<T>::max());
+        ASSERT_EQ(image.get<T>(i, 0), wanted) << typeName(type) << ' ' << values[i] << " / " << divisor;
+    }
+}
+
+template<typename T>
+void expectEveryQuotient(ExImageDataType type, std::initializer_list<int> divisors)
+{
+    std::vector<T> values;
+    for (int value = std::numeric_limits<T>::min(); value <= std::numeric_limits<T>::max(); ++value)
+        values.push_back(T(value));
+    for (const int divisor : divisors)
+        expectQuotients(type, values, divisor);
+}
+
+TEST(PicBufArithmetic, SmallTypesAreDividedExactly)
+{
+    for (int divisor = 1; divisor <= 600; ++divisor) {
+        for (const int by : {divisor, -divisor}) {
+            expectEveryQuotient<std::uint8_t>(ExImageDataType::UInt8, {by});
+            expectEveryQuotient<std::int8_t>(ExImageDataType::Int8, {by});
+        }
+    }
+    const auto divisors = {1,      -1,     2,      3,       -3,      7,       10,       -255,   256,    257,
+                           1000,   32767,  32768,  -32769,  65535,   65536,   131069,   131070, 131071, 131072,
+                           262143, 262144, 262145, 1 << 24, 1 << 30, INT_MAX, -INT_MAX, INT_MIN};
+    expectEveryQuotient<std::uint8_t>(ExImageDataType::UInt8, divisors);
+    expectEveryQuotient<std::int8_t>(ExImageDataType::Int8, divisors);
+    expectEveryQuotient<std::uint16_t>(ExImageDataType::UInt16, divisors);
+    expectEveryQuotient<std::int16_t>(ExImageDataType::Int16, divisors);
+}
+
+TEST(PicBufArithmetic, EveryDivisorOf16BitValuesStepsAtTheRightValues)
+{
+    // Quotients never fall where dividends rise. So they are right everywhere if they are right before and after each
+    // step.
+    for (int divisor = 1; divisor <= 132000; ++divisor) {
+        std::vector<std::uint16_t> values = {0, 65535};
+        std::vector<std::int16_t> signedValues = {0, 32767, -32768};
+        for (int step = divisor - divisor / 2; step <= 65535; step += divisor) {
+            for (const int value : {step - 1, step}) {
+                values.push_back(std::uint16_t(value));
+                if (value <= 32767) {
+                    signedValues.push_back(std::int16_t(value));
+                    signedValues.push_back(std::int16_t(-value));
+                }
+            }
+        }
+        expectQuotients(ExImageDataType::UInt16, values, divisor);
+        expectQuotients(ExImageDataType::Int16, signedValues, divisor % 2 ? divisor : -divisor);
+        if (HasFatalFailure())
+            return;
+    }
+}
+
+TEST(PicBufArithmetic, FloatsAreDividedAsInDoublePrecision)
+{
+    std::mt19937_64 random(4);
+    for (const int divisor :
+         {1, -1, 3, -7, 10, 255, 16777215, 16777216, 16777217, 99999999, 1 << 30, INT_MAX, INT_MIN}) {
+        TestPicBuf image({20011, 1, 1, ExImageDataType::Float, 3});
+        for (std::size_t i = 0; i < image.values(); ++i)
+            image.setBits(i, 0, random()); // also NaN, infinities and denormal values
+        for (std::size_t i = 0; i < 300; ++i)
+            image.setBits(i, 0, i); // zero and the smallest
+        const TestPicBuf before(image);
+        ASSERT_TRUE(CxPicBufAPI::DivideByValue(image.record, divisor));
+        for (std::size_t i = 0; i < image.values(); ++i) {
+            const auto wanted = float(double(before.get<float>(i, 0)) / divisor);
+            ASSERT_EQ(image.get<std::uint32_t>(i, 0), std::bit_cast<std::uint32_t>(wanted)) << i << " by " << divisor;
         }
     }
 }

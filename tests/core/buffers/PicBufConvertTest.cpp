@@ -78,23 +78,56 @@ TEST(PicBufConvert, ScalesFullScaleToFullScale)
     }
 }
 
+/// Scales every value of a source type, also those above full scale.
+void expectExactScaling(ExImageDataType fromType, unsigned fromBits, ExImageDataType toType, unsigned toBits)
+{
+    const unsigned count = 1U << (SxPicBufInfo::bytesPerValue(fromType) * 8);
+    TestPicBuf source({count, 1, 1, fromType, 0, fromBits});
+    TestPicBuf target({count, 1, 1, toType, 0, toBits});
+    for (unsigned i = 0; i < count; ++i)
+        source.setBits(i, 0, i);
+    ASSERT_TRUE(CxPicBufAPI::ConvertPicToDifBpc(source.record, target.record, true));
+    const std::uint64_t from = (1U << fromBits) - 1, to = (1U << toBits) - 1;
+    for (unsigned i = 0; i < count; ++i) {
+        const std::uint64_t wanted = (std::min<std::uint64_t>(i, from) * to * 2 + from) / (2 * from);
+        const unsigned seen =
+            toType == ExImageDataType::UInt8 ? target.get<std::uint8_t>(i, 0) : target.get<std::uint16_t>(i, 0);
+        ASSERT_EQ(seen, wanted) << i << " from " << fromBits << " to " << toBits << " bits of " << typeName(toType);
+    }
+}
+
 TEST(PicBufConvert, ScalesSmallTypesExactly)
 {
-    // Every value, also those above full scale.
-    constexpr unsigned count = 65536;
     for (unsigned fromBits = 1; fromBits <= 16; ++fromBits) {
         for (unsigned toBits = 1; toBits <= 16; ++toBits) {
-            const auto type = toBits <= 8 ? ExImageDataType::UInt8 : ExImageDataType::UInt16;
-            TestPicBuf source({count, 1, 1, ExImageDataType::UInt16, 0, fromBits});
-            TestPicBuf target({count, 1, 1, type, 0, toBits});
-            for (unsigned i = 0; i < count; ++i)
-                source.setBits(i, 0, i);
+            for (const auto from : {ExImageDataType::UInt8, ExImageDataType::UInt16}) {
+                for (const auto to : {ExImageDataType::UInt8, ExImageDataType::UInt16}) {
+                    if (fromBits <= SxPicBufInfo::bytesPerValue(from) * 8 &&
+                        toBits <= SxPicBufInfo::bytesPerValue(to) * 8)
+                        expectExactScaling(from, fromBits, to, toBits);
+                }
+            }
+        }
+    }
+}
+
+TEST(PicBufConvert, FloatsAreScaledInDoublePrecision)
+{
+    std::mt19937_64 random(5);
+    for (const float saturation : {0.0F, 1.0F, 4095.0F, 0.3F}) {
+        for (const unsigned bpc : {1U, 8U, 12U, 16U, 20U, 32U}) {
+            TestPicBuf source({30011, 1, 1, ExImageDataType::Float, 3});
+            source.record.saturation = saturation;
+            const double full = saturation > 0 ? double(saturation) : 1;
+            const double highest = std::ldexp(1.0, int(bpc)) - 1;
+            for (std::size_t i = 0; i < source.values(); ++i) // near halves, within and beyond full scale
+                source.set(i, 0, float((double(random() % 200000) - 50000 + (i % 2 ? 0.5 : 0.0)) * full / highest));
+            TestPicBuf target({30011, 1, 1, SxPicBufInfo::unsignedTypeForBits(bpc), 0, bpc});
             ASSERT_TRUE(CxPicBufAPI::ConvertPicToDifBpc(source.record, target.record, true));
-            const std::uint64_t from = (1U << fromBits) - 1, to = (1U << toBits) - 1;
-            for (unsigned i = 0; i < count; ++i) {
-                const std::uint64_t wanted = (std::min<std::uint64_t>(i, from) * to * 2 + from) / (2 * from);
-                const unsigned seen = toBits <= 8 ? target.get<std::uint8_t>(i, 0) : target.get<std::uint16_t>(i, 0);
-                ASSERT_EQ(seen, wanted) << i << " from " << fromBits << " to " << toBits << " bits";
+            const auto factor = static_cast<double>(static_cast<long double>(highest) / full);
+            for (std::size_t i = 0; i < source.values(); ++i) {
+                const double scaled = std::clamp(double(source.get<float>(i, 0)) * factor, 0.0, highest);
+                ASSERT_EQ(double(valueAt(target.record, i, 0)), std::nearbyint(scaled)) << bpc << ' ' << saturation;
             }
         }
     }

@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <cmath>
+#include <cstring>
 
 namespace {
 
@@ -112,6 +113,75 @@ TEST(PicBufMeas, AgreesWithTheDefinitionForEveryType)
                         expectSame(profile.stats[c][p], slowStats(valuesIn(source.record, line, c)));
                     }
                 }
+            }
+        }
+    }
+}
+
+/// Whether all numbers are the same to the last bit.
+bool sameBits(const CxHistoData::CxPixelStats& a, const CxHistoData::CxPixelStats& b)
+{
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+TEST(PicBufMeas, SmallUnsignedTypesAreMeasuredTheSameWithAndWithoutAHistogram)
+{
+    // The histogram needs separate channels. Without it the channels are measured where they are.
+    std::mt19937_64 random(6);
+    for (const auto type : {ExImageDataType::UInt8, ExImageDataType::UInt16}) {
+        for (unsigned channels = 1; channels <= 5; ++channels) {
+            for (const unsigned width : {1U, 2U, 15U, 16U, 17U, 31U, 33U, 64U, 100U, 301U}) {
+                for (const unsigned padding : {0U, 1U}) {
+                    for (const bool highest : {false, true}) {
+                        TestPicBuf source({width, 283, channels, type, padding});
+                        source.randomise(random);
+                        for (unsigned y = 0; y < source.record.height && highest; ++y)
+                            for (std::size_t i = 0; i < source.values(); ++i)
+                                source.setBits(i, y, ~std::uint64_t(0));
+                        const PaddedImage padded(source);
+                        const QRect all(0, 0, int(width), 283);
+                        const auto plain = measured(padded.image, all);
+                        const auto with = measured(padded.image, all, CxHistoData::Statistics | CxHistoData::Histogram);
+                        ASSERT_EQ(plain.stats.size(), qsizetype(channels));
+                        ASSERT_TRUE(plain.histogram.isEmpty());
+                        for (unsigned c = 0; c < channels; ++c) {
+                            ASSERT_TRUE(sameBits(plain.stats[c], with.stats[c]))
+                                << typeName(type) << ' ' << width << ", channel " << c << " of " << channels;
+                            ASSERT_EQ(plain.stats[c].stdev == 0, highest || width * 283 == 1);
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(PicBufMeas, AColumnAmongOthersIsMeasuredAsOneAlone)
+{
+    std::mt19937_64 random(7);
+    for (const ExImageDataType type : numberTypes()) {
+        for (const unsigned height : {1U, 15U, 16U, 17U, 255U, 256U, 257U, 2047U, 2048U, 2049U, 4500U}) {
+            TestPicBuf source({37, height, 1 + height % 3, type, 3});
+            source.randomise(random);
+            for (unsigned i = 0; i < 200 && isFloating(type); ++i) { // NaN, infinities and denormal values
+                const auto y = unsigned(random() % height);
+                const std::size_t x = random() % (source.values() / 2);
+                if (i % 4 == 0) // zeros of both signs
+                    source.setBits(x, y, i % 8 ? 0 : std::uint64_t(1) << (type == ExImageDataType::Float ? 31U : 63U));
+                else if (i % 50 == 1)
+                    source.setBits(x, y, random());
+            }
+            const PaddedImage padded(source);
+            CxProfileData all;
+            ASSERT_TRUE(
+                CxPicBufMeas::measureRowsColumnsProfileStats(false, all, &padded.image, QRect(0, 0, 37, int(height))));
+            for (int x = 0; x < 37; ++x) {
+                CxProfileData alone;
+                ASSERT_TRUE(CxPicBufMeas::measureRowsColumnsProfileStats(false, alone, &padded.image,
+                                                                         QRect(x, 0, 1, int(height))));
+                for (qsizetype c = 0; c < alone.stats.size(); ++c)
+                    ASSERT_TRUE(sameBits(all.stats[c][x], alone.stats[c][0]))
+                        << typeName(type) << " column " << x << " of height " << height;
             }
         }
     }

@@ -2,7 +2,11 @@
 
 #include "support/ScriptTest.h"
 
+#include <malloc.h>
+
+#include <cstring>
 #include <functional>
+#include <tuple>
 
 namespace {
 
@@ -127,6 +131,59 @@ TEST_P(ImageOperationsRecord, IsTheSourcesButForWhatTheOperationChanges)
 
 INSTANTIATE_TEST_SUITE_P(Of, ImageOperationsRecord, testing::ValuesIn(newImages),
                          [](const auto& row) { return std::string(row.param.name); });
+
+/// While it lives, memory from the allocator is not clear.
+class DirtyMemory
+{
+public:
+    DirtyMemory() { mallopt(M_PERTURB, 0xA5); }
+    ~DirtyMemory() { mallopt(M_PERTURB, 0); }
+};
+
+TEST_F(ImageOperations, LeaveNothingUnclearedThatTheyDoNotFill)
+{
+    const DirtyMemory dirty;
+    const SxPicBuf& pixels = *source->picBuf();
+    std::memset(pixels.data, 0x5A, pixels.dataSize());
+    auto refused = makeImage(pixels);
+    std::memset(refused->picBuf()->data, 0x5A, pixels.dataSize());
+    refused->picBuf()->lineStride = 20; // rows overlap
+    publish("refused", *refused);
+    // The size of the corner that the operation fills.
+    const std::initializer_list<std::tuple<const char*, int, int>> rows = {
+        {"img.to_rgb()", 6, 4},
+        {"img.extract_channel(1)", 6, 4},
+        {"img.convert_bpc(7)", 6, 4},
+        {"img.convert_bpc(16, False)", 6, 4},
+        {"img.crop(1, 1, 3, 2)", 3, 2},
+        {"img.crop(4, 1, 5, 9)", 2, 3},
+        {"img.crop(0, 3, 3, 2)", 3, 1},
+        {"img.crop(6, 0, 3, 2)", 0, 0},
+        {"img.crop(0, 4, 3, 2)", 0, 0},
+        {"img.crop(-1, 0, 3, 2)", 0, 0},
+        {"img.resize(5, 9)", 5, 9},
+        {"img.resize(5, 3, 1, 1, 0, 0)", 5, 3},
+        {"img.resize(5, 9, 6, 0, 1, 1)", 0, 0},
+        {"img.get_image_data_numpy()", 6, 4},
+        {"refused.to_rgb()", 0, 0},
+        {"refused.extract_channel(1)", 0, 0},
+        {"refused.crop(0, 0, 3, 2)", 0, 0},
+        {"refused.resize(3, 2, 0, 0, 0, 0)", 0, 0},
+    };
+    for (const auto& [image, width, height] : rows) {
+        EXPECT_CLEAN_RUN(QStringLiteral("result = %1\n"
+                                        "stride = result.padding_x + result.get_bytes_per_pixel() * result.width\n"
+                                        "data = bytes(result)\n"
+                                        "at = [(i // stride, i % stride) for i, byte in enumerate(data) if byte]\n"
+                                        "used = result.get_bytes_per_pixel() * %2\n"
+                                        "wanted = [(y, i) for y in range(%3) for i in range(used)]\n"
+                                        "assert at == wanted, (at, wanted)")
+                             .arg(QString::fromUtf8(image))
+                             .arg(width)
+                             .arg(height))
+            << image;
+    }
+}
 
 TEST_F(ImageOperations, OnlyACopyKeepsTheMetadata)
 {
