@@ -6,13 +6,12 @@
 #include "ImageFileDepth.h"
 #include "ImageFileFormat.h"
 #include "OwnedPicBuf.h"
-#include "QuietLibraries.h"
 #include "buffers/PicBufMat.h"
+#include "codecs/ImageCodecs.h"
+#include "codecs/QuietLibraries.h"
 #include "storage/FileReading.h"
 
 #include <QtCore/QDebug>
-
-#include <opencv2/imgcodecs.hpp>
 
 #include <limits>
 #include <new>
@@ -20,11 +19,11 @@
 namespace {
 
 /// The pixels of a file; none if it is damaged. messages are what the libraries complain of.
-cv::Mat decode(const QByteArray& file, QByteArray& messages)
+cv::Mat decode(const ImageCodecs& codecs, const QByteArray& file, QByteArray& messages)
 {
     const cv::Mat bytes(1, int(file.size()), CV_8UC1, const_cast<char*>(file.constData()));
     cv::Mat pixels;
-    messages = withoutMessages([&] { pixels = cv::imdecode(bytes, cv::IMREAD_UNCHANGED); });
+    messages = withoutMessages([&] { pixels = codecs.decode(bytes); });
     return pixels;
 }
 
@@ -65,8 +64,12 @@ FileProblem ImageFileReader::read()
         problem = imageFileProblem(bytes);
     if (problem)
         return problem;
+    QString missing;
+    const ImageCodecs* codecs = ImageCodecs::load(missing);
+    if (!codecs)
+        return {FileProblem::MissingCodecs, missing};
     QByteArray messages;
-    const cv::Mat pixels = decode(bytes, messages);
+    const cv::Mat pixels = decode(*codecs, bytes, messages);
     if (pixels.empty())
         return FileProblem::Damaged;
     if (dataTypeOfDepth(pixels.depth()) == ExImageDataType::None)

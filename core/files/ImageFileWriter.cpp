@@ -5,11 +5,12 @@
 #include "ImageFileFormat.h"
 #include "StorablePixels.h"
 #include "buffers/PicBufMat.h"
+#include "codecs/ImageCodecs.h"
 #include "storage/FileReplacement.h"
 
 #include <QtCore/QDebug>
 
-#include <opencv2/imgcodecs.hpp>
+#include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
@@ -55,18 +56,6 @@ std::string encoderName(Format format, int channels)
     default:
         return channels == 1 ? ".pgm" : ".ppm";
     }
-}
-
-std::vector<int> encoderParameters(Format format, const QVariantMap& options)
-{
-    if (format == Format::Jpeg) {
-        const int quality = options.value(QStringLiteral("quality"), 95).toInt();
-        return {cv::IMWRITE_JPEG_QUALITY, std::clamp(quality, 0, 100)};
-    }
-    constexpr int lzw = 5; // explicit, because the default for floating colours is lossy
-    if (format == Format::Tiff)
-        return {cv::IMWRITE_TIFF_COMPRESSION, lzw};
-    return {};
 }
 
 /// True if the values have fewer than 16 bits, and bpc says so correctly.
@@ -121,8 +110,13 @@ FileProblem ImageFileWriter::save(CxImageData* image, const QVariantMap& options
         cv::cvtColor(pixels, opaque, cv::COLOR_BGRA2BGR);
         pixels = opaque;
     }
+    QString missing;
+    const ImageCodecs* codecs = ImageCodecs::load(missing);
+    if (!codecs)
+        return {FileProblem::MissingCodecs, missing};
     std::vector<uchar> encoded;
-    if (!cv::imencode(encoderName(format, pixels.channels()), pixels, encoded, encoderParameters(format, options)))
+    const int quality = std::clamp(options.value(QStringLiteral("quality"), 95).toInt(), 0, 100);
+    if (!codecs->encode(encoderName(format, pixels.channels()), pixels, quality, encoded))
         return {FileProblem::NotEncoded, QStringLiteral("unknown error")};
     const auto bytes =
         QByteArray::fromRawData(reinterpret_cast<const char*>(encoded.data()), qsizetype(encoded.size()));
