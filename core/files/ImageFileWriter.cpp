@@ -3,6 +3,7 @@
 #include "CxImageData.h"
 #include "ImageFileDepth.h"
 #include "ImageFileFormat.h"
+#include "PlainImageFile.h"
 #include "StorablePixels.h"
 #include "buffers/PicBufMat.h"
 #include "codecs/ImageCodecs.h"
@@ -58,6 +59,19 @@ std::string encoderName(Format format, int channels)
     }
 }
 
+/// A record of a matrix's own pixels.
+SxPicBuf pixelsOf(const cv::Mat& mat)
+{
+    SxPicBuf pixels;
+    pixels.width = std::uint32_t(mat.cols);
+    pixels.height = std::uint32_t(mat.rows);
+    pixels.channels = std::uint32_t(mat.channels());
+    pixels.dataType = dataTypeOfDepth(mat.depth());
+    pixels.lineStride = std::uint32_t(mat.step);
+    pixels.data = mat.data;
+    return pixels;
+}
+
 /// True if the values have fewer than 16 bits, and bpc says so correctly.
 bool hasDepthToRecord(const SxPicBuf& pixels)
 {
@@ -110,6 +124,11 @@ FileProblem ImageFileWriter::save(CxImageData* image, const QVariantMap& options
         cv::cvtColor(pixels, opaque, cv::COLOR_BGRA2BGR);
         pixels = opaque;
     }
+    const bool recordsDepth = hasDepthToRecord(storable);
+    const unsigned bits = recordsDepth ? storable.bpc : SxPicBufInfo::bytesPerValue(storable.dataType) * 8;
+    if (isPlainImageFile(format, pixelsOf(pixels)))
+        return writePlainImageFile(m_path, format, pixelsOf(pixels), (1U << bits) - 1);
+
     QString missing;
     const ImageCodecs* codecs = ImageCodecs::load(missing);
     if (!codecs)
@@ -120,5 +139,5 @@ FileProblem ImageFileWriter::save(CxImageData* image, const QVariantMap& options
         return {FileProblem::NotEncoded, QStringLiteral("unknown error")};
     const auto bytes =
         QByteArray::fromRawData(reinterpret_cast<const char*>(encoded.data()), qsizetype(encoded.size()));
-    return replaceFile(m_path, hasDepthToRecord(storable) ? withRecordedDepth(bytes, storable.bpc) : bytes);
+    return replaceFile(m_path, recordsDepth ? withRecordedDepth(bytes, storable.bpc) : bytes);
 }
