@@ -62,7 +62,7 @@ FileProblem pngProblem(const QByteArray& file)
     return FileProblem::Truncated;
 }
 
-FileProblem bmpProblem(const QByteArray& file)
+FileProblem bmpProblem(const QByteArray& file, qsizetype size)
 {
     const ByteReader reader(file, ByteReader::LittleEndian);
     if (!reader.has(0, 26))
@@ -82,10 +82,10 @@ FileProblem bmpProblem(const QByteArray& file)
     const bool runLengths = compression == 1 || compression == 2;
     if (!runLengths && claim.width <= maxSide && claim.height <= maxSide)
         claim.fileBytes = pixels + (claim.width * bits + 31) / 32 * 4 * claim.height;
-    return problemOf(claim, file.size());
+    return problemOf(claim, size);
 }
 
-FileProblem anymapProblem(const QByteArray& file)
+FileProblem anymapProblem(const QByteArray& file, qsizetype size)
 {
     const char kind = file[1];
     const bool bitmap = kind == '1' || kind == '4';
@@ -110,7 +110,7 @@ FileProblem anymapProblem(const QByteArray& file)
         else
             claim.fileBytes = begin + values * (maximum > 255 ? 2 : 1);
     }
-    return problemOf(claim, file.size());
+    return problemOf(claim, size);
 }
 
 /// The end of the entropy-coded data that starts at an offset: the start of the next marker.
@@ -186,7 +186,7 @@ FileProblem tiffProblem(const QByteArray& file)
 
 } // namespace
 
-FileProblem imageFileProblem(const QByteArray& file)
+FileProblem imageFileProblem(const QByteArray& file, qsizetype size)
 {
     if (file.isEmpty())
         return FileProblem::Empty;
@@ -198,9 +198,9 @@ FileProblem imageFileProblem(const QByteArray& file)
     case ImageFileFormat::Tiff:
         return tiffProblem(file);
     case ImageFileFormat::Bmp:
-        return bmpProblem(file);
+        return bmpProblem(file, size);
     case ImageFileFormat::Anymap:
-        return anymapProblem(file);
+        return anymapProblem(file, size);
     case ImageFileFormat::Unknown:
         break;
     }

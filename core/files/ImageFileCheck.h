@@ -9,4 +9,6 @@
 ///
 /// Decoders allocate whatever memory a header claims, and some fill in the missing part of a truncated file; this check
 /// prevents both.
-FileProblem imageFileProblem(const QByteArray& file);
+///
+/// file is the whole file. Of BMP and anymap files the header is enough. size is the length of the whole file in bytes.
+FileProblem imageFileProblem(const QByteArray& file, qsizetype size);

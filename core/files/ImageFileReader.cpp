@@ -6,26 +6,40 @@
 #include "ImageFileDepth.h"
 #include "ImageFileFormat.h"
 #include "OwnedPicBuf.h"
-#include "QuietLibraries.h"
+#include "PlainImageFile.h"
 #include "buffers/PicBufMat.h"
+#include "codecs/ImageCodecs.h"
+#include "codecs/QuietLibraries.h"
 #include "storage/FileReading.h"
 
 #include <QtCore/QDebug>
-
-#include <opencv2/imgcodecs.hpp>
+#include <QtCore/QFile>
 
 #include <limits>
 #include <new>
+#include <optional>
 
 namespace {
 
-/// The pixels of a file; none if it is damaged. messages are what the libraries complain of.
-cv::Mat decode(const QByteArray& file, QByteArray& messages)
+/// What is read of a file before its kind is known. Longer than the headers of files without compression.
+constexpr qint64 headBytes = 4096;
+
+/// Decodes the pixels of a file. messages are what the libraries complain of.
+FileProblem decode(const QByteArray& file, OwnedPicBuf& owned, QByteArray& messages)
 {
+    QString missing;
+    const ImageCodecs* codecs = ImageCodecs::load(missing);
+    if (!codecs)
+        return {FileProblem::MissingCodecs, missing};
     const cv::Mat bytes(1, int(file.size()), CV_8UC1, const_cast<char*>(file.constData()));
     cv::Mat pixels;
-    messages = withoutMessages([&] { pixels = cv::imdecode(bytes, cv::IMREAD_UNCHANGED); });
-    return pixels;
+    messages = withoutMessages([&] { pixels = codecs->decode(bytes); });
+    if (pixels.empty())
+        return FileProblem::Damaged;
+    if (dataTypeOfDepth(pixels.depth()) == ExImageDataType::None)
+        return FileProblem::UnknownPixels;
+    owned = OwnedPicBuf(picBufFromMat(pixels));
+    return owned.buffer.data ? FileProblem() : FileProblem::OutOfMemory;
 }
 
 } // namespace
@@ -59,22 +73,22 @@ QObject* ImageFileReader::frameAt(int index)
 
 FileProblem ImageFileReader::read()
 {
-    QByteArray bytes;
-    FileProblem problem = readWholeFile(m_path, std::numeric_limits<int>::max(), bytes);
+    QFile file;
+    if (FileProblem problem = openRegularFile(m_path, std::numeric_limits<int>::max(), file))
+        return problem;
+    const qint64 size = file.size();
+    QByteArray bytes = file.read(headBytes);
+    const std::optional<PlainImageLayout> plain = plainImageLayout(bytes);
+    FileProblem problem = plain ? FileProblem() : readOn(file, bytes);
     if (!problem)
-        problem = imageFileProblem(bytes);
+        problem = imageFileProblem(bytes, plain ? size : bytes.size());
+    OwnedPicBuf owned;
+    QByteArray messages;
+    if (!problem)
+        problem = plain ? readPlainImageFile(file, *plain, owned) : decode(bytes, owned, messages);
     if (problem)
         return problem;
-    QByteArray messages;
-    const cv::Mat pixels = decode(bytes, messages);
-    if (pixels.empty())
-        return FileProblem::Damaged;
-    if (dataTypeOfDepth(pixels.depth()) == ExImageDataType::None)
-        return FileProblem::UnknownPixels;
-    OwnedPicBuf owned(picBufFromMat(pixels));
     SxPicBuf& buffer = owned.buffer;
-    if (!buffer.data)
-        return FileProblem::OutOfMemory;
     const unsigned recorded = recordedDepth(bytes);
     if (buffer.dataType == ExImageDataType::UInt16 && recorded > 0 && recorded < buffer.bpc) {
         buffer.bpc = recorded;

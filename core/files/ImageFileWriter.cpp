@@ -3,13 +3,15 @@
 #include "CxImageData.h"
 #include "ImageFileDepth.h"
 #include "ImageFileFormat.h"
+#include "PlainImageFile.h"
 #include "StorablePixels.h"
 #include "buffers/PicBufMat.h"
+#include "codecs/ImageCodecs.h"
 #include "storage/FileReplacement.h"
 
 #include <QtCore/QDebug>
 
-#include <opencv2/imgcodecs.hpp>
+#include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
 #include <algorithm>
@@ -57,16 +59,17 @@ std::string encoderName(Format format, int channels)
     }
 }
 
-std::vector<int> encoderParameters(Format format, const QVariantMap& options)
+/// A record of a matrix's own pixels.
+SxPicBuf pixelsOf(const cv::Mat& mat)
 {
-    if (format == Format::Jpeg) {
-        const int quality = options.value(QStringLiteral("quality"), 95).toInt();
-        return {cv::IMWRITE_JPEG_QUALITY, std::clamp(quality, 0, 100)};
-    }
-    constexpr int lzw = 5; // explicit, because the default for floating colours is lossy
-    if (format == Format::Tiff)
-        return {cv::IMWRITE_TIFF_COMPRESSION, lzw};
-    return {};
+    SxPicBuf pixels;
+    pixels.width = std::uint32_t(mat.cols);
+    pixels.height = std::uint32_t(mat.rows);
+    pixels.channels = std::uint32_t(mat.channels());
+    pixels.dataType = dataTypeOfDepth(mat.depth());
+    pixels.lineStride = std::uint32_t(mat.step);
+    pixels.data = mat.data;
+    return pixels;
 }
 
 /// True if the values have fewer than 16 bits, and bpc says so correctly.
@@ -121,10 +124,20 @@ FileProblem ImageFileWriter::save(CxImageData* image, const QVariantMap& options
         cv::cvtColor(pixels, opaque, cv::COLOR_BGRA2BGR);
         pixels = opaque;
     }
+    const bool recordsDepth = hasDepthToRecord(storable);
+    const unsigned bits = recordsDepth ? storable.bpc : SxPicBufInfo::bytesPerValue(storable.dataType) * 8;
+    if (isPlainImageFile(format, pixelsOf(pixels)))
+        return writePlainImageFile(m_path, format, pixelsOf(pixels), (1U << bits) - 1);
+
+    QString missing;
+    const ImageCodecs* codecs = ImageCodecs::load(missing);
+    if (!codecs)
+        return {FileProblem::MissingCodecs, missing};
     std::vector<uchar> encoded;
-    if (!cv::imencode(encoderName(format, pixels.channels()), pixels, encoded, encoderParameters(format, options)))
+    const int quality = std::clamp(options.value(QStringLiteral("quality"), 95).toInt(), 0, 100);
+    if (!codecs->encode(encoderName(format, pixels.channels()), pixels, quality, encoded))
         return {FileProblem::NotEncoded, QStringLiteral("unknown error")};
     const auto bytes =
         QByteArray::fromRawData(reinterpret_cast<const char*>(encoded.data()), qsizetype(encoded.size()));
-    return replaceFile(m_path, hasDepthToRecord(storable) ? withRecordedDepth(bytes, storable.bpc) : bytes);
+    return replaceFile(m_path, recordsDepth ? withRecordedDepth(bytes, storable.bpc) : bytes);
 }

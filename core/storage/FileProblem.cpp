@@ -55,6 +55,8 @@ const char* textOf(FileProblem::Kind kind)
         return "its type is not supported; these are: %1";
     case FileProblem::UnknownPixels:
         return "it has pixel values of an unsupported type";
+    case FileProblem::MissingCodecs:
+        return "the library for image files cannot be loaded: %1";
     case FileProblem::NoPixels:
         return "the image has no pixels";
     case FileProblem::Channels:

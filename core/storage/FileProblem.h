@@ -35,6 +35,7 @@ public:
         NotAnImage,
         UnknownType,
         UnknownPixels,
+        MissingCodecs,
         // an image that is to be saved
         NoPixels,
         Channels,

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <sys/stat.h>
 
-FileProblem readWholeFile(const QString& path, qint64 largest, QByteArray& bytes)
+FileProblem openRegularFile(const QString& path, qint64 largest, QFile& file)
 {
     if (path.isEmpty())
         return FileProblem::EmptyName;
@@ -17,15 +17,27 @@ FileProblem readWholeFile(const QString& path, qint64 largest, QByteArray& bytes
         return FileProblem::Folder;
     if (!S_ISREG(status.st_mode))
         return FileProblem::NotRegular;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    file.setFileName(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered)) {
         if (file.error() == QFileDevice::PermissionsError)
             return FileProblem::Denied;
         return {FileProblem::System, file.errorString()};
     }
     if (file.size() > largest)
         return {FileProblem::LargeFile, QLocale::c().formattedDataSize(largest)};
-    bytes = file.readAll();
+    return {};
+}
+
+FileProblem readWholeFile(const QString& path, qint64 largest, QByteArray& bytes)
+{
+    QFile file;
+    FileProblem problem = openRegularFile(path, largest, file);
+    return problem ? problem : readOn(file, bytes);
+}
+
+FileProblem readOn(QFile& file, QByteArray& bytes)
+{
+    bytes += file.readAll();
     if (file.error() != QFileDevice::NoError)
         return {FileProblem::System, file.errorString()};
     return {};

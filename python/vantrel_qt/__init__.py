@@ -6,9 +6,15 @@ own, and `quit` ends that loop and not the viewer.
 
 These functions are not in `vantrel_viewer`: a stop does not interrupt the functions there, but it must end the loop.
 """
+from __future__ import annotations
+
 import sys
-from importlib.machinery import ModuleSpec, PathFinder
-from typing import Any, List, Optional
+
+import vantrel_imports
+
+TYPE_CHECKING = False  # see vantrel_viewer
+if TYPE_CHECKING:
+    from typing import Any, List, Optional
 
 __all__ = ["watch_imports"]
 
@@ -18,24 +24,8 @@ _TYPES = {"PyQt6.QtCore": "QCoreApplication", "PyQt6.QtGui": "QGuiApplication", 
 
 def watch_imports() -> None:
     """Change the modules of PyQt6 when a script imports them."""
-    sys.meta_path.insert(0, _Finder)
-
-
-class _Finder:
-    @staticmethod
-    def find_spec(name: str, path: Any = None, target: Any = None) -> Optional[ModuleSpec]:
-        found = PathFinder.find_spec(name, path, target) if name in _TYPES else None
-        loader: Any = found.loader if found else None
-        if not loader:
-            return None
-        execute = loader.exec_module
-
-        def exec_module(module: Any) -> None:
-            execute(module)
-            _share(getattr(module, _TYPES[name]))
-
-        loader.exec_module = exec_module
-        return found
+    for module in _TYPES:
+        vantrel_imports.when_imported(module, lambda imported: _share(getattr(imported, _TYPES[imported.__name__])))
 
 
 def _share(kind: Any) -> None:

@@ -1,9 +1,13 @@
 """What the output says when a script fails, or ends itself where the viewer stays."""
-import sys
-from types import TracebackType
-from typing import Optional, Type
+from __future__ import annotations
 
-from . import errors, leaving, nested, signals
+import sys
+
+from . import TYPE_CHECKING, errors, leaving, nested, signals
+
+if TYPE_CHECKING:
+    from types import TracebackType
+    from typing import Optional, Type
 
 __all__ = ["leave", "report"]
 

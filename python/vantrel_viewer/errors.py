@@ -1,11 +1,15 @@
 """Compiles scripts and reports their errors, with the texts of the interpreter's own start of a script file."""
+from __future__ import annotations
+
 import ctypes
 import os
 import sys
-from types import CodeType
-from typing import Any, Dict, Optional
 
-from . import stack
+from . import TYPE_CHECKING, stack
+
+if TYPE_CHECKING:
+    from types import CodeType
+    from typing import Any, Dict, Optional
 
 __all__ = ["execute", "show", "write", "write_exit_text"]
 

@@ -1,10 +1,16 @@
 """The interpreter that belongs to the embedded one, for the programs and processes that a script starts."""
+from __future__ import annotations
+
 import os
 import site
 import sys
-from typing import List
 
 import vantrel_qt
+
+from . import TYPE_CHECKING
+
+if TYPE_CHECKING:
+    from typing import List
 
 __all__ = ["find", "prepare", "use_environment"]
 

@@ -1,13 +1,17 @@
 """The ends of the process that only Python sees: `os._exit`, and the processes that a script forks."""
+from __future__ import annotations
+
 import atexit
 import ctypes
 import io
 import os
 import sys
 import warnings
-from typing import Any, Callable
 
-from . import signals
+from . import TYPE_CHECKING, signals
+
+if TYPE_CHECKING:
+    from typing import Any, Callable
 
 __all__ = ["is_child", "leave_child", "prepare"]
 

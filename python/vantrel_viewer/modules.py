@@ -1,14 +1,21 @@
 """Modules that stand beside a script: from one run to the next, those that have changed on disk are read again."""
+from __future__ import annotations
+
 import os
 import sys
 import time
 from importlib.machinery import SourceFileLoader
 from types import ModuleType
-from typing import Dict, Optional, Set, Tuple
+
+from . import TYPE_CHECKING
+
+if TYPE_CHECKING:
+    from typing import Dict, Optional, Set, Tuple
+
+    _Stamp = Optional[Tuple[int, int]]  # the time of change and the size; None if unknown
 
 __all__ = ["forget_changed", "loader", "remember"]
 
-_Stamp = Optional[Tuple[int, int]]  # the time of change and the size; None if unknown
 _stamps: Dict[str, _Stamp] = {}  # by the name of the module
 _started = 0  # ns since the epoch, when the run started
 

@@ -2,8 +2,14 @@
 
 A stop treats the functions of this file like those of a script: they stand in the middle of the stack.
 """
+from __future__ import annotations
+
 from functools import wraps
-from typing import Any, List
+
+from . import TYPE_CHECKING
+
+if TYPE_CHECKING:
+    from typing import Any, List
 
 __all__ = ["FILE", "current", "forget", "prepare"]
 

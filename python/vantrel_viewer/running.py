@@ -3,12 +3,16 @@
 The viewer gives the plugin one line that calls `run_file`. The functions here stand between that line and the script, so
 they keep themselves out of what the script and its user see: tracebacks, listings of the stack, the recursion limit.
 """
+from __future__ import annotations
+
 import ctypes
 import os
 import sys
-from typing import Any, Dict, List
 
-from . import ends, errors, modules, nested, stack
+from . import TYPE_CHECKING, ends, errors, modules, nested, stack
+
+if TYPE_CHECKING:
+    from typing import Any, Dict, List
 
 __all__ = ["RAN", "FAILED", "INTERRUPTED", "LEFT", "run_file"]
 

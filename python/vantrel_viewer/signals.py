@@ -1,7 +1,13 @@
 """Connects signals of the process with the viewer."""
+from __future__ import annotations
+
+import _signal  # type: ignore[import]  # `signal` builds enumerations, which takes long
 import ctypes
-import signal
-from typing import Any, Dict
+
+from . import TYPE_CHECKING
+
+if TYPE_CHECKING:
+    from typing import Any, Dict
 
 __all__ = ["handle_pulses", "is_raised_again", "name_defaults"]
 
@@ -20,7 +26,7 @@ def handle_pulses(number: int, address: int, again: int) -> None:
     _raise_again = ctypes.PYFUNCTYPE(ctypes.c_bool)(again)
     if number not in _handlers:  # the interpreter may call the object at any time from now on, so it is kept
         _handlers[number] = ctypes.PYFUNCTYPE(None, ctypes.c_int, ctypes.py_object)(address)
-    signal.signal(number, _handlers[number])
+    _signal.signal(number, _handlers[number])
 
 
 def is_raised_again() -> bool:
@@ -35,9 +41,9 @@ def name_defaults() -> None:
     handlers stay until a script replaces them.
     """
     library = ctypes.CDLL(None)
-    for number in signal.valid_signals():
-        if signal.getsignal(number) is None:
+    for number in _signal.valid_signals():
+        if _signal.getsignal(number) is None:
             action = ctypes.create_string_buffer(512)  # more than a struct sigaction
             library.sigaction(int(number), None, action)
-            signal.signal(number, signal.SIG_DFL)
+            _signal.signal(number, _signal.SIG_DFL)
             library.sigaction(int(number), action, None)

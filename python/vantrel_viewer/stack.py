@@ -1,18 +1,24 @@
 """Keeps the viewer's own frames, which stand below those of a script, out of what the script sees."""
+from __future__ import annotations
+
 import functools
 import itertools
 import os
 import sys
-import traceback
-from types import FrameType, TracebackType
-from typing import Any, Iterator, List, Optional, Tuple
 
-from . import nested
+import vantrel_imports
+import vantrel_qt
+
+from . import TYPE_CHECKING, nested
+
+if TYPE_CHECKING:
+    from types import FrameType, TracebackType
+    from typing import Any, Iterator, List, Optional, Tuple
 
 __all__ = ["full_depth", "strip"]
 
 _folder = __file__[: -len("stack.py")]
-_hidden = _folder, os.path.join(os.path.dirname(os.path.dirname(__file__)), "vantrel_qt", "")
+_hidden = (_folder, *(os.path.join(os.path.dirname(str(other.__file__)), "") for other in (vantrel_imports, vantrel_qt)))
 _get_limit, _set_limit = sys.getrecursionlimit, sys.setrecursionlimit
 
 
@@ -88,14 +94,17 @@ def _depth(frame: Optional[FrameType]) -> int:
     return depth
 
 
-_walk = traceback.walk_stack
+def _shorten_listings(traceback: Any) -> None:
+    """Let the module `traceback` list the stack without frames of the viewer."""
+    walk = traceback.walk_stack
+
+    @functools.wraps(walk)
+    def walk_stack(f: Optional[FrameType]) -> Iterator[Tuple[FrameType, int]]:
+        # The interpreter's own function counts the frames between itself and its caller, so none may come in between.
+        entries = itertools.takewhile(lambda entry: not _is_bottom(entry[0]), walk(f))
+        return filter(lambda entry: not _is_own(entry[0]), entries)
+
+    traceback.walk_stack = walk_stack
 
 
-@functools.wraps(_walk)
-def _walk_stack(f: Optional[FrameType]) -> Iterator[Tuple[FrameType, int]]:
-    # The interpreter's own function counts the frames between itself and its caller, so none may come in between.
-    entries = itertools.takewhile(lambda entry: not _is_bottom(entry[0]), _walk(f))
-    return filter(lambda entry: not _is_own(entry[0]), entries)
-
-
-traceback.walk_stack = _walk_stack
+vantrel_imports.when_imported("traceback", _shorten_listings)

@@ -22,8 +22,10 @@ ARROWS = {
     "core/buffers": [],
     "core/cameras": ["core/storage"],
     "core/chain": ["core/buffers"],
-    "core/files": ["core/buffers", "core/storage"],
+    "core/codecs": ["core/modules"],
+    "core/files": ["core/buffers", "core/codecs", "core/storage"],
     "core/measure": ["core/buffers"],
+    "core/modules": [],
     "core/storage": [],
     "cameras": ["cameras/simulated"],
     "cameras/simulated": ["cameras"],
@@ -67,7 +69,8 @@ ARROWS = {
     "viewer/workshop": ["viewer/process"],
     "viewer/cameras": ["cameras", "viewer/views", "viewer/window"],
     "viewer/window": ["cameras", "viewer/process", "viewer/views"],
-    "viewer/views": ["core/buffers", "core/chain", "core/storage", "viewer/process"],
+    "viewer/video": ["core/modules"],
+    "viewer/views": ["core/buffers", "core/chain", "core/storage", "viewer/process", "viewer/video"],
     "viewer/process": [],
 }
 
@@ -75,7 +78,10 @@ ARROWS = {
 LIBRARIES = [
     (r"<Python\.h>", ["plugins/script/support/PythonApi.h"]),
     (r"<qcustomplot\.h>", ["plugins/script/graph/PlotLibrary.h"]),
-    (r"<opencv2/", ["core", "viewer/views"]),
+    # The first two bring hundreds of libraries, so only modules that are loaded on first use may need them.
+    (r"<opencv2/imgcodecs", ["core/codecs/ImageCodecsModule.cpp"]),
+    (r"<opencv2/videoio", ["viewer/video/VideoFileModule.cpp"]),
+    (r"<opencv2/", ["core", "viewer/video", "viewer/views"]),
     (r"<zlib\.h>", ["core/files"]),
     (r"<Qsci/", ["viewer/workshop"]),
     (r"<arv\.h>", ["cameras/genicam"]),

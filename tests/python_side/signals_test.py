@@ -58,14 +58,14 @@ class HandlePulses(unittest.TestCase):
 
 class NameDefaults(unittest.TestCase):
     def test_a_handler_of_the_host_is_named_the_default_and_stays(self):
-        real, set_handlers = signal.getsignal, []
+        real, set_handlers = signals._signal.getsignal, []
 
         def getsignal(number):  # the interpreter tells None for handlers that were there before it
             return None if number == signal.SIGUSR1 and not set_handlers else real(number)
 
         with tempfile.TemporaryFile() as file:
             faulthandler.register(signal.SIGUSR1, file)  # a handler in C
-            with mock.patch("signal.getsignal", getsignal):
+            with mock.patch("_signal.getsignal", getsignal):
                 signals.name_defaults()
                 set_handlers.append(signal.SIGUSR1)
                 self.assertIs(signal.getsignal(signal.SIGUSR1), signal.SIG_DFL)

@@ -12,15 +12,19 @@ class WalkStack(unittest.TestCase):
         def walk(function):
             return [frame.f_code.co_name for frame, _ in function(None)]
 
-        self.assertEqual(walk(traceback.walk_stack), walk(stack._walk))
+        self.assertEqual(walk(traceback.walk_stack), walk(traceback.walk_stack.__wrapped__))
 
     def test_it_looks_like_the_interpreters_own(self):
         self.assertEqual(traceback.walk_stack.__module__, "traceback")
-        self.assertEqual(inspect.signature(traceback.walk_stack), inspect.signature(stack._walk))
+        self.assertEqual(inspect.signature(traceback.walk_stack), inspect.signature(traceback.walk_stack.__wrapped__))
 
     def test_it_stops_at_the_viewers_frames(self):
-        program = ("import traceback\n"
-                   "from vantrel_viewer import stack\n"
+        imports = "import traceback\n", "from vantrel_viewer import stack\n"
+        for order in (imports, imports[::-1]):
+            self.assert_it_stops("".join(order))
+
+    def assert_it_stops(self, imports):
+        program = (imports +
                    "own = compile('script()', stack.__file__, 'exec')\n"
                    "def script():\n"
                    "    print([frame.name for frame in traceback.extract_stack()])\n"

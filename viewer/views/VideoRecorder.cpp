@@ -3,6 +3,7 @@
 #include "DisplayImage.h"
 #include "SxPicBuf.h"
 #include "storage/FileReplacement.h"
+#include "video/VideoFile.h"
 
 #include <QtCore/QDebug>
 #include <QtCore/QElapsedTimer>
@@ -12,7 +13,6 @@
 #include <QtCore/QtEndian>
 
 #include <opencv2/imgproc.hpp>
-#include <opencv2/videoio.hpp>
 
 namespace {
 
@@ -38,7 +38,7 @@ struct VideoRecorder::Recording {
 
     ~Recording()
     {
-        writer.release();
+        video.reset();
         filesUnderWay().remove(claimed);
     }
 
@@ -48,7 +48,7 @@ struct VideoRecorder::Recording {
     double framesPerSecond = 0;
     FileReplacement replacement;
     QString claimed; ///< the file, once no other recorder may write to it
-    cv::VideoWriter writer;
+    std::unique_ptr<VideoFile> video;
     cv::Size size;
     int frames = 0;
     qint64 bytes = 0;      ///< what has reached the disk
@@ -68,17 +68,15 @@ struct VideoRecorder::Recording {
     int dropped = 0;
     QElapsedTimer clock;
 
-    /// Uses OpenCV's own writer, which needs no codec library and behaves the same everywhere.
-    bool open(cv::Size frameSize)
+    /// Returns why the video cannot be written, or an empty text.
+    QString open(cv::Size frameSize)
     {
         size = frameSize;
-        try {
-            return writer.open(QFile::encodeName(replacement.temporaryPath()).toStdString(), cv::CAP_OPENCV_MJPEG,
-                               cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), framesPerSecond, size, true);
-        } catch (const cv::Exception& error) {
-            qCritical().noquote() << "Video:" << error.what();
-            return false;
-        }
+        video.reset(); // before another writer opens the same file
+        QString problem;
+        video = VideoFile::open(QFile::encodeName(replacement.temporaryPath()).toStdString(), framesPerSecond, size,
+                                problem);
+        return problem;
     }
 
     /// True if frames no longer reach the disk. The writer does not say so.
@@ -129,8 +127,8 @@ bool VideoRecorder::start(const QString& path, const SxPicBuf* shown, double fra
         problem = QStringLiteral("the extension must be .avi");
     else
         problem = recording->begin();
-    if (problem.isEmpty() && shown && shown->data && !recording->open(cv::Size(int(shown->width), int(shown->height))))
-        problem = QStringLiteral("the video file cannot be written");
+    if (problem.isEmpty() && shown && shown->data)
+        problem = recording->open(cv::Size(int(shown->width), int(shown->height)));
     if (!problem.isEmpty()) {
         qCritical().noquote() << QStringLiteral("Cannot record to %1: %2").arg(path, problem);
         return false;
@@ -156,17 +154,18 @@ void VideoRecorder::add(const SxPicBuf& image)
         return;
     }
     const cv::Size size(frame.width(), frame.height());
-    if (m_recording->frames == 0 && !(m_recording->writer.isOpened() && size == m_recording->size) &&
-        !m_recording->open(size)) {
-        fail(QStringLiteral("the video file cannot be written"));
-        return;
+    if (m_recording->frames == 0 && !(m_recording->video && size == m_recording->size)) {
+        if (const QString problem = m_recording->open(size); !problem.isEmpty()) {
+            fail(problem);
+            return;
+        }
     }
     try {
         const cv::Mat pixels(size, CV_8UC3, const_cast<uchar*>(frame.constBits()), std::size_t(frame.bytesPerLine()));
         cv::Mat scaled = pixels;
         if (size != m_recording->size)
             cv::resize(pixels, scaled, m_recording->size, 0, 0, cv::INTER_AREA);
-        m_recording->writer.write(scaled);
+        m_recording->video->write(scaled);
         ++m_recording->frames;
     } catch (const cv::Exception& error) {
         fail(QString::fromUtf8(error.what()));
@@ -180,7 +179,7 @@ void VideoRecorder::stop()
 {
     if (!m_recording)
         return;
-    m_recording->writer.release();
+    m_recording->video.reset();
     if (m_recording->frames == 0) {
         qWarning().noquote() << QStringLiteral("No frame was recorded to %1").arg(m_recording->path);
     } else if (!m_recording->isWhole()) {

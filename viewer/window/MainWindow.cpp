@@ -25,7 +25,6 @@ MainWindow::MainWindow()
     createViewMenu();
     createScriptMenu();
     createHelpMenu();
-    createStatusLine();
     m_scriptBar = new ScriptBar(m_stopScript, this);
     addToolBar(m_scriptBar);
     auto* center = new QWidget;
@@ -53,7 +52,15 @@ QMenu* MainWindow::menu(int kind) const
 
 void MainWindow::showNotification(const QString& text)
 {
+    createStatusLine();
     m_notifications->add(text);
+}
+
+void MainWindow::setVisible(bool visible)
+{
+    if (visible)
+        createStatusLine();
+    QMainWindow::setVisible(visible);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -35,6 +35,8 @@ public:
     /// The menu of a kind, or null.
     QMenu* menu(int kind) const;
 
+    void setVisible(bool visible) override;
+
     /// Shows a text for a few seconds in a corner and in the status line, after the texts that wait already.
     void showNotification(const QString& text);
 

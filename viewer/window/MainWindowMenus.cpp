@@ -90,8 +90,12 @@ void MainWindow::createHelpMenu()
     menu->addAction(tr("&About Vantrel"), this, &MainWindow::showAbout);
 }
 
+// Made when it is needed first. A status line measures its font, for which the toolkit lists all fonts of the system: a run
+// without a window need not wait for that.
 void MainWindow::createStatusLine()
 {
+    if (m_notifications)
+        return;
     statusBar()->addPermanentWidget(new RecordingStatus(m_views));
     for (QLabel** label : {&m_pixel, &m_zoom, &m_format}) {
         *label = new QLabel;
@@ -102,6 +106,7 @@ void MainWindow::createStatusLine()
         constexpr qsizetype maxLength = 200; // characters: more than a line holds
         statusBar()->showMessage(text.left(maxLength).simplified());
     });
+    updateStatusLine();
 }
 
 void MainWindow::setScriptRunning(bool running)
@@ -180,6 +185,8 @@ void MainWindow::showAbout()
 
 void MainWindow::showPixel(const ImageView& view, const QPoint& pixel)
 {
+    if (!m_pixel)
+        return;
     const SxPicBuf* buffer = view.image() ? view.image()->picBuf() : nullptr;
     const QString values = buffer ? pixelText(*buffer, pixel.x(), pixel.y()) : QString();
     m_pixel->setText(values.isEmpty() ? QString()
@@ -188,6 +195,8 @@ void MainWindow::showPixel(const ImageView& view, const QPoint& pixel)
 
 void MainWindow::updateStatusLine()
 {
+    if (!m_pixel)
+        return;
     const ImageView* active = m_views.active();
     const SxPicBuf* buffer = active && active->image() ? active->image()->picBuf() : nullptr;
     m_format->setText(buffer ? formatText(*buffer) : QString());
