@@ -1,5 +1,4 @@
-#!/usr/bin/env python3
-"""How long the program takes to start, beside Python itself. usage: start_rows.py PROGRAM [FILTER]
+"""How long the program takes to start, beside Python itself. usage: start_rows.py FILTER PROGRAM
 
 Runs outside the viewer, with the system's Python. The peer is that Python with an empty script. Both work in turns, and
 each process tells its own processor time; the wall time is from outside.
@@ -13,11 +12,10 @@ import sys
 import tempfile
 import time
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "scripts"))
-PROGRAM = sys.argv.pop(1)
+sys.path.insert(0, os.path.join(os.path.dirname(os.path.dirname(os.path.abspath(__file__))), "scripts"))
+import pairs  # noqa: E402
 
-import pairs  # noqa: E402 - it reads the filter from the arguments that are left
-
+PROGRAM = sys.argv[2]
 TURNS = 21
 PEER = "/usr/bin/python3 -c pass"
 FIRST_LINE = "import time; print(time.process_time(), time.time())\n"
@@ -64,7 +62,7 @@ def in_turns(task, goal, measure):
 
 def main():
     os.environ.setdefault("QT_QPA_PLATFORM", "offscreen")
-    pairs.group("start")
+    pairs.group("Start")
     with tempfile.TemporaryDirectory() as folder:
         script = os.path.join(folder, "first_line.py")
         with open(script, "w", encoding="utf-8") as file:
