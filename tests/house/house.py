@@ -43,6 +43,7 @@ ARROWS = {
     "plugins/script/support": [],
     "viewer": [
         "cameras",
+        "viewer/editor",
         "viewer/interpreter",
         "viewer/process",
         "viewer/scripting",
@@ -64,6 +65,7 @@ ARROWS = {
     "viewer/scripting/help": [],
     "viewer/stopping": ["viewer/interpreter", "viewer/process", "viewer/window"],
     "viewer/interpreter": ["viewer/process"],
+    "viewer/editor": ["core/storage", "viewer/workshop"],
     "viewer/workshop": ["viewer/process"],
     "viewer/cameras": ["cameras", "viewer/views", "viewer/window"],
     "viewer/window": ["cameras", "viewer/process", "viewer/views"],
@@ -77,7 +79,7 @@ LIBRARIES = [
     (r"<qcustomplot\.h>", ["plugins/script/graph/PlotLibrary.h"]),
     (r"<opencv2/", ["core", "viewer/views"]),
     (r"<zlib\.h>", ["core/files"]),
-    (r"<Qsci/", ["viewer/workshop"]),
+    (r"<Qsci/", ["viewer/editor/EditorLibrary.h"]),
     (r"<arv\.h>", ["cameras/genicam"]),
 ]
 
