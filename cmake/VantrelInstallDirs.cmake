@@ -15,6 +15,9 @@ file(RELATIVE_PATH VANTREL_INSTALLED_PLUGIN
 set(VANTREL_PYTHON_DIR "${CMAKE_INSTALL_DATADIR}/vantrel/python")
 file(RELATIVE_PATH VANTREL_INSTALLED_PYTHON "/${CMAKE_INSTALL_BINDIR}" "/${VANTREL_PYTHON_DIR}")
 
+# The example scripts, from the same folder.
+file(RELATIVE_PATH VANTREL_INSTALLED_EXAMPLES "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_DATADIR}/vantrel/examples")
+
 # Relative paths, so that installed programs find the core library even if the whole tree is moved.
 file(RELATIVE_PATH from_bin "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
 file(RELATIVE_PATH from_plugin "/${VANTREL_PLUGIN_DIR}" "/${CMAKE_INSTALL_LIBDIR}")

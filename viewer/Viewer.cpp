@@ -1,5 +1,6 @@
 #include "Viewer.h"
 
+#include "editor/EditorDock.h"
 #include "interpreter/PythonFolders.h"
 #include "process/ProcessExit.h"
 #include "process/StandardStreams.h"
@@ -22,6 +23,7 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QDialog>
 #include <QtWidgets/QMenu>
+#include <QtWidgets/QMenuBar>
 
 #include <unistd.h>
 
@@ -72,17 +74,8 @@ Viewer::Viewer(const Settings& settings)
     if (m_settings.pythonHome.isEmpty())
         m_settings.pythonHome = QStringLiteral(VANTREL_PYTHON_HOME);
     m_delegate.cameras().openSimulated(m_settings.simulatedCameras);
-    if (m_settings.showsOutput) {
-        m_console = new ScriptConsole(&m_window);
-        m_window.addDockWidget(Qt::BottomDockWidgetArea, m_console);
-        m_console->hide();
-        QMenu* menu = m_window.menu(MainWindow::ViewMenu);
-        menu->addSeparator();
-        menu->addAction(m_console->toggleViewAction());
-        m_window.menu(MainWindow::ScriptMenu)
-            ->addAction(tr("Python &Environment..."), this, &Viewer::askForEnvironment);
-        m_window.menu(MainWindow::ScriptMenu)->addSeparator();
-    }
+    if (m_settings.showsOutput)
+        addWorkshop();
     m_exit = std::make_unique<ProcessExit>(ProcessExit::Hooks{.complete = [this] { completeFiles(); },
                                                               .interruptScript =
                                                                   [] {
@@ -98,9 +91,11 @@ Viewer::Viewer(const Settings& settings)
                                        [this](const QString& text) { passOutput(text); }),
         m_settings.scriptsOnOwnThread);
 
-    connect(m_scripts.get(), &ScriptQueue::runStarted, this, [this](const QString& name) {
+    connect(m_scripts.get(), &ScriptQueue::runStarted, this, [this](const QString& name, const QString& source) {
         m_window.setScriptRunning(true);
         m_runState.begin(name);
+        if (m_editor)
+            m_editor->showRunning(source);
     });
     connect(m_scripts.get(), &ScriptQueue::runEnded, this, &Viewer::noteRunEnd);
     connect(&m_window, &MainWindow::scriptChosen, this, [this](const QString& path) { runFile(path); });
@@ -120,6 +115,44 @@ Viewer::~Viewer()
     m_scripts.reset();
     m_pulse.reset();
     m_exit.reset();
+}
+
+void Viewer::addWorkshop()
+{
+    m_console = new ScriptConsole(&m_window);
+    m_window.addDockWidget(Qt::BottomDockWidgetArea, m_console);
+    m_console->hide();
+    m_editor = new EditorDock([this](QDialog* dialog) { m_window.openDialog(dialog); }, &m_window);
+    m_window.addDockWidget(Qt::RightDockWidgetArea, m_editor);
+    m_editor->hide();
+    QMenu* views = m_window.menu(MainWindow::ViewMenu);
+    views->addSeparator();
+    views->addAction(m_editor->toggleViewAction());
+    views->addAction(m_console->toggleViewAction());
+    QMenu* scripts = m_window.menu(MainWindow::ScriptMenu);
+    scripts->addAction(tr("Python &Environment..."), this, &Viewer::askForEnvironment);
+    scripts->addSeparator();
+    m_editor->addTo(*m_window.menuBar(), *scripts);
+    connect(m_editor, &EditorDock::runFileRequested, this, [this](const QString& path) { runFile(path); });
+    connect(m_editor, &EditorDock::runTextRequested, this, &Viewer::runText);
+    connect(m_editor, &EditorDock::runAgainRequested, this, [this] {
+        if (const auto run = m_runAgain) // a copy: it sets the original
+            run();
+    });
+    connect(m_console, &ScriptConsole::placeChosen, m_editor, &EditorDock::showLine);
+    m_window.setCloseQuestion([this] { return mayClose(); });
+}
+
+bool Viewer::mayClose()
+{
+    const bool may = m_closeAgreed || m_editor->tabs().mayClose([this] {
+        m_closeAgreed = true;
+        m_window.close();
+        m_closeAgreed = false;
+    });
+    if (may)
+        Preferences::setWindow(m_window.saveGeometry(), m_window.saveState());
+    return may;
 }
 
 QString Viewer::loadScripting()
@@ -150,6 +183,33 @@ void Viewer::runFile(const QString& path, const QStringList& arguments)
     job.shownPath = path;
     job.arguments = arguments;
     m_scripts->add(std::move(job));
+    m_runAgain = [this, path = QFileInfo(path).absoluteFilePath(), arguments] { runFile(path, arguments); };
+}
+
+void Viewer::runText(const QString& text, const QString& title, const QString& origin)
+{
+    const QString file = origin.isEmpty() ? QDir::current().filePath(title) : origin;
+    ScriptJob job = jobIn(file);
+    job.text = text;
+    job.title = title;
+    job.origin = file;
+    job.name = title;
+    m_scripts->add(std::move(job));
+    m_runAgain = [this, text, title, origin] { runText(text, title, origin); };
+}
+
+void Viewer::restoreWindow()
+{
+    // Nothing happens if the preferences hold something else.
+    m_window.restoreGeometry(Preferences::windowGeometry());
+    m_window.restoreState(Preferences::windowState());
+    m_editor->restore();
+}
+
+void Viewer::editFile(const QString& path)
+{
+    if (m_editor->tabs().open(path))
+        m_editor->show();
 }
 
 void Viewer::startInterpreter(const QString& file)
@@ -192,6 +252,11 @@ void Viewer::noteRunEnd(const QString& result, ScriptOutcome outcome)
     writeAll(STDERR_FILENO, result.toUtf8());
     if (m_console)
         m_console->appendErrors(result);
+    if (m_editor) {
+        m_editor->showRunning({});
+        if (outcome == ScriptOutcome::Failed)
+            m_editor->showErrors(result);
+    }
     m_delegate.releaseImage();
     m_window.setScriptRunning(m_scripts->isBusy());
     m_runState.end(endOf(outcome));

@@ -6,8 +6,10 @@
 #include "stopping/ScriptInterrupt.h"
 #include "window/MainWindow.h"
 
+#include <functional>
 #include <memory>
 
+class EditorDock;
 class ProcessExit;
 class ScriptConsole;
 class ScriptPulse;
@@ -41,8 +43,18 @@ public:
     /// file's folder. If the file cannot be read, shows and logs the reason.
     void runFile(const QString& path, const QStringList& arguments = {});
 
+    /// Runs a text when its turn comes. `title` stands for the file in error messages; `origin` is the file that the
+    /// text is a copy of, and empty if there is none.
+    void runText(const QString& text, const QString& title, const QString& origin = {});
+
     /// Runs nothing when its turn comes, as if it were the file. A first run starts the interpreter.
     void startInterpreter(const QString& file);
+
+    /// Arranges the window as it was when the viewer ended last, and opens the same scripts.
+    void restoreWindow();
+
+    /// Opens a script in the editor.
+    void editFile(const QString& path);
 
     MainWindow& window() { return m_window; }
     ScriptQueue& scripts() { return *m_scripts; }
@@ -50,6 +62,8 @@ public:
     RunState& runState() { return m_runState; }
 
 private:
+    void addWorkshop();
+    bool mayClose();
     void passOutput(const QString& text);
     ScriptJob jobIn(const QString& file);
     void noteRunEnd(const QString& result, ScriptOutcome outcome);
@@ -65,6 +79,9 @@ private:
     MainWindow m_window;
     ApplicationDelegate m_delegate;
     ScriptConsole* m_console = nullptr;
+    EditorDock* m_editor = nullptr;
+    std::function<void()> m_runAgain; ///< the last run; empty: none yet
+    bool m_closeAgreed = false;       ///< whether the user has dealt with all unsaved scripts
     std::unique_ptr<ProcessExit> m_exit;
     std::unique_ptr<ScriptQueue> m_scripts; // destroyed first: scripts use all the other members
 };

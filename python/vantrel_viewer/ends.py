@@ -7,22 +7,24 @@ from . import TYPE_CHECKING, errors, leaving, nested, signals
 
 if TYPE_CHECKING:
     from types import TracebackType
-    from typing import Optional, Type
+    from typing import Any, Optional, Type
 
 __all__ = ["leave", "report"]
 
 
-def report(kind: Type[BaseException], error: BaseException, trace: Optional[TracebackType]) -> None:
+def report(kind: Type[BaseException], error: BaseException, trace: Optional[TracebackType],
+           write_error: Any = None) -> None:
     """Report an uncaught error, as `sys.excepthook`, and say which script it came from.
 
-    A SystemExit of a nested script arrives here, too; it ends that script.
+    `write_error` writes it, instead of the interpreter's own hook. A SystemExit of a nested script arrives here, too; it
+    ends that script.
     """
     if isinstance(error, SystemExit):
         leave(error)
         return
     if isinstance(error, KeyboardInterrupt) and signals.is_raised_again():
         return  # in the code that runs the event loop
-    sys.__excepthook__(kind, error, trace)
+    (write_error or sys.__excepthook__)(kind, error, trace)
     script = nested.current()
     if script and not isinstance(error, KeyboardInterrupt):
         errors.write(f"The error is in the script {script}.\n")

@@ -12,9 +12,10 @@ import sys
 from . import TYPE_CHECKING, ends, errors, modules, nested, stack
 
 if TYPE_CHECKING:
-    from typing import Any, Dict, List
+    from types import TracebackType
+    from typing import Any, Callable, Dict, List, Optional, Type
 
-__all__ = ["RAN", "FAILED", "INTERRUPTED", "LEFT", "run_file"]
+__all__ = ["RAN", "FAILED", "INTERRUPTED", "LEFT", "run_file", "run_text"]
 
 # How a script ended. The viewer knows these numbers.
 RAN, FAILED, INTERRUPTED, LEFT = range(4)
@@ -28,23 +29,50 @@ def run_file(file: str, shown: str, arguments: List[str], stays: bool, outcome: 
     error is written to standard error as Python writes it. `outcome` is the address of a C int, which is set to RAN,
     FAILED, INTERRUPTED or LEFT.
     """
-    ctypes.c_int.from_address(outcome).value = _run(file, shown, arguments, stays, namespace)
+    def execute() -> None:
+        namespace.update(__file__=file, __cached__=None, __loader__=modules.loader(file))
+        with stack.full_depth(sys._getframe(2)):
+            errors.execute(file, namespace)
+
+    ctypes.c_int.from_address(outcome).value = _run(execute, file, [shown, *arguments], ends.report, stays, namespace)
 
 
-def _run(file: str, shown: str, arguments: List[str], stays: bool, namespace: Dict[str, Any]) -> int:
+def run_text(text: str, title: str, file: str, stays: bool, outcome: int, namespace: Dict[str, Any]) -> None:
+    """Run a text that has no file of its own, as `run_file` runs a file.
+
+    `title` stands for the file in tracebacks. `file` is the absolute path of the file that the text came from, or where
+    the script would stand if it had one.
+    """
+    import linecache
+    import traceback
+
+    def execute() -> None:
+        namespace.update(__file__=file, __cached__=None)
+        with stack.full_depth(sys._getframe(2)):
+            exec(compile(text, title, "exec", dont_inherit=True), namespace)
+
+    # The interpreter's own hook reads the lines of a traceback from files; this one asks linecache.
+    linecache.cache[title] = len(text), None, text.splitlines(True), title
+
+    def report(kind: Type[BaseException], error: BaseException, trace: Optional[TracebackType]) -> None:
+        ends.report(kind, error, trace, traceback.print_exception)
+
+    ctypes.c_int.from_address(outcome).value = _run(execute, file, [title], report, stays, namespace)
+
+
+def _run(execute: Callable[[], None], file: str, arguments: List[str], report: Any, stays: bool,
+         namespace: Dict[str, Any]) -> int:
     folder = os.path.dirname(os.path.realpath(file))
     kept = sys.argv, sys.excepthook, namespace.get("__loader__")
     modules.forget_changed(folder)
     nested.forget()
-    sys.argv = [shown, *arguments]
-    sys.excepthook = ends.report
+    sys.argv = arguments
+    sys.excepthook = report
     sys.path.insert(0, folder)
     raised = None
     try:
         try:
-            namespace.update(__file__=file, __cached__=None, __loader__=modules.loader(file))
-            with stack.full_depth(sys._getframe()):
-                errors.execute(file, namespace)
+            execute()
         except BaseException as error:  # everything that a script may raise
             raised = error
         # The error is not being handled any more: what its report raises has no context.

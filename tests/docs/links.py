@@ -13,7 +13,7 @@ sys.path.insert(0, str(root / "tools"))
 import make_reference  # noqa: E402
 
 # Pictures that show more than one script of the documents.
-PICTURES_OF_MORE = {"viewer", "graph"}
+PICTURES_OF_MORE = {"viewer", "graph", "editor"}
 
 problems = []
 documents = [*sorted(root.glob("*.md")), *sorted((root / "docs").glob("*.md"))]

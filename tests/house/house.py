@@ -45,6 +45,7 @@ ARROWS = {
     "plugins/script/support": [],
     "viewer": [
         "cameras",
+        "viewer/editor",
         "viewer/interpreter",
         "viewer/process",
         "viewer/scripting",
@@ -66,6 +67,7 @@ ARROWS = {
     "viewer/scripting/help": [],
     "viewer/stopping": ["viewer/interpreter", "viewer/process", "viewer/window"],
     "viewer/interpreter": ["viewer/process"],
+    "viewer/editor": ["core/storage", "viewer/workshop"],
     "viewer/workshop": ["viewer/process"],
     "viewer/cameras": ["cameras", "viewer/views", "viewer/window"],
     "viewer/window": ["cameras", "viewer/process", "viewer/views"],
@@ -83,7 +85,7 @@ LIBRARIES = [
     (r"<opencv2/videoio", ["viewer/video/VideoFileModule.cpp"]),
     (r"<opencv2/", ["core", "viewer/video", "viewer/views"]),
     (r"<zlib\.h>", ["core/files"]),
-    (r"<Qsci/", ["viewer/workshop"]),
+    (r"<Qsci/", ["viewer/editor/EditorLibrary.h"]),
     (r"<arv\.h>", ["cameras/genicam"]),
 ]
 

@@ -27,6 +27,38 @@ class RunFile(unittest.TestCase):
             running.run_file(str(file), "shown.py", list(arguments), stays, ctypes.addressof(outcome), self.namespace)
         return outcome.value, out.getvalue(), errors.getvalue()
 
+    def run_text(self, text, stays=True):
+        """Run a text without a file. Returns its outcome and what it has written to sys.stdout and sys.stderr."""
+        outcome = ctypes.c_int(-1)
+        out, errors = io.StringIO(), io.StringIO()
+        with contextlib.redirect_stdout(out), contextlib.redirect_stderr(errors):
+            running.run_text(text, "Untitled 1", str(self.folder / "origin.py"), stays, ctypes.addressof(outcome),
+                             self.namespace)
+        return outcome.value, out.getvalue(), errors.getvalue()
+
+    def test_a_text_runs_where_its_origin_stands(self):
+        outcome, out, errors = self.run_text("import sys\nprint(__file__, __name__, sys.argv, sys.path[0], sep='\\n')\n")
+        self.assertEqual(out.splitlines(),
+                         [str(self.folder / "origin.py"), "__main__", "['Untitled 1']", str(self.folder)])
+        self.assertEqual((outcome, errors), (running.RAN, ""))
+
+    def test_an_error_of_a_text_shows_its_lines(self):
+        outcome, _, errors = self.run_text("def work():\n    raise ValueError('no')\nwork()\n")
+        self.assertEqual(outcome, running.FAILED)
+        self.assertEqual(errors, "Traceback (most recent call last):\n"
+                                 '  File "Untitled 1", line 3, in <module>\n    work()\n'
+                                 '  File "Untitled 1", line 2, in work\n    raise ValueError(\'no\')\n'
+                                 "ValueError: no\n")
+        outcome, _, errors = self.run_text("a = 1\nb = = 2\n")
+        self.assertEqual(outcome, running.FAILED)
+        self.assertIn('  File "Untitled 1", line 2\n    b = = 2\n', errors)
+        self.assertIn("SyntaxError: invalid syntax\n", errors)
+        self.assertNotIn("vantrel_viewer", errors)
+
+    def test_a_text_may_end_itself(self):
+        self.assertEqual(self.run_text("raise SystemExit(3)\n"),
+                         (running.LEFT, "", "The script has ended with exit status 3.\n"))
+
     def test_a_script_finds_itself_and_its_arguments(self):
         source = "import sys\nprint(__file__, __name__, __cached__, __loader__.path, sys.argv, sys.path[0], sep='\\n')\n"
         file = str(self.folder / "script.py")

@@ -52,6 +52,15 @@ TEST_F(RunLikePython, ArgumentsFollowTwoDashes)
     EXPECT_EQ(outcome.output, line + line) << outcome.errors;
 }
 
+TEST_F(RunLikePython, NamesMayContainSignsOfPercent)
+{
+    write("50%5 %1.py", "import sys\nprint(sys.argv)\n");
+    const QStringList arguments = list({"run", "--python-home"}) + QStringList(TestSettings::pythonHome) +
+                                  list({"50%5 %1.py", "--", "%1", "%5"});
+    const Outcome outcome = call(arguments);
+    EXPECT_EQ(outcome.output, "['50%5 %1.py', '%1', '%5']\n") << outcome.errors;
+}
+
 TEST_F(RunLikePython, ModulesBesideTheScriptAreFoundAndReadAgainWhenTheyChange)
 {
     write("beside.py", "value = 1\n");

@@ -5,7 +5,9 @@
 #include "scripting/ScriptQueue.h"
 #include "support/TestSettings.h"
 
+#include <QtCore/QEventLoop>
 #include <QtCore/QFile>
+#include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTimer>
 #include <QtGui/QAction>
@@ -29,6 +31,7 @@ protected:
     {
         qputenv("VANTREL_PLUGIN", QFile::encodeName(TestSettings::pluginFile));
         QApplication::setQuitOnLastWindowClosed(false);
+        QSettings::setPath(QSettings::IniFormat, QSettings::UserScope, folder.filePath(QStringLiteral("config")));
         Viewer::Settings settings;
         settings.pythonHome = TestSettings::pythonHome;
         settings.showsOutput = true;
@@ -42,13 +45,13 @@ protected:
     /// Runs the event loop until no script is left to run.
     void runAll()
     {
-        QObject context;
-        QObject::connect(&viewer->scripts(), &ScriptQueue::becameIdle, &context, [] { QCoreApplication::quit(); });
-        QTimer::singleShot(60000, &context, [] {
+        QEventLoop loop;
+        QObject::connect(&viewer->scripts(), &ScriptQueue::becameIdle, &loop, &QEventLoop::quit);
+        QTimer::singleShot(60000, &loop, [&loop] {
             ADD_FAILURE() << "the scripts do not end";
-            QCoreApplication::quit();
+            loop.quit();
         });
-        QCoreApplication::exec();
+        loop.exec();
     }
 
     /// Does something from the event loop, and so while the script waits, as soon as a condition holds.

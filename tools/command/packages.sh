@@ -1,7 +1,7 @@
 # The distribution's packages that a build needs, and the Python that it is for.
 
 compiler_packages=(
-    g++ cmake ninja-build qt6-base-dev libqcustomplot-dev zlib1g-dev libxcb1-dev libx11-dev
+    g++ cmake ninja-build qt6-base-dev libqcustomplot-dev libqscintilla2-qt6-dev zlib1g-dev libxcb1-dev libx11-dev
     libopencv-core-dev libopencv-imgproc-dev libopencv-imgcodecs-dev libopencv-videoio-dev fonts-dejavu-core
 )
 python_packages=(python3-dev python3-numpy) # the distribution's Python
@@ -9,7 +9,7 @@ test_packages=(
     libgtest-dev libgmock-dev dpkg-dev file mypy python3 python3-numpy
     lintian desktop-file-utils groff-base xvfb openbox xdotool
 )
-picture_packages=(xvfb xauth imagemagick)
+picture_packages=(xvfb xauth imagemagick xdotool)
 bench_packages=(python3-pil python3-opencv python3-matplotlib)
 
 oldest_qt=6.4
@@ -65,7 +65,7 @@ check_python() {
 # A system that lacks the package manager cannot be prepared; everything else depends on the packages that it offers.
 check_system() {
     command -v dpkg-query >/dev/null ||
-        fail "this is not a Debian system; install g++, CMake, Ninja, Qt $oldest_qt, QCustomPlot for Qt 6, OpenCV, zlib and Python $(offered_text) yourself and build with CMake"
+        fail "this is not a Debian system; install g++, CMake, Ninja, Qt $oldest_qt, QCustomPlot and QScintilla for Qt 6, OpenCV, zlib and Python $(offered_text) yourself and build with CMake"
 }
 
 # missing_packages NAME...: prints those that are not installed.

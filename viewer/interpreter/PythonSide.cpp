@@ -30,7 +30,21 @@ QString literal(const QString& text)
     return escaped + QLatin1Char('\'');
 }
 
+QString literal(bool value)
+{
+    return value ? QStringLiteral("True") : QStringLiteral("False");
+}
+
+/// The address of an object or a function, as a number.
+template<typename Pointee>
+QString address(Pointee* pointer)
+{
+    return QString::number(reinterpret_cast<quintptr>(pointer));
+}
+
 } // namespace
+
+// Below, all values go into a text at once: a value may itself contain the sign of a place, such as %1.
 
 QString PythonSide::preparation(const QString& environment)
 {
@@ -48,9 +62,8 @@ QString PythonSide::preparation(const QString& environment)
                           "vantrel_viewer.interpreter.prepare(%2)\n"
                           "vantrel_viewer.leaving.prepare(%3, %4)\n"
                           "vantrel_viewer.nested.prepare()\n")
-        .arg(literal(folder()), literal(environment))
-        .arg(reinterpret_cast<quintptr>(&ErrorCopy::copyWritesOf))
-        .arg(reinterpret_cast<quintptr>(&UnwrittenErrors::write));
+        .arg(literal(folder()), literal(environment), address(&ErrorCopy::copyWritesOf),
+             address(&UnwrittenErrors::write));
 }
 
 QString PythonSide::callFor(const Call& call)
@@ -60,9 +73,14 @@ QString PythonSide::callFor(const Call& call)
         arguments += literal(argument);
     // One expression, which leaves no name behind.
     return QStringLiteral("__import__('vantrel_viewer.running').running.run_file(%1, %2, [%3], %4, %5, globals())\n")
-        .arg(literal(call.file), literal(call.shownPath), arguments.join(QStringLiteral(", ")),
-             call.stays ? QStringLiteral("True") : QStringLiteral("False"))
-        .arg(reinterpret_cast<quintptr>(call.outcome));
+        .arg(literal(call.file), literal(call.shownPath), arguments.join(QStringLiteral(", ")), literal(call.stays),
+             address(call.outcome));
+}
+
+QString PythonSide::callFor(const TextCall& call)
+{
+    return QStringLiteral("__import__('vantrel_viewer.running').running.run_text(%1, %2, %3, %4, %5, globals())\n")
+        .arg(literal(call.text), literal(call.title), literal(call.file), literal(call.stays), address(call.outcome));
 }
 
 QString PythonSide::endOfChild(int status)

@@ -22,6 +22,18 @@ struct Call {
 /// Text that runs a file as Python runs a file.
 QString callFor(const Call& call);
 
+/// A run of a text that has no file of its own.
+struct TextCall {
+    QString text;
+    QString title;          ///< stands for the file in error messages
+    QString file;           ///< the absolute path of the file that it came from, or would have
+    bool stays = false;     ///< as above
+    int* outcome = nullptr; ///< as above
+};
+
+/// Text that runs a text as Python runs a file.
+QString callFor(const TextCall& call);
+
 /// Text that ends a process that a script has forked, with an exit status.
 QString endOfChild(int status);
 

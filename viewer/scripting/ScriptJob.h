@@ -11,6 +11,8 @@ class ScriptEnvironment;
 struct ScriptJob {
     QString file; ///< the absolute path; empty: the text is run
     QString text;
+    QString title;         ///< of a text that a user has written; stands for the file in error messages
+    QString origin;        ///< the absolute path of the file that such a text came from, or would have
     QString shownPath;     ///< the file's path as the user has given it
     QStringList arguments; ///< of the script
     std::shared_ptr<ScriptEnvironment> environment;

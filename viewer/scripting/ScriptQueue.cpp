@@ -77,7 +77,7 @@ void ScriptQueue::startNext()
     m_running = true;
     ScriptJob job = std::move(m_waiting.front());
     m_waiting.pop_front();
-    Q_EMIT runStarted(job.name);
+    Q_EMIT runStarted(job.name, job.file.isEmpty() ? job.title : job.file);
     // Queued on the GUI thread as well: add() returns before the script starts.
     QMetaObject::invokeMethod(
         m_runner.get(), [runner = m_runner.get(), job] { runner->run(job); }, Qt::QueuedConnection);

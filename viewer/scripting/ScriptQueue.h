@@ -46,7 +46,8 @@ public:
     void clear() { m_waiting.clear(); }
 
 Q_SIGNALS:
-    void runStarted(const QString& name);
+    /// A run has started. `source` is the absolute path of its file, or its title.
+    void runStarted(const QString& name, const QString& source);
 
     /// A run has ended; result is what the script wrote to its standard error.
     void runEnded(const QString& result, ScriptOutcome outcome);

@@ -96,11 +96,17 @@ void ScriptRunner::run(const ScriptJob& job)
         } else if (isPython(language())) {
             result = prepare(*job.environment);
             if (!job.file.isEmpty())
-                text = PythonSide::callFor({.file = job.file,
+                text = PythonSide::callFor(PythonSide::Call{.file = job.file,
                                             .shownPath = job.shownPath,
                                             .arguments = job.arguments,
                                             .stays = m_settings.exitEndsScript,
                                             .outcome = &outcome});
+            else if (!job.title.isEmpty())
+                text = PythonSide::callFor(PythonSide::TextCall{.text = job.text,
+                                                                .title = job.title,
+                                                                .file = job.origin,
+                                                                .stays = m_settings.exitEndsScript,
+                                                                .outcome = &outcome});
         } else if (!job.file.isEmpty()) {
             text = readScriptFile(job.file, result).value_or(QString());
         }

@@ -70,6 +70,10 @@ void MainWindow::closeEvent(QCloseEvent* event)
         askToStopAndClose();
         return;
     }
+    if (m_mayClose && isVisible() && !m_mayClose()) {
+        event->ignore();
+        return;
+    }
     QMainWindow::closeEvent(event);
     if (event->isAccepted())
         Q_EMIT closed();

@@ -5,7 +5,9 @@
 #include <QtCore/QPointer>
 #include <QtWidgets/QMainWindow>
 
+#include <functional>
 #include <map>
+#include <utility>
 
 class ImageView;
 class ImageWidget;
@@ -49,6 +51,9 @@ public:
 
     /// True for a dialog that the user has opened from the menus; false for one of a script.
     static bool isOwnDialog(const QDialog& dialog);
+
+    /// Sets what to ask before the window closes: false keeps it open.
+    void setCloseQuestion(std::function<bool()> mayClose) { m_mayClose = std::move(mayClose); }
 
     /// Enables Stop while a script runs, and Run Script otherwise.
     void setScriptRunning(bool running);
@@ -99,6 +104,7 @@ private:
     ScriptBar* m_scriptBar = nullptr;
     QPointer<QMessageBox> m_closeQuestion;
     bool m_scriptRuns = false;
+    std::function<bool()> m_mayClose;
     QLabel* m_format = nullptr;
     QLabel* m_zoom = nullptr;
     QLabel* m_pixel = nullptr;

@@ -1,6 +1,6 @@
 #include "EnvironmentDialog.h"
 
-#include "OutputPane.h"
+#include "ErrorColor.h"
 
 #include <QtCore/QDir>
 #include <QtWidgets/QDialogButtonBox>
@@ -27,7 +27,7 @@ EnvironmentDialog::EnvironmentDialog(const QString& folder, const QString& note,
     m_problem->setObjectName(QStringLiteral("environmentProblem"));
     m_problem->setWordWrap(true);
     QPalette colors = m_problem->palette();
-    colors.setColor(QPalette::WindowText, OutputPane::errorColor(colors));
+    colors.setColor(QPalette::WindowText, errorColor(colors));
     m_problem->setPalette(colors);
     m_problem->hide();
 

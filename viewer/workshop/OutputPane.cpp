@@ -1,10 +1,11 @@
 #include "OutputPane.h"
 
+#include "ErrorColor.h"
+#include "LinkedText.h"
+
 #include <QtCore/QLocale>
 #include <QtGui/QFontDatabase>
-#include <QtGui/QTextCharFormat>
 #include <QtWidgets/QLabel>
-#include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QScrollBar>
 #include <QtWidgets/QVBoxLayout>
 
@@ -53,11 +54,8 @@ OutputPane::OutputPane(Source source)
     : m_source(std::move(source))
     , m_pause(shortestPause)
     , m_droppedText(new QLabel)
-    , m_text(new QPlainTextEdit)
+    , m_text(new LinkedText)
 {
-    m_text->setReadOnly(true);
-    m_text->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    m_text->setUndoRedoEnabled(false);
     m_text->setMaximumBlockCount(mostLines);
     m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_droppedText->setObjectName(QStringLiteral("droppedLines"));
@@ -99,11 +97,6 @@ bool OutputPane::isEmpty() const
     return m_text->document()->isEmpty();
 }
 
-QColor OutputPane::errorColor(const QPalette& palette)
-{
-    return palette.color(QPalette::Base).lightness() < 128 ? QColor(0xff, 0x80, 0x80) : QColor(0xc0, 0x00, 0x00);
-}
-
 void OutputPane::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
@@ -129,11 +122,7 @@ void OutputPane::append(const QString& text, const QColor& color)
     qint64 dropped = 0;
     const QString shown = lastLines(broken(text, m_column), mostLines, dropped);
     const qint64 lines = m_text->blockCount() + QStringView(shown).count(QLatin1Char('\n'));
-    QTextCharFormat format;
-    format.setForeground(color);
-    QTextCursor end(m_text->document());
-    end.movePosition(QTextCursor::End);
-    end.insertText(shown, format);
+    m_text->addText(shown, color);
     noteDropped(dropped + std::max<qint64>(0, lines - m_text->blockCount()));
     m_isAppending = false;
     followEnd();

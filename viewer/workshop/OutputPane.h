@@ -8,8 +8,8 @@
 
 #include <functional>
 
+class LinkedText;
 class QLabel;
-class QPlainTextEdit;
 
 /// Shows a text that grows. Keeps its last lines and says how many others it has dropped.
 class OutputPane : public QWidget
@@ -29,10 +29,7 @@ public:
 
     bool isEmpty() const;
 
-    QPlainTextEdit* text() const { return m_text; }
-
-    /// A red that can be read on the background of a text.
-    static QColor errorColor(const QPalette& palette);
+    LinkedText* text() const { return m_text; }
 
     /// The most lines that are kept.
     static constexpr int mostLines = 10000;
@@ -62,5 +59,5 @@ private:
     bool m_followsEnd = true; ///< until a reader scrolls up
     qint64 m_dropped = 0;
     QLabel* m_droppedText;
-    QPlainTextEdit* m_text;
+    LinkedText* m_text;
 };

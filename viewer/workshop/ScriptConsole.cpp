@@ -1,11 +1,12 @@
 #include "ScriptConsole.h"
 
+#include "ErrorColor.h"
+#include "LinkedText.h"
 #include "OutputPane.h"
 #include "process/LogRecords.h"
 
 #include <QtCore/QLocale>
 #include <QtGui/QSyntaxHighlighter>
-#include <QtWidgets/QPlainTextEdit>
 #include <QtWidgets/QStyle>
 #include <QtWidgets/QTabWidget>
 
@@ -19,7 +20,7 @@ public:
         : QSyntaxHighlighter(log.document())
     {
         m_critical.setFontWeight(QFont::Bold);
-        m_critical.setForeground(OutputPane::errorColor(log.palette()));
+        m_critical.setForeground(errorColor(log.palette()));
     }
 
 protected:
@@ -50,6 +51,8 @@ ScriptConsole::ScriptConsole(QWidget* parent)
     m_tabs->addTab(m_output, tr("Output"));
     m_tabs->addTab(m_log, tr("Log"));
     setWidget(m_tabs);
+    connect(m_output->text(), &LinkedText::placeChosen, this, &ScriptConsole::placeChosen);
+    connect(m_log->text(), &LinkedText::placeChosen, this, &ScriptConsole::placeChosen);
     connect(m_output, &OutputPane::grown, this, &QWidget::show);
     connect(m_log, &OutputPane::grown, this, &ScriptConsole::showLogGrown);
     connect(m_log, &OutputPane::shown, this, &ScriptConsole::markUnseen);

@@ -26,6 +26,10 @@ public:
     /// Shows the output so far, then the errors.
     void appendErrors(const QString& text);
 
+Q_SIGNALS:
+    /// The user has clicked on a place in a script, which the text names by file and line.
+    void placeChosen(const QString& file, int line);
+
 private:
     void addRecord(QtMsgType type, const QString& text);
     void showLogGrown();
