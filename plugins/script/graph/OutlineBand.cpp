@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <utility>
 
 namespace outline {
 
@@ -90,6 +91,8 @@ void Band::add(const Edge& edge)
     if (std::min(from.x, to.x) >= m_columns * pixelSteps)
         return;
     addRun(from.x, to.x);
+    m_rows.begin = std::min(m_rows.begin, int(pixel(top)));
+    m_rows.end = std::max(m_rows.end, int(pixel(bottom - 1)) + 1);
 
     // An end on a border belongs to the row in which the rest of the edge lies.
     const int firstRow = int(pixel(down ? from.y : from.y - 1));
@@ -113,9 +116,11 @@ void Band::add(const Edge& edge)
     addRow(lastRow, {{crossings.place(), enters}, inRow(to, lastRow)});
 }
 
-const std::vector<Band::Run>& Band::finish()
+const Band::Extent& Band::finish()
 {
-    m_runs.clear();
+    m_extent.rows = std::exchange(m_rows, {height, 0});
+    std::vector<Run>& runs = m_extent.columns;
+    runs.clear();
     std::array<quint32, height> sums = {};
     int edges = 0;
     bool isCovered = false; // some pixels of the column before, up to its right border
@@ -130,13 +135,13 @@ const std::vector<Band::Run>& Band::finish()
         sumUp(m_cells[std::size_t(column + 1)], sums);
         if (column < 0)
             continue;
-        if (m_runs.empty() || m_runs.back().end != column)
-            m_runs.push_back({int(column), int(column)});
-        ++m_runs.back().end;
+        if (runs.empty() || runs.back().end != column)
+            runs.push_back({int(column), int(column)});
+        ++runs.back().end;
     }
     m_moreEdges.back() = 0;
     m_firstColumn = m_columns;
-    return m_runs;
+    return m_extent;
 }
 
 // Finds the coverage of a column. sums: of the heights in the columns before, for each row.

@@ -41,16 +41,21 @@ public:
     /// exceed 2^31.
     void add(const Edge& edge);
 
-    /// Columns of which an outline may cover some pixels.
     struct Run {
         int begin;
         int end;
     };
 
-    /// Finds the coverage from the edges that were added. Then the band is ready for other edges.
-    const std::vector<Run>& finish();
+    /// The pixels that an outline may cover.
+    struct Extent {
+        Run rows;
+        std::vector<Run> columns;
+    };
 
-    /// After finish(): the coverage of the pixels in a column of a run, from 0 to 255, the topmost pixel first.
+    /// Finds the coverage from the edges that were added. Then the band is ready for other edges.
+    const Extent& finish();
+
+    /// After finish(): the coverage of the pixels in a column of the extent, from 0 to 255, the topmost pixel first.
     const std::array<quint8, height>& coverage(int column) const { return m_cells[std::size_t(column) + 1].coverage; }
 
 private:
@@ -72,7 +77,8 @@ private:
     std::vector<Column> m_cells;  ///< first a column for the edges on the left of the visible pixels
     std::vector<int> m_moreEdges; ///< per column, how many edges more than in the column before
     qint64 m_firstColumn;         ///< the leftmost one that an edge visits
-    std::vector<Run> m_runs;
+    Run m_rows = {height, 0};     ///< those that edges visit
+    Extent m_extent;
 };
 
 } // namespace outline

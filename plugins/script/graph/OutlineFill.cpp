@@ -138,11 +138,11 @@ void fx_graph_fillOutline(QImage& image, const QPainterPath& outline, const QRec
             edge.to.y -= top * outline::pixelSteps;
             band.add(edge);
         });
-        const std::vector<Band::Run>& runs = band.finish();
-        const int rows = std::min(Band::height, visible.height() - top);
-        for (int i = 0; i < rows && !runs.empty(); ++i) {
+        const Band::Extent& extent = band.finish();
+        const int end = std::min(extent.rows.end, visible.height() - top);
+        for (int i = extent.rows.begin; i < end; ++i) {
             quint8* row = image.scanLine(visible.top() + top + i);
-            for (const Band::Run& columns : runs) {
+            for (const Band::Run& columns : extent.columns) {
                 if (hasWords)
                     paint<4, 2, 1, 0>(row + qsizetype(visible.left()) * 4, band, std::size_t(i), columns, blend);
                 else
