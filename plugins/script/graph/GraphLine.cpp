@@ -19,6 +19,7 @@ bool isGap(const QPointF& point)
 QPainterPath outlineOf(const QVector<QPointF>& line, const QPen& pen)
 {
     QPainterPath path(line.first());
+    path.reserve(int(line.size()) + 1);
     for (const QPointF& point : line)
         path.lineTo(point);
     QPainterPathStroker stroker(pen);

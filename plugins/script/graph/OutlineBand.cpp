@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <utility>
 
 namespace outline {
 
@@ -66,10 +67,9 @@ qint64 inPixel(qint64 place)
 
 Band::Band(int columns)
     : m_columns(columns)
-    , m_heights(firstCell(columns))
-    , m_areas(m_heights.size())
-    , m_coverage(m_heights.size())
+    , m_cells(std::size_t(columns) + 1)
     , m_moreEdges(std::size_t(columns) + 2)
+    , m_firstColumn(columns)
 {
 }
 
@@ -91,6 +91,8 @@ void Band::add(const Edge& edge)
     if (std::min(from.x, to.x) >= m_columns * pixelSteps)
         return;
     addRun(from.x, to.x);
+    m_rows.begin = std::min(m_rows.begin, int(pixel(top)));
+    m_rows.end = std::max(m_rows.end, int(pixel(bottom - 1)) + 1);
 
     // An end on a border belongs to the row in which the rest of the edge lies.
     const int firstRow = int(pixel(down ? from.y : from.y - 1));
@@ -114,35 +116,45 @@ void Band::add(const Edge& edge)
     addRow(lastRow, {{crossings.place(), enters}, inRow(to, lastRow)});
 }
 
-const std::vector<Band::Run>& Band::finish()
+const Band::Extent& Band::finish()
 {
-    m_runs.clear();
+    m_extent.rows = std::exchange(m_rows, {height, 0});
+    std::vector<Run>& runs = m_extent.columns;
+    runs.clear();
     std::array<quint32, height> sums = {};
     int edges = 0;
-    for (qint64 column = -1; column < m_columns; ++column) {
+    bool isCovered = false; // some pixels of the column before, up to its right border
+    for (qint64 column = m_firstColumn; column < m_columns; ++column) {
         int& moreEdges = m_moreEdges[std::size_t(column + 1)];
+        if (edges > 0 && edges + moreEdges == 0)
+            isCovered = std::any_of(sums.begin(), sums.end(), [](quint32 sum) { return sum != 0; });
         edges += moreEdges;
         moreEdges = 0;
-        if (edges == 0 && std::all_of(sums.begin(), sums.end(), [](quint32 sum) { return sum == 0; }))
+        if (edges == 0 && !isCovered)
             continue;
-        quint32* heights = m_heights.data() + firstCell(column);
-        quint32* areas = m_areas.data() + firstCell(column);
-        quint8* coverage = m_coverage.data() + firstCell(column);
-        for (std::size_t row = 0; row < height; ++row) {
-            sums[row] += heights[row];
-            const int doubleArea = int(sums[row] * 2 * quint32(pixelSteps) - areas[row]);
-            coverage[row] = quint8(std::min(std::abs(doubleArea >> 9), 255));
-            heights[row] = 0;
-            areas[row] = 0;
-        }
+        sumUp(m_cells[std::size_t(column + 1)], sums);
         if (column < 0)
             continue;
-        if (m_runs.empty() || m_runs.back().end != column)
-            m_runs.push_back({int(column), int(column)});
-        ++m_runs.back().end;
+        if (runs.empty() || runs.back().end != column)
+            runs.push_back({int(column), int(column)});
+        ++runs.back().end;
     }
     m_moreEdges.back() = 0;
-    return m_runs;
+    m_firstColumn = m_columns;
+    return m_extent;
+}
+
+// Finds the coverage of a column. sums: of the heights in the columns before, for each row.
+void Band::sumUp(Column& cells, std::array<quint32, height>& sums)
+{
+    for (std::size_t row = 0; row < height; ++row)
+        sums[row] += cells.heights[row];
+    for (std::size_t row = 0; row < height; ++row) {
+        const int doubleArea = int(sums[row] * 2 * quint32(pixelSteps) - cells.areas[row]);
+        cells.coverage[row] = quint8(std::min(std::abs(doubleArea >> 9), 255));
+    }
+    cells.heights.fill(0);
+    cells.areas.fill(0);
 }
 
 // Adds a part of an edge that lies in one row. Its y counts from the top of the row.
@@ -189,17 +201,19 @@ inline void Band::addCell(qint64 column, int row, qint64 rise, qint64 places)
 {
     if (column == m_columns)
         return;
-    const std::size_t cell = firstCell(column) + std::size_t(row);
-    m_heights[cell] += quint32(rise);
-    m_areas[cell] += quint32(rise * places);
+    Column& cells = m_cells[std::size_t(column + 1)];
+    cells.heights[std::size_t(row)] += quint32(rise);
+    cells.areas[std::size_t(row)] += quint32(rise * places);
 }
 
 // Notes which columns an edge visits.
 void Band::addRun(qint64 fromX, qint64 toX)
 {
-    const auto index = [&](qint64 x) { return std::size_t(std::clamp<qint64>(pixel(x), -1, m_columns) + 1); };
-    ++m_moreEdges[index(std::min(fromX, toX))];
-    --m_moreEdges[std::min(index(std::max(fromX, toX)) + 1, m_moreEdges.size() - 1)];
+    const qint64 first = std::clamp<qint64>(pixel(std::min(fromX, toX)), -1, m_columns);
+    const qint64 last = std::clamp<qint64>(pixel(std::max(fromX, toX)), -1, m_columns - 1);
+    ++m_moreEdges[std::size_t(first + 1)];
+    --m_moreEdges[std::size_t(last + 2)];
+    m_firstColumn = std::min(m_firstColumn, first);
 }
 
 } // namespace outline

@@ -2,6 +2,7 @@
 
 #include <QtCore/QtGlobal>
 
+#include <array>
 #include <vector>
 
 namespace outline {
@@ -31,7 +32,7 @@ struct Edge {
 class Band
 {
 public:
-    static constexpr int height = 32; ///< rows
+    static constexpr int height = 16; ///< rows
 
     /// The first column begins at x = 0.
     explicit Band(int columns);
@@ -40,35 +41,44 @@ public:
     /// exceed 2^31.
     void add(const Edge& edge);
 
-    /// Columns of which an outline may cover some pixels.
     struct Run {
         int begin;
         int end;
     };
 
-    /// Finds the coverage from the edges that were added. Then the band is ready for other edges.
-    const std::vector<Run>& finish();
+    /// The pixels that an outline may cover.
+    struct Extent {
+        Run rows;
+        std::vector<Run> columns;
+    };
 
-    /// After finish(): the coverage of the pixels in a column of a run, from 0 to 255, the topmost pixel first.
-    const quint8* coverage(int column) const { return m_coverage.data() + firstCell(column); }
+    /// Finds the coverage from the edges that were added. Then the band is ready for other edges.
+    const Extent& finish();
+
+    /// After finish(): the coverage of the pixels in a column of the extent, from 0 to 255, the topmost pixel first.
+    const std::array<quint8, height>& coverage(int column) const { return m_cells[std::size_t(column) + 1].coverage; }
 
 private:
-    static std::size_t firstCell(qint64 column) { return std::size_t((column + 1) * height); }
+    // The cells of one column: pixels, the topmost first. The sums may overflow for tens of thousands of edges in one
+    // pixel; the painter's do too, and remain equal.
+    struct Column {
+        std::array<quint32, height> heights = {}; ///< the sum of the heights of the edges in a cell
+        std::array<quint32, height> areas = {}; ///< twice the sum of the areas between these and the cell's left border
+        std::array<quint8, height> coverage = {};
+    };
 
+    static void sumUp(Column& cells, std::array<quint32, height>& sums);
     void addRow(int row, const Edge& part);
     void addColumns(int row, const Edge& part);
     void addCell(qint64 column, int row, qint64 rise, qint64 places);
     void addRun(qint64 fromX, qint64 toX);
 
     const qint64 m_columns;
-    // Cells are pixels. Those of a column are neighbours, because a crowded line has steep edges. The first column is
-    // for edges on the left of the visible pixels. The sums may overflow for tens of thousands of edges in one pixel;
-    // the painter's do too, and remain equal.
-    std::vector<quint32> m_heights; ///< per cell, the sum of the heights of the edges in it
-    std::vector<quint32> m_areas;   ///< twice the sum of the areas between these edges and the cell's left border
-    std::vector<quint8> m_coverage;
+    std::vector<Column> m_cells;  ///< first a column for the edges on the left of the visible pixels
     std::vector<int> m_moreEdges; ///< per column, how many edges more than in the column before
-    std::vector<Run> m_runs;
+    qint64 m_firstColumn;         ///< the leftmost one that an edge visits
+    Run m_rows = {height, 0};     ///< those that edges visit
+    Extent m_extent;
 };
 
 } // namespace outline

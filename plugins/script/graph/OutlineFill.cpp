@@ -116,11 +116,10 @@ private:
 };
 
 template<int size, int red, int green, int blue>
-void paint(quint8* row, const Band& band, int rowInBand, const Band::Run& columns, const Blend& blend)
+void paint(quint8* row, const Band& band, std::size_t rowInBand, const Band::Run& columns, const Blend& blend)
 {
-    const quint8* coverage = band.coverage(columns.begin) + rowInBand;
-    for (int column = columns.begin; column < columns.end; ++column, coverage += Band::height)
-        blend.over<red, green, blue>(row + qsizetype(column) * size, *coverage);
+    for (int column = columns.begin; column < columns.end; ++column)
+        blend.over<red, green, blue>(row + qsizetype(column) * size, band.coverage(column)[rowInBand]);
 }
 
 } // namespace
@@ -139,15 +138,15 @@ void fx_graph_fillOutline(QImage& image, const QPainterPath& outline, const QRec
             edge.to.y -= top * outline::pixelSteps;
             band.add(edge);
         });
-        const std::vector<Band::Run>& runs = band.finish();
-        const int rows = std::min(Band::height, visible.height() - top);
-        for (int i = 0; i < rows && !runs.empty(); ++i) {
+        const Band::Extent& extent = band.finish();
+        const int end = std::min(extent.rows.end, visible.height() - top);
+        for (int i = extent.rows.begin; i < end; ++i) {
             quint8* row = image.scanLine(visible.top() + top + i);
-            for (const Band::Run& columns : runs) {
+            for (const Band::Run& columns : extent.columns) {
                 if (hasWords)
-                    paint<4, 2, 1, 0>(row + qsizetype(visible.left()) * 4, band, i, columns, blend);
+                    paint<4, 2, 1, 0>(row + qsizetype(visible.left()) * 4, band, std::size_t(i), columns, blend);
                 else
-                    paint<3, 0, 1, 2>(row + qsizetype(visible.left()) * 3, band, i, columns, blend);
+                    paint<3, 0, 1, 2>(row + qsizetype(visible.left()) * 3, band, std::size_t(i), columns, blend);
             }
         }
     }

@@ -64,9 +64,9 @@ TEST(OutlineFill, MakesThePixelsOfThePainter)
     for (unsigned seed = 0; seed < 3000; ++seed) {
         RandomOutline random(seed);
         const QSize size(random.number(1, 70), random.number(1, 100));
-        const QRect visible = random.number(0, 1) == 0 ? QRect(QPoint(0, 0), size)
-                                                       : QRect(size.width() / 3, size.height() / 4,
-                                                               size.width() / 2, size.height() / 2);
+        const QRect visible = random.number(0, 1) == 0
+                                  ? QRect(QPoint(0, 0), size)
+                                  : QRect(size.width() / 3, size.height() / 4, size.width() / 2, size.height() / 2);
         QImage image(size, random.number(0, 1) == 0 ? QImage::Format_RGB888 : QImage::Format_RGB32);
         image.fill(random.color());
         QImage painted = image.copy();
