@@ -9,6 +9,8 @@
 
 #if defined(__SANITIZE_ADDRESS__)
 #define VANTREL_READS_FOREIGN_MEMORY __attribute__((no_sanitize_address, noinline))
+#elif defined(__SANITIZE_THREAD__)
+#define VANTREL_READS_FOREIGN_MEMORY __attribute__((no_sanitize_thread, noinline))
 #else
 #define VANTREL_READS_FOREIGN_MEMORY
 #endif
