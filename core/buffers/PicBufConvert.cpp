@@ -72,9 +72,10 @@ constexpr bool narrows = std::is_integral_v<D>&& std::is_integral_v<S> &&
                          (std::numeric_limits<D>::digits < std::numeric_limits<S>::digits ||
                           (std::is_signed_v<S> && std::is_unsigned_v<D>));
 
-/// Whether D has all of these values.
+/// Stores the low bits of each value, which vectorises better than clipping. Returns whether D has all of the values;
+/// if not, the results are of no use.
 template<typename D, typename S>
-[[gnu::always_inline]] inline bool allFit(const std::uint8_t* in, std::size_t count)
+[[gnu::always_inline]] inline bool cutValues(const std::uint8_t* in, std::uint8_t* out, std::size_t count)
 {
     using Bits = std::make_unsigned_t<S>;
     constexpr int digits = std::min(std::numeric_limits<D>::digits, std::numeric_limits<S>::digits);
@@ -83,6 +84,7 @@ template<typename D, typename S>
         const S value = loadValue<S>(in, i);
         // A negative value has its highest bit set, unless D is signed as well: then as many bits as -1 - value.
         used |= static_cast<Bits>(std::is_signed_v<D> && value < 0 ? ~value : value);
+        storeValue(out, i, static_cast<D>(value));
     }
     return used >> digits == 0;
 }
@@ -90,25 +92,18 @@ template<typename D, typename S>
 template<typename D, typename S>
 void keepValues(const SxPicBuf& src, SxPicBuf& dst)
 {
-    constexpr std::size_t atOnce = 4096 / sizeof(S); // stay in the fastest cache between both loops
     const std::size_t count = src.valuesPerRow();
     for (std::uint32_t y = 0; y < src.height; ++y) {
-        for (std::size_t start = 0; start < count; start += atOnce) {
-            const std::size_t number = std::min(atOnce, count - start);
-            const std::uint8_t* const in = src.row(y) + start * sizeof(S);
-            std::uint8_t* const out = dst.row(y) + start * sizeof(D);
-            inWidestVectors([=]() VANTREL_PIXEL_LOOP {
-                if constexpr (narrows<D, S>) {
-                    if (allFit<D, S>(in, number)) { // as nearly always
-                        for (std::size_t i = 0; i < number; ++i)
-                            storeValue(out, i, static_cast<D>(loadValue<S>(in, i)));
-                        return;
-                    }
-                }
-                for (std::size_t i = 0; i < number; ++i)
-                    storeValue(out, i, sameValue<D>(loadValue<S>(in, i)));
-            });
-        }
+        const std::uint8_t* const in = src.row(y);
+        std::uint8_t* const out = dst.row(y);
+        inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+            if constexpr (narrows<D, S>) {
+                if (cutValues<D, S>(in, out, count)) // as nearly always
+                    return;
+            }
+            for (std::size_t i = 0; i < count; ++i)
+                storeValue(out, i, sameValue<D>(loadValue<S>(in, i)));
+        });
     }
 }
 
