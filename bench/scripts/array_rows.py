@@ -4,6 +4,9 @@
 """
 
 import ctypes
+import statistics
+import time
+import timeit
 
 import numpy
 import vantrel
@@ -79,15 +82,23 @@ def memory_of_allocations():
 
 
 def as_array():
+    """Beside a Python object that has the same dictionary ready: what remains is NumPy's own work."""
     img = image_of(gradient("u1", 255))
     asarray = numpy.asarray
-    interface = {"shape": (WIDTH, HEIGHT), "typestr": "|u1", "data": (img.bp, 0), "strides": (1, WIDTH), "version": 3}
-
-    class Held:
-        __array_interface__ = interface
-
-    held = Held()
+    held = type("Held", (), {"__array_interface__": img.__array_interface__})()
     return lambda: asarray(img), lambda: asarray(held)
+
+
+def time_as_array():
+    """The same as a time, beside the time that is good enough."""
+    task = "numpy.asarray(img), as a time"
+    if not wanted(task):
+        return
+    img = image_of(gradient("u1", 255))
+    goal = 1.5e-6
+    times = [seconds / 1000 for seconds in timeit.repeat(lambda: numpy.asarray(img), timer=time.thread_time, number=1000,
+                                                          repeat=25)]
+    report(task, "1.5 us", 1.0, [seconds / goal for seconds in times], statistics.median(times), goal)
 
 
 group("arrays and memory")
@@ -101,4 +112,5 @@ compare("from_array, f8", "NumPy max + astype", 1.2, lambda: widened("f8", 4095,
 compare("from_array, f8 alone", "NumPy astype", None, converted_float)
 compare("from_array, a[::2, ::2]", "a[::2, ::2].copy()", 2.0, lambda: every_second(1600))
 compare("copy, 100 megapixels", "memcpy into touched memory", 1.2, copy_of_100_megapixels)
-compare("numpy.asarray(img)", "an object with a ready dictionary", None, as_array)
+compare("numpy.asarray(img)", "the same of a ready dictionary", None, as_array)
+time_as_array()

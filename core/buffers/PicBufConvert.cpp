@@ -69,9 +69,10 @@ constexpr bool narrows = std::is_integral_v<D>&& std::is_integral_v<S> &&
                          (std::numeric_limits<D>::digits < std::numeric_limits<S>::digits ||
                           (std::is_signed_v<S> && std::is_unsigned_v<D>));
 
-/// Whether D has all of these values.
+/// Stores the low bits of each value, which vectorises better than clipping. Returns whether D has all of the values;
+/// if not, the results are of no use.
 template<typename D, typename S>
-[[gnu::always_inline]] inline bool allFit(const std::uint8_t* in, std::size_t count)
+[[gnu::always_inline]] inline bool cutValues(const std::uint8_t* in, std::uint8_t* out, std::size_t count)
 {
     using Bits = std::make_unsigned_t<S>;
     constexpr int digits = std::min(std::numeric_limits<D>::digits, std::numeric_limits<S>::digits);
@@ -80,6 +81,7 @@ template<typename D, typename S>
         const S value = loadValue<S>(in, i);
         // A negative value has its highest bit set, unless D is signed as well: then as many bits as -1 - value.
         used |= static_cast<Bits>(std::is_signed_v<D> && value < 0 ? ~value : value);
+        storeValue(out, i, static_cast<D>(value));
     }
     return used >> digits == 0;
 }
@@ -90,23 +92,14 @@ void keepRow(const std::uint8_t* in, std::uint8_t* out, std::size_t count)
     if constexpr (std::is_same_v<D, S>) {
         std::memcpy(out, in, count * sizeof(D));
     } else {
-        constexpr std::size_t atOnce = 4096 / sizeof(S); // stay in the fastest cache between both loops
-        for (std::size_t start = 0; start < count; start += atOnce) {
-            const std::size_t number = std::min(atOnce, count - start);
-            const std::uint8_t* const from = in + start * sizeof(S);
-            std::uint8_t* const to = out + start * sizeof(D);
-            inWidestVectors([=]() VANTREL_PIXEL_LOOP {
-                if constexpr (narrows<D, S>) {
-                    if (allFit<D, S>(from, number)) { // as nearly always
-                        for (std::size_t i = 0; i < number; ++i)
-                            storeValue(to, i, static_cast<D>(loadValue<S>(from, i)));
-                        return;
-                    }
-                }
-                for (std::size_t i = 0; i < number; ++i)
-                    storeValue(to, i, sameValue<D>(loadValue<S>(from, i)));
-            });
-        }
+        inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+            if constexpr (narrows<D, S>) {
+                if (cutValues<D, S>(in, out, count)) // as nearly always
+                    return;
+            }
+            for (std::size_t i = 0; i < count; ++i)
+                storeValue(out, i, sameValue<D>(loadValue<S>(in, i)));
+        });
     }
 }
 

@@ -12,6 +12,9 @@
 #include <limits>
 #include <optional>
 
+// The search for a negative value begins at the first row, and the others at the last. So each finds in the cache what
+// the one before has left there, and so does a copy or a conversion that follows.
+
 namespace {
 
 template<typename T>
@@ -47,8 +50,10 @@ std::make_unsigned_t<T> bitsOfValues(const std::uint8_t* values, std::size_t cou
     inWidestVectors([=]() VANTREL_PIXEL_LOOP {
         constexpr std::size_t blockSize = 32 * 1024 / sizeof(T);
         std::make_unsigned_t<T> found = 0;
-        for (std::size_t start = 0; start < count && !usesAllBits(found); start += blockSize)
+        for (std::size_t block = (count + blockSize - 1) / blockSize; block > 0 && !usesAllBits(found); --block) {
+            const std::size_t start = (block - 1) * blockSize;
             found |= orOfMagnitudes<T>(values + start * sizeof(T), std::min(blockSize, count - start));
+        }
         *result = found;
     });
     return bits;
@@ -126,8 +131,10 @@ std::optional<std::uint64_t> bitsInUse(const SxPicBuf& buffer, std::uint32_t row
             const bool gapless = rowStep == 1 && isGapless(buffer, values);
             const std::uint64_t step = gapless ? buffer.height : rowStep; // without gaps all rows are one run
             std::make_unsigned_t<T> bits = 0;
-            for (std::uint64_t y = 0; y < buffer.height && !usesAllBits(bits); y += step)
-                bits |= bitsOfValues<T>(buffer.row(std::uint32_t(y)), gapless ? values * buffer.height : values);
+            for (std::uint64_t run = (buffer.height + step - 1) / step; run > 0 && !usesAllBits(bits); --run) {
+                const std::uint8_t* const row = buffer.row(std::uint32_t((run - 1) * step));
+                bits |= bitsOfValues<T>(row, gapless ? values * buffer.height : values);
+            }
             result = bits;
         }
     });
@@ -167,7 +174,6 @@ std::uint64_t CxPicBufAPI::DetectMaxAbsValue(const SxPicBuf& buffer)
         return largest;
     const auto type = buffer.dataType == ExImageDataType::Packed565 ? ExImageDataType::UInt16 : buffer.dataType;
     visitNumberType(type, [&]<typename T>(std::type_identity<T>) {
-        // From the last row on: those are still in the cache if the image was read before, as for narrowing.
         for (std::uint32_t y = buffer.height; y > 0; --y)
             largest = std::max(largest, maxOfRow<T>(buffer.row(y - 1), buffer.valuesPerRow()));
     });

@@ -82,14 +82,6 @@ bool intern(const std::array<const char*, Count>& texts, std::array<PyObject*, C
     return true;
 }
 
-bool prepareInterface()
-{
-    constexpr long version = 3;
-    interfaceParts.version = PyLong_FromLong(version);
-    return interfaceParts.version && intern(keyNames, interfaceParts.keys) &&
-           intern(typeNames, interfaceParts.typestrs);
-}
-
 template<typename... Integers>
 PyRef tupleOf(Integers... integers)
 {
@@ -100,9 +92,9 @@ PyRef tupleOf(Integers... integers)
     return tuple && (append(number(integers)) && ...) ? std::move(tuple) : PyRef();
 }
 
-PyObject* arrayInterface(const Source& from)
+/// A new dictionary; null with an error set on failure.
+PyRef makeInterface(const SxPicBuf& buffer)
 {
-    const SxPicBuf& buffer = *from.buffer;
     const int width = int(buffer.width);
     const int height = int(buffer.height);
     const int channels = int(buffer.channels);
@@ -117,16 +109,60 @@ PyObject* arrayInterface(const Source& from)
     const PyRef strides = isFlat ? tupleOf(pixelBytes, stride) : tupleOf(pixelBytes, stride, pixelBytes / channels);
     PyRef dictionary = PyRef::take(PyDict_New());
     if (!shape || !data || !strides || !dictionary)
-        return nullptr;
+        return {};
     // An unknown type has no string.
     PyObject* const typestr = type < typeNames.size() ? interfaceParts.typestrs[type] : Py_None;
     const std::array<PyObject*, KeyCount> values = {shape.get(), typestr, data.get(), strides.get(),
                                                     interfaceParts.version};
     for (std::size_t i = 0; i < KeyCount; ++i) {
         if (PyDict_SetItem(dictionary.get(), interfaceParts.keys[i], values[i]) != 0)
-            return nullptr;
+            return {};
     }
-    return dictionary.release();
+    return dictionary;
+}
+
+/// All that an array interface tells of a buffer.
+struct Described {
+    const std::uint8_t* data = nullptr;
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::uint32_t lineStride = 0;
+    std::uint32_t channels = 0;
+    ExImageDataType type = ExImageDataType::None;
+
+    bool operator==(const Described&) const = default;
+};
+
+/// The interface that was asked for last. A copy of it is quicker than a new one, and the next question is often about
+/// the same image. Scripts get only copies, which share nothing that can be changed.
+struct LastInterface {
+    Described of;
+    PyObject* dictionary; ///< belongs to the running interpreter; null at first
+};
+LastInterface lastInterface{};
+
+bool prepareInterface()
+{
+    constexpr long version = 3;
+    lastInterface.dictionary = nullptr;
+    interfaceParts.version = PyLong_FromLong(version);
+    return interfaceParts.version && intern(keyNames, interfaceParts.keys) &&
+           intern(typeNames, interfaceParts.typestrs);
+}
+
+PyObject* arrayInterface(const Source& from)
+{
+    const SxPicBuf& buffer = *from.buffer;
+    const Described asked = {buffer.data,       buffer.width,    buffer.height,
+                             buffer.lineStride, buffer.channels, buffer.dataType};
+    if (!lastInterface.dictionary || lastInterface.of != asked) {
+        PyRef made = makeInterface(buffer);
+        if (!made)
+            return nullptr;
+        const PyRef before = PyRef::take(std::exchange(lastInterface.dictionary, made.release()));
+        lastInterface.of = asked;
+    }
+    return PyDict_Copy(lastInterface.dictionary);
 }
 
 constexpr Attribute attributes[] = {

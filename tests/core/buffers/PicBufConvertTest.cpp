@@ -39,6 +39,45 @@ TEST(PicBufConvert, KeepsValuesAndClipsThemToTheType)
     }
 }
 
+TEST(PicBufConvert, KeepsIntegersAtTheEdgesOfTheType)
+{
+    for (const ExImageDataType from : numberTypes()) {
+        for (const ExImageDataType to : numberTypes()) {
+            if (isFloating(from) || isFloating(to))
+                continue;
+            SCOPED_TRACE(typeName(from) + " to " + typeName(to));
+            // One value at an edge among values that fit, at the start, within and at the end of a row.
+            for (const long double edge : {typeMin(to), typeMax(to), typeMin(from), typeMax(from), -1.0L, 0.0L}) {
+                for (int step = -1; step <= 1; ++step) {
+                    const long double value = edge + static_cast<long double>(step);
+                    if (value < typeMin(from) || value > typeMax(from))
+                        continue;
+                    for (const std::size_t at : {std::size_t(0), std::size_t(20), std::size_t(66)}) {
+                        BufferShape shape{67, 2, 1, from, 3};
+                        TestPicBuf source(shape);
+                        for (unsigned y = 0; y < 2; ++y)
+                            for (std::size_t i = 0; i < source.values(); ++i)
+                                source.setBits(i, y, (i + y) % 100);
+                        source.setBits(at, 1,
+                                       value < 0 ? static_cast<std::uint64_t>(static_cast<std::int64_t>(value))
+                                                 : static_cast<std::uint64_t>(value));
+                        ASSERT_EQ(valueAt(source.record, at, 1), value);
+                        shape.type = to;
+                        TestPicBuf target(shape);
+                        ASSERT_TRUE(CxPicBufAPI::ConvertPicToDifBpc(source.record, target.record, false));
+                        EXPECT_TRUE(target.onlyPixelsWritten());
+                        for (unsigned y = 0; y < 2; ++y)
+                            for (std::size_t i = 0; i < source.values(); ++i)
+                                ASSERT_EQ(valueAt(target.record, i, y),
+                                          clamped(valueAt(source.record, i, y), typeMin(to), typeMax(to)))
+                                    << value << " at " << at << ", result " << i;
+                    }
+                }
+            }
+        }
+    }
+}
+
 TEST(PicBufConvert, ScalesFullScaleToFullScale)
 {
     std::mt19937_64 random(3);

@@ -31,6 +31,29 @@ TEST_F(ArrayInterface, OfAMonoImageHasTwoAxesXFirst)
                   ", 0), 'strides': (2, 48), 'version': 3}");
 }
 
+TEST_F(ArrayInterface, IsADictionaryOfItsOwnThatFollowsTheImage)
+{
+    const auto image = makeImage(imageInfo(10, 7, 1, ExImageDataType::UInt16, 48));
+    publish("img", *image);
+    EXPECT_EQ(value("(lambda a, b: (a is b, a.clear(), b['shape']))(img.__array_interface__, img.__array_interface__)"),
+              "(False, None, (10, 7))");
+    EXPECT_EQ(value("list(img.__array_interface__)"), "['shape', 'typestr', 'data', 'strides', 'version']");
+    SxPicBuf* const buffer = image->picBuf();
+    buffer->height = 6;
+    EXPECT_EQ(value("img.__array_interface__['shape']"), "(10, 6)");
+    buffer->width = 9;
+    EXPECT_EQ(value("img.__array_interface__['shape']"), "(9, 6)");
+    buffer->lineStride = 44;
+    EXPECT_EQ(value("img.__array_interface__['strides']"), "(2, 44)");
+    buffer->dataType = ExImageDataType::Int16;
+    EXPECT_EQ(value("img.__array_interface__['typestr']"), "'|i2'");
+    buffer->channels = 2;
+    EXPECT_EQ(value("img.__array_interface__['shape']"), "(9, 6, 2)");
+    ++buffer->data;
+    EXPECT_EQ(value("img.__array_interface__['data'][0] == img.bp"), "True");
+    --buffer->data;
+}
+
 TEST_F(ArrayInterface, OfPackedColourHasTwoAxesWhateverTheChannels)
 {
     for (const unsigned channels : {1U, 3U}) {
