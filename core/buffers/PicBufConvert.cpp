@@ -118,11 +118,52 @@ void scaleByFactor(const std::uint8_t* in, std::uint8_t* out, std::size_t count,
     });
 }
 
+/// Scales floating values to bytes in single precision, as far as the result is surely that of double precision: for
+/// that, no product may be near the middle between two integers. Returns whether all results are sure.
+///
+/// Factor and product are each rounded once, so a product of up to 255 is wrong by less than 255 * 2 ^ -23, which is
+/// less than 2 ^ -14.
+bool scaleSurely(const std::uint8_t* in, std::uint8_t* out, std::size_t count, float factor, float highest)
+{
+    int unsure = 0;
+    int* const result = &unsure;
+    inWidestVectors([=]() VANTREL_PIXEL_LOOP {
+        constexpr float shift = 8388608.0F; // 2 to the power 23: the sum has no bits left for a fraction
+        constexpr float sure = 0.5F - 1.0F / 16384.0F;
+        int found = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            float value = loadValue<float>(in, i) * factor;
+            value = value > 0 ? value : 0; // also what not-a-number becomes
+            value = value < highest ? value : highest;
+            const float shifted = value + shift;
+            found |= std::fabs(value - (shifted - shift)) > sure ? 1 : 0;
+            out[i] = static_cast<std::uint8_t>(std::bit_cast<std::uint32_t>(shifted));
+        }
+        *result = found;
+    });
+    return unsure == 0;
+}
+
+void scaleFloatsToBytes(const std::uint8_t* in, std::uint8_t* out, std::size_t count, double factor, double highest)
+{
+    constexpr std::size_t together = 512; // few enough that most runs are sure
+    constexpr double largest = 1e30;      // a finite float, as is the reciprocal
+    const bool fits = factor < largest && factor > 1 / largest;
+    for (std::size_t i = 0; i < count; i += together) {
+        const std::size_t part = std::min(together, count - i);
+        const std::uint8_t* const values = in + i * sizeof(float);
+        if (!fits || !scaleSurely(values, out + i, part, float(factor), float(highest)))
+            scaleByFactor<std::uint8_t, float>(values, out + i, part, factor, highest);
+    }
+}
+
 template<typename D, typename S>
 void scaleRow(const std::uint8_t* in, std::uint8_t* out, std::size_t count, long double full, long double highest)
 {
     if constexpr (std::is_unsigned_v<S> && std::is_unsigned_v<D> && sizeof(S) <= 2 && sizeof(D) <= 2) {
         scaleSmallValues<D, S>(in, out, count, std::uint32_t(full), std::uint32_t(highest));
+    } else if constexpr (std::is_same_v<S, float> && std::is_same_v<D, std::uint8_t>) {
+        scaleFloatsToBytes(in, out, count, static_cast<double>(highest / full), static_cast<double>(highest));
     } else {
         using W = Wide<S, D>;
         scaleByFactor<D, S>(in, out, count, static_cast<W>(highest / full), static_cast<W>(highest));

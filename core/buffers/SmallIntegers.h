@@ -33,7 +33,8 @@ public:
     {
         constexpr std::int64_t limit = 1 << 18;
         const std::int64_t magnitude = std::min(limit, divisor < 0 ? -std::int64_t(divisor) : divisor);
-        m_half = float(magnitude / 2) + 0.5F;
+        const std::int64_t half = magnitude / 2; // rounded down
+        m_half = float(half) + 0.5F;
         m_reciprocal = 1.0F / float(divisor < 0 ? -magnitude : magnitude);
         if (std::is_unsigned_v<T> && divisor < 0)
             m_reciprocal = 0; // every quotient saturates at 0
@@ -67,7 +68,7 @@ private:
 /// of 1 / d, since n * d is below 2 ^ (16 + k): n is at most 1021, and d at most 2 ^ (k + 1).
 inline void divideBytes(std::uint8_t* values, std::size_t count, unsigned divisor)
 {
-    const auto k = unsigned(std::bit_width(2 * divisor - 1) - 1);
+    const auto k = unsigned(std::bit_width(divisor - 1));
     const auto multiplier = static_cast<std::uint16_t>(((1U << (16 + k)) + 2 * divisor - 1) / (2 * divisor));
     const auto downByK = static_cast<std::uint16_t>(65536U >> k);
     const auto addend = static_cast<std::uint16_t>(divisor);
@@ -96,7 +97,7 @@ inline void divideWords(std::uint8_t* values, std::size_t count, unsigned diviso
 {
     const auto k = unsigned(std::bit_width(divisor - 1));
     const auto multiplier = static_cast<std::uint16_t>(((std::uint64_t(1) << (16 + k)) + divisor - 1) / divisor);
-    const auto downByRest = static_cast<std::uint16_t>(65536U >> (k - 1));
+    const auto downByRest = static_cast<std::uint16_t>(131072U >> k);
     const auto by = static_cast<std::uint16_t>(divisor);
     const auto half = static_cast<std::uint16_t>(divisor - divisor / 2);
     inWidestVectors([=]() VANTREL_PIXEL_LOOP {
@@ -168,8 +169,8 @@ void scaleInParts(const std::uint8_t* in, std::uint8_t* out, std::size_t count, 
     inWidestVectors([=, top = static_cast<S>(full), whole = std::int32_t(factor)]() VANTREL_PIXEL_LOOP {
         for (std::size_t i = 0; i < count; ++i) {
             const std::int32_t value = std::min(loadValue<S>(in, i), top);
-            const auto part = static_cast<std::int32_t>(float(value) * fraction + 0.5F);
-            storeValue(out, i, static_cast<D>(value * whole + part));
+            const float part = float(value) * fraction + 0.5F;
+            storeValue(out, i, static_cast<D>(value * whole + static_cast<std::int32_t>(part)));
         }
     });
 }

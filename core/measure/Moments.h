@@ -27,7 +27,7 @@ Moments<T> momentsOf(const std::uint8_t* values, std::size_t count, MomentSum<T>
 /// The moments of some neighbouring columns at once: each the same to the last bit as momentsOf() gives for a column.
 template<typename T>
 struct ColumnMoments {
-    static constexpr std::size_t columns = 64 / sizeof(T);
+    static constexpr std::size_t columns = 256 / sizeof(T); // four cache lines of each row
 
     std::array<MomentSum<T>, columns> bases;
     std::array<T, columns> least;    ///< the minimum so far, then the minimum

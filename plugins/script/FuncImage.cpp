@@ -204,8 +204,8 @@ static PyObject* fx_pyimg_GetImageDataNumpy(PyObject* self, PyObject* args)
     OwnedPicBuf swapped;
     if (!fx_img_allocateResult(swapped, *buffer))
         return fx_raise("Cannot allocate image");
-    const bool copied = CxPicBufAPI::CopyPicBuf(swapped.buffer, *buffer, true);
-    fx_img_clearAllBut(swapped.buffer, copied ? buffer->width : 0, copied ? buffer->height : 0);
+    fx_img_fillCorner(swapped.buffer, buffer->width, buffer->height,
+                      [&] { return CxPicBufAPI::CopyPicBuf(swapped.buffer, *buffer, true); });
     CxPicBufAPI::SwapRedAndBlue(swapped.buffer);
     auto image = std::make_unique<CxImageData>();
     image->setPicBuf(swapped.buffer);

@@ -50,11 +50,21 @@ PyObject* fx_pyimg_DrawPixelRect(PyObject* self, PyObject* args);
 // ---- operations: ImageOperations.cpp ----
 
 /// Allocates the pixels of an operation's result. Asks the host for cleared memory, but leaves the clearing to the
-/// caller if the host can do that: fill the pixels, then call fx_img_clearAllBut(). Returns what the host returns.
+/// caller if the host can do that: use fx_img_fillCorner(). Returns what the host returns.
 bool fx_img_allocateResult(OwnedPicBuf& result, const SxPicBufInfo& info);
 
 /// Clears the memory of a buffer, line padding included, except for the pixels of its top left corner.
 void fx_img_clearAllBut(SxPicBuf& buffer, std::uint32_t width, std::uint32_t height);
+
+/// Runs an operation that fills the top left corner of a result and returns true, or refuses and returns false. Clears
+/// the rest. Does so first: then the padding is in the processor's cache when the pixels beside it are written.
+template<typename Operation>
+void fx_img_fillCorner(SxPicBuf& result, std::uint32_t width, std::uint32_t height, Operation operation)
+{
+    fx_img_clearAllBut(result, width, height);
+    if (!operation())
+        fx_img_clearAllBut(result, 0, 0);
+}
 
 PyObject* fx_pyimg_ToRgb(PyObject* self, PyObject* args);
 PyObject* fx_pyimg_ExtractChannel(PyObject* self, PyObject* args);

@@ -28,10 +28,11 @@ bool allocateResult(OwnedPicBuf& result, SxPicBufInfo info)
     return result.buffer.data != nullptr;
 }
 
-// Clears what an operation has left as it was: the padding if it has written all pixels, otherwise everything.
-void clearUnfilled(SxPicBuf& result, bool filled)
+// Runs an operation that fills all pixels of a result, or refuses.
+template<typename Operation>
+void fill(OwnedPicBuf& result, Operation operation)
 {
-    fx_img_clearAllBut(result, filled ? result.width : 0, filled ? result.height : 0);
+    fx_img_fillCorner(result.buffer, result.buffer.width, result.buffer.height, operation);
 }
 
 // How much of a side from a start on lies within a size.
@@ -96,7 +97,7 @@ PyObject* fx_pyimg_ToRgb(PyObject* self, PyObject* /*args*/)
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;
-    clearUnfilled(result.buffer, CxPicBufAPI::ConvertPicToRGB(*source, result.buffer));
+    fill(result, [&] { return CxPicBufAPI::ConvertPicToRGB(*source, result.buffer); });
     return newImage(result);
 }
 
@@ -116,7 +117,7 @@ PyObject* fx_pyimg_ExtractChannel(PyObject* self, PyObject* args)
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;
-    clearUnfilled(result.buffer, CxPicBufAPI::ExtractChannel(*source, result.buffer, unsigned(channel)));
+    fill(result, [&] { return CxPicBufAPI::ExtractChannel(*source, result.buffer, unsigned(channel)); });
     return newImage(result);
 }
 
@@ -137,7 +138,7 @@ PyObject* fx_pyimg_ConvertBpc(PyObject* self, PyObject* args)
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;
-    clearUnfilled(result.buffer, CxPicBufAPI::ConvertPicToDifBpc(*source, result.buffer, scale != 0));
+    fill(result, [&] { return CxPicBufAPI::ConvertPicToDifBpc(*source, result.buffer, scale != 0); });
     if (!CxPicBufAPI::CheckPicValidData(result.buffer))
         return fx_raise("new image contained values over max bpc");
     return newImage(result);
@@ -169,10 +170,11 @@ PyObject* fx_pyimg_Crop(PyObject* self, PyObject* args)
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;
-    const bool copied =
-        CxPicBufAPI::CopyRect(result.buffer, 0, 0, *source, unsigned(x), unsigned(y), info.width, info.height);
-    fx_img_clearAllBut(result.buffer, copied ? within(source->width, unsigned(x), info.width) : 0,
-                       copied ? within(source->height, unsigned(y), info.height) : 0);
+    fx_img_fillCorner(result.buffer, within(source->width, unsigned(x), info.width),
+                      within(source->height, unsigned(y), info.height), [&] {
+                          return CxPicBufAPI::CopyRect(result.buffer, 0, 0, *source, unsigned(x), unsigned(y),
+                                                       info.width, info.height);
+                      });
     return newImage(result);
 }
 
@@ -195,10 +197,11 @@ PyObject* fx_pyimg_Resize(PyObject* self, PyObject* args)
     OwnedPicBuf result;
     if (!allocateResult(result, info))
         return nullptr;
-    clearUnfilled(result.buffer, CxPicBufAPI::ResizeRect(*source, unsigned(x), unsigned(y),
-                                                         width == 0 ? source->width : unsigned(width),
-                                                         height == 0 ? source->height : unsigned(height), result.buffer,
-                                                         0, 0, info.width, info.height));
+    fill(result, [&] {
+        return CxPicBufAPI::ResizeRect(*source, unsigned(x), unsigned(y), width == 0 ? source->width : unsigned(width),
+                                       height == 0 ? source->height : unsigned(height), result.buffer, 0, 0, info.width,
+                                       info.height);
+    });
     return newImage(result);
 }
 

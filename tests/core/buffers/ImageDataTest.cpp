@@ -1,12 +1,17 @@
 #include "CxImageData.h"
 #include "CxPicBufAPI.h"
+#include "OwnedPicBuf.h"
+#include "UnclearedAllocations.h"
 
 #include <QtCore/QThread>
 
 #include <gtest/gtest.h>
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <memory>
+#include <thread>
 
 namespace {
 
@@ -161,6 +166,32 @@ TEST(PicBufMemory, RefusesSizesThatTheMachineCannotBack)
     SxPicBuf buffer;
     EXPECT_FALSE(CxPicBufAPI::AllocPicBufFromHeap(buffer, info, true, 0));
     EXPECT_EQ(buffer.data, nullptr);
+}
+
+TEST(PicBufMemory, IsClearedUnlessTheThreadLeavesTheClearingToTheCaller)
+{
+    mallopt(M_PERTURB, 0xA5); // memory from the allocator is not clear
+    SxPicBufInfo info;
+    info.width = 60;
+    info.height = 40;
+    info.channels = 1;
+    info.dataType = ExImageDataType::UInt8;
+    const auto isClear = [&info] {
+        OwnedPicBuf pixels;
+        EXPECT_TRUE(CxPicBufAPI::AllocPicBufFromHeap(pixels.buffer, info, false, 0));
+        const std::uint8_t* const bytes = pixels.buffer.data;
+        return std::all_of(bytes, bytes + pixels.buffer.dataSize(), [](std::uint8_t byte) { return byte == 0; });
+    };
+    EXPECT_TRUE(isClear());
+    {
+        const UnclearedAllocations uncleared;
+        EXPECT_FALSE(isClear());
+        bool clearElsewhere = false;
+        std::thread([&] { clearElsewhere = isClear(); }).join();
+        EXPECT_TRUE(clearElsewhere);
+    }
+    EXPECT_TRUE(isClear());
+    mallopt(M_PERTURB, 0);
 }
 
 } // namespace

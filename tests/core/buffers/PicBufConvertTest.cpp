@@ -153,7 +153,7 @@ TEST(PicBufConvert, ScalesSmallTypesExactly)
 TEST(PicBufConvert, FloatsAreScaledInDoublePrecision)
 {
     std::mt19937_64 random(5);
-    for (const float saturation : {0.0F, 1.0F, 4095.0F, 0.3F}) {
+    for (const float saturation : {0.0F, 1.0F, 4095.0F, 0.3F, 1e-38F, 3e38F}) {
         for (const unsigned bpc : {1U, 8U, 12U, 16U, 20U, 32U}) {
             TestPicBuf source({30011, 1, 1, ExImageDataType::Float, 3});
             source.record.saturation = saturation;
@@ -161,12 +161,18 @@ TEST(PicBufConvert, FloatsAreScaledInDoublePrecision)
             const double highest = std::ldexp(1.0, int(bpc)) - 1;
             for (std::size_t i = 0; i < source.values(); ++i) // near halves, within and beyond full scale
                 source.set(i, 0, float((double(random() % 200000) - 50000 + (i % 2 ? 0.5 : 0.0)) * full / highest));
+            for (std::size_t i = 0; i < source.values(); i += 3) // one step beside a half
+                source.set(i, 0, std::nextafter(source.get<float>(i, 0), i % 2 ? 1e30F : -1e30F));
+            for (std::size_t i = 1000; i < 2000; ++i) // any bits, also NaN and infinities
+                source.setBits(i, 0, random());
             TestPicBuf target({30011, 1, 1, SxPicBufInfo::unsignedTypeForBits(bpc), 0, bpc});
             ASSERT_TRUE(CxPicBufAPI::ConvertPicToDifBpc(source.record, target.record, true));
             const auto factor = static_cast<double>(static_cast<long double>(highest) / full);
             for (std::size_t i = 0; i < source.values(); ++i) {
-                const double scaled = std::clamp(double(source.get<float>(i, 0)) * factor, 0.0, highest);
-                ASSERT_EQ(double(valueAt(target.record, i, 0)), std::nearbyint(scaled)) << bpc << ' ' << saturation;
+                const double exact = double(source.get<float>(i, 0)) * factor;
+                const double scaled = exact > 0 ? std::min(exact, highest) : 0;
+                ASSERT_EQ(double(valueAt(target.record, i, 0)), std::nearbyint(scaled))
+                    << source.get<float>(i, 0) << " to " << bpc << " bits, saturation " << saturation;
             }
         }
     }
