@@ -5,6 +5,7 @@
 #include <QtCore/QMutex>
 #include <QtCore/QMutexLocker>
 
+#include <atomic>
 #include <cstdint>
 #include <utility>
 
@@ -17,7 +18,14 @@ struct CxCameraManager::Private {
     mutable QMutex mutex;
     QList<Entry> entries;
     std::uintptr_t lastHandle = 0;
+    std::atomic<std::uint64_t> state = newState(); ///< changes with every change of the entries
 
+    /// A number that no manager has had before.
+    static std::uint64_t newState()
+    {
+        static std::atomic<std::uint64_t> last = 0;
+        return ++last;
+    }
     std::shared_ptr<CxCameraParameters> find(void* camera) const
     {
         const QMutexLocker lock(&mutex);
@@ -36,6 +44,8 @@ thread_local bool threadIsEnding = false;
 struct Lease {
     ~Lease() { threadIsEnding = true; }
     std::shared_ptr<CxCameraParameters> store;
+    void* camera = nullptr;
+    std::uint64_t state = 0; ///< of the manager that the store comes from
 };
 
 } // namespace
@@ -71,13 +81,19 @@ int CxCameraManager::openedCameraCount() const
 
 CxCameraParameters* CxCameraManager::cameraParameters(void* camera) const
 {
+    // Code that runs after the thread's lease is destroyed must not use it.
+    if (threadIsEnding)
+        return camera ? d->find(camera).get() : nullptr;
+    thread_local Lease lease;
+    // Scripts ask for the same camera again and again. While no camera comes or goes, the answer stays.
+    const std::uint64_t state = d->state;
+    if (lease.state == state && lease.camera == camera)
+        return lease.store.get();
     std::shared_ptr<CxCameraParameters> store = camera ? d->find(camera) : nullptr;
     CxCameraParameters* found = store.get();
-    // Code that runs after the thread's lease is destroyed must not use it.
-    if (!threadIsEnding) {
-        thread_local Lease lease;
-        lease.store.swap(store);
-    }
+    lease.camera = camera;
+    lease.state = state;
+    lease.store.swap(store); // the destruction of the old store may run any code
     return found;
 }
 
@@ -93,6 +109,7 @@ void CxCameraManager::addCamera(void* camera, std::shared_ptr<CxCameraParameters
     const QMutexLocker lock(&d->mutex);
     const qsizetype end = d->entries.size();
     d->entries.insert(position < 0 || position > end ? end : position, {camera, std::move(parameters)});
+    d->state = Private::newState();
 }
 
 void CxCameraManager::addCamera(void* camera, CxCameraParameters* parameters, int position)
@@ -108,6 +125,7 @@ void CxCameraManager::removeCamera(void* camera)
     for (qsizetype i = 0; i < d->entries.size(); ++i) {
         if (d->entries[i].camera == camera) {
             removed = d->entries.takeAt(i);
+            d->state = Private::newState();
             return;
         }
     }

@@ -12,6 +12,7 @@
 #include <QtGui/QMouseEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QMdiArea>
 #include <QtWidgets/QMenu>
 #include <QtWidgets/QStatusBar>
 
@@ -301,6 +302,25 @@ TEST(MainWindow, CanGoWhileViewsAreOpen)
         window.views().add(greyPicture(8, 6, 1), QStringLiteral("two"))->closeMdiView();
     }
     EXPECT_EQ(CxImageData::liveCount(), before);
+}
+
+TEST(MainWindow, ShowingItKeepsTheActiveViewAndTheOrderOfActivation)
+{
+    MainWindow window;
+    std::vector<int> ids;
+    for (const char* title : {"one", "two", "three", "four"})
+        ids.push_back(window.views().add(greyPicture(8, 6, 1), QString::fromLatin1(title))->id());
+    window.views().activate(ids[0]);
+    window.views().activate(ids[2]);
+    window.show();
+    settle();
+    EXPECT_EQ(window.views().store().activeId(), ids[2]);
+    EXPECT_EQ(window.views().area()->activeSubWindow(), window.views().view(ids[2]));
+    for (const int next : {ids[0], ids[3], ids[1]}) {
+        window.views().active()->closeMdiView();
+        settle();
+        EXPECT_EQ(window.views().store().activeId(), next);
+    }
 }
 
 TEST(MainWindow, StatusLineTellsTheFormatTheScaleAndThePixel)

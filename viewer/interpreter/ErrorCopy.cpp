@@ -10,10 +10,12 @@ namespace {
 using Object = void; ///< an object of the interpreter
 using Size = std::ptrdiff_t;
 
+using Function = Object*(Object*, Object*);
+
 /// The interpreter's description of a method, which is the same in all versions.
 struct Method {
     const char* name;
-    Object* (*function)(Object*, Object*);
+    Function* function;
     int flags;
     const char* documentation;
 };
@@ -27,9 +29,8 @@ struct Interpreter {
     int (*setAttribute)(Object*, const char*,
                         Object*) = interpreterFunction<int(Object*, const char*, Object*)>("PyObject_SetAttrString");
     Object* (*makeMethod)(Object*, Method*) = interpreterFunction<Object*(Object*, Method*)>("PyDescr_NewMethod");
-    Object* (*call)(Object*, Object*) = interpreterFunction<Object*(Object*, Object*)>("PyObject_CallObject");
-    Object* (*makeTuple)(Size, ...) = interpreterFunction<Object*(Size, ...)>("PyTuple_Pack");
-    Object* (*join)(Object*, Object*) = interpreterFunction<Object*(Object*, Object*)>("PySequence_Concat");
+    Function* (*functionOf)(Object*) = interpreterFunction<Function*(Object*)>("PyCFunction_GetFunction");
+    int (*flagsOf)(Object*) = interpreterFunction<int(Object*)>("PyCFunction_GetFlags");
     Object* (*item)(Object*, Size) = interpreterFunction<Object*(Object*, Size)>("PyTuple_GetItem");
     Object* (*stream)(const char*) = interpreterFunction<Object*(const char*)>("PySys_GetObject");
     Object* (*asBytes)(Object*) = interpreterFunction<Object*(Object*)>("PyUnicode_AsUTF8String");
@@ -37,13 +38,13 @@ struct Interpreter {
 
     bool isThere() const
     {
-        return release && clear && attribute && setAttribute && makeMethod && call && makeTuple && join && item &&
-               stream && asBytes && bytes;
+        return release && clear && attribute && setAttribute && makeMethod && functionOf && flagsOf && item && stream &&
+               asBytes && bytes;
     }
 };
 
 const Interpreter* python = nullptr;
-Object* theWrite = nullptr; ///< the method that was replaced
+Function* theWrite = nullptr; ///< the method that was replaced
 
 void copy(Object* text)
 {
@@ -58,13 +59,9 @@ void copy(Object* text)
 
 Object* writeAndCopy(Object* self, Object* arguments)
 {
-    Object* first = python->makeTuple(1, self);
-    Object* all = first ? python->join(first, arguments) : nullptr;
-    Object* result = all ? python->call(theWrite, all) : nullptr;
+    Object* result = theWrite(self, arguments);
     if (result && python->stream("stderr") == self)
         copy(python->item(arguments, 0));
-    python->release(all);
-    python->release(first);
     return result;
 }
 
@@ -77,7 +74,11 @@ void ErrorCopy::copyWritesOf(void* type) noexcept
     if (!functions.isThere() || theWrite)
         return;
     python = &functions;
-    theWrite = python->attribute(type, "write");
+    // What a script prints comes this way as well, so the function itself is called, without the interpreter.
+    Object* stream = python->stream("stderr");
+    Object* original = stream ? python->attribute(stream, "write") : nullptr;
+    if (original && python->flagsOf(original) == takesTuple)
+        theWrite = python->functionOf(original);
     Object* replacement = theWrite ? python->makeMethod(type, &method) : nullptr;
     if (replacement)
         python->setAttribute(type, "write", replacement);
@@ -85,5 +86,6 @@ void ErrorCopy::copyWritesOf(void* type) noexcept
     if (const auto atEnd = interpreterFunction<int(void (*)())>("Py_AtExit"))
         atEnd(UnwrittenErrors::forget);
     python->clear();
+    python->release(original);
     python->release(replacement);
 }

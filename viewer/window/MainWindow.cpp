@@ -25,6 +25,7 @@ MainWindow::MainWindow()
     createViewMenu();
     createScriptMenu();
     createHelpMenu();
+    m_notifications = new NotificationArea(this);
     m_scriptBar = new ScriptBar(m_stopScript, this);
     addToolBar(m_scriptBar);
     auto* center = new QWidget;
@@ -58,9 +59,10 @@ void MainWindow::showNotification(const QString& text)
 
 void MainWindow::setVisible(bool visible)
 {
-    if (visible)
-        createStatusLine();
-    QMainWindow::setVisible(visible);
+    if (!visible)
+        return QMainWindow::setVisible(false);
+    createStatusLine();
+    m_views.show([this] { QMainWindow::setVisible(true); });
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)

@@ -90,18 +90,18 @@ void MainWindow::createHelpMenu()
     menu->addAction(tr("&About Vantrel"), this, &MainWindow::showAbout);
 }
 
-// Made when it is needed first. A status line measures its font, for which the toolkit lists all fonts of the system: a run
-// without a window need not wait for that.
+// Made when it is needed first. A status line measures its font, for which the toolkit lists all fonts of the system: a
+// run without a window need not wait for that.
 void MainWindow::createStatusLine()
 {
-    if (m_notifications)
+    if (m_pixel)
         return;
     statusBar()->addPermanentWidget(new RecordingStatus(m_views));
     for (QLabel** label : {&m_pixel, &m_zoom, &m_format}) {
         *label = new QLabel;
         statusBar()->addPermanentWidget(*label);
     }
-    m_notifications = new NotificationArea(this, statusBar()->sizeHint().height());
+    m_notifications->setBottomMargin(statusBar()->sizeHint().height());
     connect(m_notifications, &NotificationArea::notificationShown, this, [this](const QString& text) {
         constexpr qsizetype maxLength = 200; // characters: more than a line holds
         statusBar()->showMessage(text.left(maxLength).simplified());

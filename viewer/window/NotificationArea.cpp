@@ -19,9 +19,8 @@ QString shortened(const QString& text)
 
 } // namespace
 
-NotificationArea::NotificationArea(QWidget* parent, int bottomMargin)
+NotificationArea::NotificationArea(QWidget* parent)
     : QLabel(parent)
-    , m_bottomMargin(bottomMargin)
 {
     setObjectName(QStringLiteral("notification"));
     setTextFormat(Qt::PlainText); // texts come from scripts and may look like markup

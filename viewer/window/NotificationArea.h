@@ -10,8 +10,10 @@ class NotificationArea : public QLabel
 {
     Q_OBJECT
 public:
-    /// bottomMargin is the height in pixels that stays free at the parent's lower edge.
-    NotificationArea(QWidget* parent, int bottomMargin);
+    explicit NotificationArea(QWidget* parent);
+
+    /// Sets the height in pixels that stays free at the parent's lower edge.
+    void setBottomMargin(int pixels) { m_bottomMargin = pixels; }
 
     /// Shows the text when its turn comes.
     void add(const QString& text);
@@ -35,7 +37,7 @@ private:
     void showNext();
     void place();
 
-    int m_bottomMargin;
+    int m_bottomMargin = 0;
     QStringList m_waiting;
     QTimer m_timer;
 };

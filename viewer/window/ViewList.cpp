@@ -118,10 +118,23 @@ std::vector<int> ViewList::ids() const
 void ViewList::activate(int id)
 {
     if (ImageView* wanted = view(id)) {
-        // A hidden area activates nothing, but scripts need an active view even then.
+        // Scripts need an active view even where nothing is shown. The area is told only if it is visible: it
+        // deactivates every other view first, which takes the longer the more there are.
         noteActivation(wanted);
-        m_area->setActiveSubWindow(wanted);
+        if (m_area->isVisible())
+            m_area->setActiveSubWindow(wanted);
     }
+}
+
+void ViewList::show(const std::function<void()>& showArea)
+{
+    const bool appears = !m_area->isVisible();
+    // The area activates views in an order of its own when it appears. It has to know ours: when a view is closed, it
+    // activates the one before.
+    const QSignalBlocker blocker(m_area);
+    showArea();
+    for (const int id : appears ? std::vector(m_activations) : std::vector<int>())
+        m_area->setActiveSubWindow(view(id));
 }
 
 void ViewList::tile()

@@ -5,6 +5,7 @@
 #include <QtCore/QObject>
 #include <QtCore/QStringList>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <vector>
@@ -55,6 +56,9 @@ public:
 
     /// Makes a view the active one. An unknown identifier changes nothing.
     void activate(int id);
+
+    /// Shows the area by a function of the caller. The views keep their order of activation.
+    void show(const std::function<void()>& showArea);
 
     void tile();
 

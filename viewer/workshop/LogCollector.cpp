@@ -31,15 +31,22 @@ OutputCollector::Text LogCollector::take()
         records.swap(m_records);
         result.droppedLines = std::exchange(m_dropped, 0);
     }
-    for (const Record& record : records)
-        result.text += line(record);
+    // Most records come in the same second as the one before, and the local time of a second takes long to find.
+    qint64 second = -1;
+    QString clock;
+    for (const Record& record : records) {
+        if (record.time / 1000 != second) {
+            second = record.time / 1000;
+            clock = QDateTime::fromSecsSinceEpoch(second).time().toString(QStringLiteral("HH:mm:ss."));
+        }
+        result.text += line(record, clock);
+    }
     return result;
 }
 
-QString LogCollector::line(const Record& record)
+QString LogCollector::line(const Record& record, const QString& clock)
 {
-    const QTime time = QDateTime::fromMSecsSinceEpoch(record.time).time();
-    QString line = time.toString(QStringLiteral("HH:mm:ss.zzz"));
+    QString line = clock + QString::number(record.time % 1000).rightJustified(3, QLatin1Char('0'));
     line += record.type == QtWarningMsg ? QStringLiteral("  warning   ") : QStringLiteral("  critical  ");
     const QString indentation = QLatin1Char('\n') + QString(line.size(), QLatin1Char(' '));
     line += QString(record.text).replace(QLatin1Char('\n'), indentation);

@@ -33,7 +33,7 @@ private:
         QString text;
     };
 
-    static QString line(const Record& record);
+    static QString line(const Record& record, const QString& clock);
 
     QMutex m_lock;
     std::vector<Record> m_records;

@@ -26,10 +26,11 @@ PyObject* knownNames = nullptr;
 std::deque<CameraAttributeName> parsedNames;
 constexpr std::size_t mostKnownNames = 1000;
 
-/// The meaning of an attribute name. The result is valid until the next call.
+CameraAttributeName unkept; ///< the latest name that was not kept
+
+/// The meaning of an attribute name. Where the result is `unkept`, it is valid until the next call.
 const CameraAttributeName& parsed(PyObject* name)
 {
-    static CameraAttributeName unkept;
     const bool plain = Py_TYPE(name) == &PyUnicode_Type;
     if (plain) {
         if (PyObject* index = PyDict_GetItem(knownNames, name))
@@ -99,8 +100,10 @@ PyObject* fx_pycam_setget_camera_parameter(PyObject* carrier, PyObject* argument
             PyErr_Clear();
             return fx_none();
         }
-        // A copy, since reading and writing run host code, which may call this function again.
-        const CameraAttributeName name = parsed(text);
+        // Reading and writing run host code, which may call this function again, so a name that is not kept is copied.
+        const CameraAttributeName& found = parsed(text);
+        const CameraAttributeName copy = &found == &unkept ? found : CameraAttributeName();
+        const CameraAttributeName& name = &found == &unkept ? copy : found;
         switch (name.action) {
         case Action::Read:
             result = PyRef::take(fx_pycam_get_parameter_helper(self, name.target));

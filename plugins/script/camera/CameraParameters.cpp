@@ -88,7 +88,7 @@ PyObject* fx_pycam_set_parameter_helper(PyObject* self, const QString& name, PyO
     if (!fromPython(object, value))
         return nullptr;
     if (const CxCameraParam* param = parameters->findParam(name, false)) {
-        const CxValue::ExType type = param->paramValue().type();
+        const CxValue::ExType type = param->type(); // that of its current value, without copying the value
         if (type != CxValue::Empty)
             value = value.converted(type);
     }

@@ -62,6 +62,24 @@ TEST_F(CameraManager, AHandleTakenBackStaysUnknown)
     EXPECT_EQ(manager->openedCameraCount(), 0);
 }
 
+TEST_F(CameraManager, TheAnswerFollowsEveryChangeOfTheList)
+{
+    void* camera = manager->newHandle();
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(manager->cameraParameters(camera), nullptr);
+        manager->addCamera(camera, i == 1 ? &second : &first);
+        for (int again = 0; again < 2; ++again)
+            EXPECT_EQ(manager->cameraParameters(camera), i == 1 ? &second : &first);
+        void* other = manager->newHandle();
+        manager->addCamera(other, &second, 0);
+        EXPECT_EQ(manager->cameraParameters(camera), i == 1 ? &second : &first);
+        manager->removeCamera(other);
+        EXPECT_EQ(manager->cameraParameters(other), nullptr);
+        std::thread([&] { manager->removeCamera(camera); }).join();
+    }
+    EXPECT_EQ(manager->cameraParameters(camera), nullptr);
+}
+
 class SharedStore : public CameraManager
 {
 protected:
