@@ -35,8 +35,10 @@ def values(img: vantrel.Image) -> List[float]:
     width, height = img.width // 8, img.height // 8
     left, top = img.width - width - 8, img.height * 3 // 16
     pixels = memoryview(img.get_image_data_raw())
-    formats = {8: "B", 12: "H", 16: "H", 32: "f"}
-    pixels = pixels.cast(formats[img.bpc])
+    if img.bpc == 32:
+        pixels = pixels.cast("f")
+    elif img.bpc > 8:
+        pixels = pixels.cast("H")
     stride = len(pixels) // img.height
     result: List[float] = []
     for y in range(top, top + height):

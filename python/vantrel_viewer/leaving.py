@@ -48,8 +48,9 @@ def leave_child(status: int) -> None:
     if threading:
         threading._shutdown()  # waits for threads
     atexit._run_exitfuncs()
-    for stream in {sys.stdout, sys.stderr, sys.__stdout__, sys.__stderr__} - {None}:
-        stream.flush()
+    for stream in {sys.stdout, sys.stderr, sys.__stdout__, sys.__stderr__}:
+        if stream is not None:
+            stream.flush()
     os._exit(status & 0xFF)
 
 

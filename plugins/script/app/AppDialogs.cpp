@@ -19,9 +19,17 @@ QString textOf(const char* utf8)
     return utf8 ? QString::fromUtf8(utf8) : QString();
 }
 
+QAbstractButton* addButton(QMessageBox& box, const QString& label)
+{
+    // Newer versions of Qt take no button without a label, but a label may be taken away afterwards.
+    QAbstractButton* button = box.addButton(label.isEmpty() ? QStringLiteral(" ") : label, QMessageBox::ActionRole);
+    button->setText(label);
+    return button;
+}
+
 QAbstractButton* addButtonIfNamed(QMessageBox& box, const QString& label)
 {
-    return label.isEmpty() ? nullptr : box.addButton(label, QMessageBox::ActionRole);
+    return label.isEmpty() ? nullptr : addButton(box, label);
 }
 
 /// Shows the box and returns the clicked button. Null if no button was clicked or if the parent deleted the box.
@@ -49,8 +57,8 @@ PyObject* fx_pyapp_MessageBox(PyObject* /*module*/, PyObject* args)
     box->setWindowTitle(textOf(title));
     box->setText(textOf(text));
     // The first button uses its label only if there is a second button.
-    const QAbstractButton* first = secondLabel.isEmpty() ? box->addButton(QMessageBox::Ok)
-                                                         : box->addButton(textOf(label1), QMessageBox::ActionRole);
+    const QAbstractButton* first =
+        secondLabel.isEmpty() ? box->addButton(QMessageBox::Ok) : addButton(*box, textOf(label1));
     const QAbstractButton* second = addButtonIfNamed(*box, secondLabel);
     const QAbstractButton* third = addButtonIfNamed(*box, textOf(label3));
 

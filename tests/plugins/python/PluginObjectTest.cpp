@@ -27,7 +27,7 @@ TEST_F(PluginObject, IsDescribedByItsMetadataWithoutAJsonFile)
     EXPECT_EQ(data.value(QStringLiteral("IID")).toString().toStdString(), "com.tesmo.Vantrel.CxPythonScriptPlugin");
     EXPECT_EQ(data.value(QStringLiteral("className")).toString().toStdString(), "CxPythonScriptPlugin");
     EXPECT_TRUE(data.value(QStringLiteral("MetaData")).toObject().isEmpty());
-    EXPECT_EQ(data.value(QStringLiteral("version")).toInt() & 0xffff00, 0x060400);
+    EXPECT_EQ(data.value(QStringLiteral("version")).toInt() & 0xffff00, QT_VERSION & 0xffff00);
 }
 
 TEST_F(PluginObject, IsFoundByItsInterface)

@@ -103,7 +103,12 @@ TEST_F(StartOrder, IsRepeatedByTheNextRunAfterInit)
     EXPECT_TRUE(plugin->init());
     InterpreterSpy::calls.clear();
     EXPECT_EQ(runNoted("x = 1").toStdString(), "");
-    EXPECT_EQ(InterpreterSpy::calls, start() + script("x = 1")) << InterpreterSpy::calls.join(u'\n').toStdString();
+    QStringList expected = start();
+    // From 3.12 on the table of modules cannot grow while there is an interpreter. It has the modules already.
+    if (TestSettings::isPythonAtLeast3(12))
+        expected.removeIf(
+            [](const QString& call) { return call.startsWith(QStringLiteral("PyImport_AppendInittab")); });
+    EXPECT_EQ(InterpreterSpy::calls, expected + script("x = 1")) << InterpreterSpy::calls.join(u'\n').toStdString();
 }
 
 TEST_F(StartOrder, TouchesNothingBeforeTheFirstRun)

@@ -5,6 +5,7 @@
 #include "ScriptModule.h"
 #include "support/FakeHost.h"
 #include "support/HostContext.h"
+#include "support/InterpreterThread.h"
 #include "support/TestSettings.h"
 
 #include <QtCore/QStringList>
@@ -25,6 +26,7 @@ protected:
     ~InsideTest() override
     {
         plugin.reset();
+        thread.reset();
         g_pScriptPlugin = nullptr;
     }
     InsideTest(const InsideTest&) = delete;
@@ -33,11 +35,21 @@ protected:
     QString run(const char* script, const QString& home = TestSettings::pythonHome)
     {
         output.clear();
-        return plugin->runScript(QString::fromUtf8(script), &environment, home, nullptr, nullptr,
-                                 [](const QString& text, bool) { output += text; });
+        QString result = plugin->runScript(QString::fromUtf8(script), &environment, home, nullptr, nullptr,
+                                           [](const QString& text, bool) { output += text; });
+        useInterpreter();
+        return result;
+    }
+
+    /// Lets the test itself use the interpreter once it runs.
+    void useInterpreter()
+    {
+        if (!thread)
+            thread = std::make_unique<InterpreterThread>();
     }
 
     static inline QString output;
+    std::unique_ptr<InterpreterThread> thread;
     FakeEnvironment environment;
     FakeDelegate delegate;
     std::unique_ptr<CxPythonScriptPlugin> plugin = std::make_unique<CxPythonScriptPlugin>();

@@ -7,6 +7,7 @@
 #include "support/FakeCameraDevice.h"
 #include "support/FakeHost.h"
 #include "support/HostContext.h"
+#include "support/InterpreterThread.h"
 #include "support/PyRef.h"
 #include "support/TestSettings.h"
 
@@ -48,12 +49,14 @@ protected:
         manager->addCamera(handle, parameters.get());
         plugin->init();
         run("");
+        thread = std::make_unique<InterpreterThread>();
         writes.clear();
         statusToGive = 0;
     }
     ~CameraInside() override
     {
         plugin.reset();
+        thread.reset();
         g_pScriptPlugin = nullptr;
         manager->removeCamera(handle);
     }
@@ -84,6 +87,7 @@ protected:
     void* handle = manager->newHandle();
     FakeEnvironment environment;
     FakeDelegate delegate;
+    std::unique_ptr<InterpreterThread> thread; ///< lets the test itself use the interpreter
     std::unique_ptr<CxPythonScriptPlugin> plugin = std::make_unique<CxPythonScriptPlugin>();
 };
 

@@ -3,6 +3,8 @@
 #include "DrawnGraph.h"
 #include "graph/PlotLibrary.h"
 
+#include <QtCore/QLibraryInfo>
+#include <QtCore/QVersionNumber>
 #include <QtGui/QImage>
 
 #include <cstdlib>
@@ -39,6 +41,13 @@ inline QImage barePicture(const CxGraphData& graph, int width, int height, unsig
     painter.end();
     image.rgbSwap();
     return image;
+}
+
+/// By how many grey levels a line may differ from that of the bare library. Lines are rounded as the painter of Qt 6.4
+/// rounds them. Newer painters round the places where edges cross rows of pixels otherwise.
+inline int allowedDifference()
+{
+    return QLibraryInfo::version() < QVersionNumber(6, 5) ? 0 : 2;
 }
 
 struct Difference {

@@ -72,8 +72,8 @@ TEST(GraphFarLines, LookAsTheBareLibraryDrawsThem)
         const int width = int(random.between(100, 800));
         const int height = int(random.between(100, 600));
         const Difference found = differenceFromBarePlot(graph, width, height, random.between(0, 1) < 0.5 ? 3 : 4);
-        EXPECT_EQ(found.bytes, 0) << "graph " << seed << ", at most " << found.largest << " grey levels, "
-                                  << graph.series[0].points.size() << " points";
+        EXPECT_LE(found.largest, allowedDifference()) << "graph " << seed << ", at most " << found.largest
+                                                      << " grey levels, " << graph.series[0].points.size() << " points";
     }
 }
 

@@ -84,7 +84,8 @@ TEST(GraphRandom, LooksAsTheBareLibraryDrawsIt)
         const QSize size = random.size();
         const unsigned channels = random.chance(0.5) ? 3 : 4;
         const Difference found = differenceFromBarePlot(graph, size.width(), size.height(), channels);
-        EXPECT_EQ(found.bytes, 0) << "graph " << seed << ", at most " << found.largest << " grey levels";
+        EXPECT_LE(found.largest, allowedDifference())
+            << "graph " << seed << ", at most " << found.largest << " grey levels";
     }
 }
 

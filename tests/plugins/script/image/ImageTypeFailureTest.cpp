@@ -4,6 +4,7 @@
 #include "ScriptModule.h"
 #include "image/ImageObject.h"
 #include "support/FakeHost.h"
+#include "support/InterpreterThread.h"
 #include "support/NativeGuard.h"
 #include "support/TestSettings.h"
 
@@ -125,6 +126,7 @@ TEST_F(ImageTypeFailure, ATypeThatCannotBeAddedIsMissingAndNothingElse)
 TEST_F(ImageTypeFailure, TypeAddReturnsWhetherTheTypeWasAddedAndKeepsItsReferencesInBalance)
 {
     run("");
+    const InterpreterThread thread;
     auto* type = reinterpret_cast<PyObject*>(TxPyImageType);
     PyObject* module = PyImport_AddModule("vantrel");
     const Py_ssize_t before = Py_REFCNT(type);
