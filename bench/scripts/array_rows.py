@@ -101,7 +101,7 @@ def time_as_array():
     report(task, "1.5 us", 1.0, [seconds / goal for seconds in times], statistics.median(times), goal)
 
 
-group("arrays and memory")
+group("Arrays and memory")
 memory_of_allocations()
 compare("from_array, 8 bit", "a.copy()", 1.05, lambda: from_array("u1", 255))
 compare("from_array, 12 bit in 16", "a.copy()", 1.6, lambda: from_array("u2", 4095))

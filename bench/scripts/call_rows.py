@@ -69,7 +69,7 @@ def seconds_to_open(number):
     return sorted(times)
 
 
-pairs.group("calls")
+pairs.group("Calls")
 pairs.compare("get_width()", "[].clear()", 6, get_width)
 pairs.compare("set_exposure", "the same call on a Python object", 4, set_exposure)
 if pairs.wanted("open a view, 200 open"):

@@ -57,7 +57,7 @@ def loading_beside_pillow(read):
     return prepare
 
 
-pairs.group("files")
+pairs.group("Files")
 for name, *form in FORMATS:
     pairs.compare(f"save {name}", "cv2.imwrite", 1.1, lambda form=form: saving(*form))
     pairs.compare(f"load {name}", "cv2.imread", 1.1, lambda form=form: loading(*form))

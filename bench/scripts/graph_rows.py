@@ -90,7 +90,7 @@ def zoomed(points, far):
 
 
 PEER = "Matplotlib Agg"
-pairs.group("graphs")
+pairs.group("Graphs")
 pairs.compare("draw 10 x 10,000 smooth", PEER, 0.5, lambda: drawing(smooth(10, 10_000)))
 pairs.compare("draw 1 x 1,000,000 smooth", PEER, 0.5, lambda: drawing(smooth(1, 1_000_000)), turns=9)
 pairs.compare("draw 100 x 1000 smooth", PEER, 0.5, lambda: drawing(smooth(100, 1000)), turns=9)

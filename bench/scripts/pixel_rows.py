@@ -35,7 +35,7 @@ UNIT = gradient("f4", 65535) / numpy.float32(65535)
 
 
 def single_pixels():
-    group("single pixels and lines")
+    group("Single pixels and lines")
 
     def get():
         method, pillow = image_of(GREY8).get_pixel_value, PillowImage.fromarray(GREY8).getpixel
@@ -68,7 +68,7 @@ def single_pixels():
 
 
 def conversions():
-    group("conversions")
+    group("Conversions")
     compare("to_rgb, 8 bit", "cv2.cvtColor", 1.0,
             lambda: (image_of(GREY8).to_rgb, lambda: cv2.cvtColor(GREY8, cv2.COLOR_GRAY2BGRA)))
     compare("to_rgb, 3 x 8 bit", "cv2.cvtColor", 1.0,
@@ -103,7 +103,7 @@ def conversions():
 
 
 def arithmetic():
-    group("arithmetic")
+    group("Arithmetic")
     for name, a in (("8 bit", GREY8), ("3 x 8 bit", COLOUR8), ("12 bit in 16", GREY12), ("16 bit", GREY16),
                     ("float", UNIT)):
 
@@ -131,7 +131,7 @@ def arithmetic():
 
 
 def geometry():
-    group("geometry")
+    group("Geometry")
     for name, a in (("8 bit", GREY8), ("12 bit in 16", GREY12), ("3 x 8 bit", COLOUR8)):
 
         def crop(x, y, w, h):
@@ -149,7 +149,7 @@ def geometry():
 
 
 def measuring():
-    group("measuring")
+    group("Measuring")
     for name, a in (("8 bit", GREY8), ("12 bit in 16", GREY12), ("float", UNIT)):
 
         def opencv():

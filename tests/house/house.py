@@ -25,6 +25,7 @@ ARROWS = {
     "core/codecs": ["core/modules"],
     "core/files": ["core/buffers", "core/codecs", "core/storage"],
     "core/measure": ["core/buffers"],
+    "core/memory": ["core/buffers"],
     "core/modules": [],
     "core/storage": [],
     "cameras": ["cameras/simulated"],

@@ -3,7 +3,7 @@
 #include "CxPicBufAPI.h"
 
 #include "LargeBlocks.h"
-#include "PicBufChecks.h"
+#include "buffers/PicBufChecks.h"
 #include "UnclearedAllocations.h"
 
 #include <QtCore/QFile>
