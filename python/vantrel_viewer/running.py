@@ -31,7 +31,7 @@ def run_file(file: str, shown: str, arguments: List[str], stays: bool, outcome: 
     """
     def execute() -> None:
         namespace.update(__file__=file, __cached__=None, __loader__=modules.loader(file))
-        with stack.full_depth(sys._getframe(2)):
+        with stack.full_depth(sys._getframe()):
             errors.execute(file, namespace)
 
     ctypes.c_int.from_address(outcome).value = _run(execute, file, [shown, *arguments], ends.report, stays, namespace)
@@ -48,7 +48,7 @@ def run_text(text: str, title: str, file: str, stays: bool, outcome: int, namesp
 
     def execute() -> None:
         namespace.update(__file__=file, __cached__=None)
-        with stack.full_depth(sys._getframe(2)):
+        with stack.full_depth(sys._getframe()):
             exec(compile(text, title, "exec", dont_inherit=True), namespace)
 
     # The interpreter's own hook reads the lines of a traceback from files; this one asks linecache.
