@@ -1,7 +1,7 @@
 """Connects signals of the process with the viewer."""
 from __future__ import annotations
 
-import _signal  # type: ignore[import]  # `signal` builds enumerations, which takes long
+import _signal  # `signal` builds enumerations, which takes long
 import ctypes
 
 from . import TYPE_CHECKING

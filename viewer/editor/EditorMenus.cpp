@@ -25,6 +25,14 @@ void edit(EditorDock& dock)
         (page->editor().*function)();
 }
 
+/// Calls a function with the script in front, if there is one.
+template<void (EditorTabs::*function)(EditorPage*, const EditorTabs::Then&)>
+void withPage(EditorDock& dock)
+{
+    if (EditorPage* page = dock.tabs().current())
+        (dock.tabs().*function)(page, {});
+}
+
 } // namespace
 
 QAction* EditorDock::add(const QString& text, const QKeySequence& key, void (EditorDock::*slot)())
@@ -56,22 +64,15 @@ void EditorDock::createActions()
     connect(open, &QAction::triggered, m_tabs, &EditorTabs::askToOpen);
     inToolBar(open);
     m_scriptActions += open;
-    const auto withPage = [this](void (EditorTabs::*function)(EditorPage*, const EditorTabs::Then&)) {
-        return [this, function] {
-            if (EditorPage* page = m_tabs->current())
-                (m_tabs->*function)(page, {});
-        };
+    const auto addFile = [this](const QString& text, const QKeySequence& key, void (*act)(EditorDock&)) {
+        m_scriptActions += addForEditor(text, key, act);
+        return m_scriptActions.last();
     };
-    const auto addFile = [&](const QString& text, const QKeySequence& key, auto function) {
-        QAction* action = addForEditor(text, key, [](EditorDock&) {});
-        connect(action, &QAction::triggered, this, function);
-        m_scriptActions += action;
-        return action;
-    };
-    inToolBar(addFile(tr("&Save Script"), QKeySequence::Save, withPage(&EditorTabs::save)));
-    addFile(tr("Save Script &As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), withPage(&EditorTabs::saveAs));
-    addFile(tr("Save A&ll Scripts"), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_S), [this] { m_tabs->saveAll(); });
-    addFile(tr("&Close Script"), QKeySequence(Qt::CTRL | Qt::Key_W), withPage(&EditorTabs::closePage));
+    inToolBar(addFile(tr("&Save Script"), QKeySequence::Save, withPage<&EditorTabs::save>));
+    addFile(tr("Save Script &As..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_S), withPage<&EditorTabs::saveAs>);
+    addFile(tr("Save A&ll Scripts"), QKeySequence(Qt::CTRL | Qt::ALT | Qt::Key_S),
+            [](EditorDock& dock) { dock.m_tabs->saveAll(); });
+    addFile(tr("&Close Script"), QKeySequence(Qt::CTRL | Qt::Key_W), withPage<&EditorTabs::closePage>);
     m_scriptActions += nullptr;
     QAction* runAction = add(tr("Run E&dited Script"), QKeySequence(Qt::Key_F5), &EditorDock::run);
     runAction->setIconText(tr("Run"));
