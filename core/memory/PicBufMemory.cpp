@@ -3,8 +3,8 @@
 #include "CxPicBufAPI.h"
 
 #include "LargeBlocks.h"
-#include "buffers/PicBufChecks.h"
 #include "UnclearedAllocations.h"
+#include "buffers/PicBufChecks.h"
 
 #include <QtCore/QFile>
 

@@ -55,8 +55,8 @@ TEST_F(RunLikePython, ArgumentsFollowTwoDashes)
 TEST_F(RunLikePython, NamesMayContainSignsOfPercent)
 {
     write("50%5 %1.py", "import sys\nprint(sys.argv)\n");
-    const QStringList arguments = list({"run", "--python-home"}) + QStringList(TestSettings::pythonHome) +
-                                  list({"50%5 %1.py", "--", "%1", "%5"});
+    const QStringList arguments =
+        list({"run", "--python-home"}) + QStringList(TestSettings::pythonHome) + list({"50%5 %1.py", "--", "%1", "%5"});
     const Outcome outcome = call(arguments);
     EXPECT_EQ(outcome.output, "['50%5 %1.py', '%1', '%5']\n") << outcome.errors;
 }

@@ -97,10 +97,10 @@ void ScriptRunner::run(const ScriptJob& job)
             result = prepare(*job.environment);
             if (!job.file.isEmpty())
                 text = PythonSide::callFor(PythonSide::Call{.file = job.file,
-                                            .shownPath = job.shownPath,
-                                            .arguments = job.arguments,
-                                            .stays = m_settings.exitEndsScript,
-                                            .outcome = &outcome});
+                                                            .shownPath = job.shownPath,
+                                                            .arguments = job.arguments,
+                                                            .stays = m_settings.exitEndsScript,
+                                                            .outcome = &outcome});
             else if (!job.title.isEmpty())
                 text = PythonSide::callFor(PythonSide::TextCall{.text = job.text,
                                                                 .title = job.title,

@@ -3,6 +3,7 @@
 #include "CxPicBufAPI.h"
 #include "RowPadding.h"
 #include "SxPicBuf.h"
+#include "UnclearedAllocations.h"
 
 namespace {
 // Whether the bits in use decide the new type. Bytes stay bytes.
@@ -101,9 +102,12 @@ bool fx_img_convertToBestBpc(SxPicBuf& out, SxPicBuf& in)
     if (target.dataType == in.dataType)
         return false;
     target.lineStride = 0;
-    // The conversion writes every pixel, so only the rest needs to be cleared.
-    if (!CxPicBufAPI::AllocPicBufFromHeap(out, target, true, 0))
-        return false;
+    {
+        // The conversion writes every pixel, so only the rest needs to be cleared.
+        const UnclearedAllocations uncleared;
+        if (!CxPicBufAPI::AllocPicBufFromHeap(out, target, false, 0))
+            return false;
+    }
     if (!CxPicBufAPI::ConvertPicToDifBpc(in, out, false)) {
         CxPicBufAPI::FreePicBuf(out, true);
         return false;
