@@ -106,12 +106,11 @@ void EditorDock::run()
 void EditorDock::showRunning(const QString& pathOrTitle)
 {
     const EditorPage* running = pathOrTitle.isEmpty() ? nullptr : m_tabs->find(pathOrTitle);
-    for (EditorPage* page : m_tabs->pages()) {
-        if (page == running)
-            page->editor().removeMarks();
+    if (running)
+        running->editor().removeMarks();
+    for (EditorPage* page : m_tabs->pages())
         if (page->isRunning() != (page == running))
             page->setRunning(page == running);
-    }
 }
 
 void EditorDock::showErrors(const QString& errors)
