@@ -19,7 +19,7 @@ import sys
 HERE = pathlib.Path(__file__).resolve().parent
 DISTRIBUTION_PYTHON = "/usr/bin/python3"
 LIBRARIES = ("numpy", "opencv", "pillow", "matplotlib")
-COLUMNS = "{task:42} {ours:>10}   {peer:32} {peers:>10} {ratio:>7} {span:>13} {goal:>6}  {verdict}"
+COLUMNS = "{task:52} {ours:>10}   {peer:36} {peers:>10} {ratio:>7} {span:>13} {goal:>6}  {verdict}"
 
 
 def cached(build, name):
