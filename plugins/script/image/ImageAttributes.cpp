@@ -59,66 +59,28 @@ double fullScale(const SxPicBufInfo& info)
 constexpr std::array<const char*, 12> typeNames = {"|u8", "|i1", "|u1", "|i2", "|u2", "|i4",
                                                    "|u4", "|i8", "|u8", "|f4", "|f8", "|u2"};
 
-enum Key : std::uint8_t { Shape, Typestr, Data, Strides, Version, KeyCount };
-constexpr std::array<const char*, KeyCount> keyNames = {"shape", "typestr", "data", "strides", "version"};
-
-// The objects that every array interface has in common: made once, because NumPy asks for an interface on each access.
-// They belong to the running interpreter.
-struct InterfaceParts {
-    std::array<PyObject*, KeyCount> keys;
-    std::array<PyObject*, typeNames.size()> typestrs;
-    PyObject* version;
-};
-InterfaceParts interfaceParts{};
-
-template<std::size_t Count>
-bool intern(const std::array<const char*, Count>& texts, std::array<PyObject*, Count>& objects)
-{
-    for (std::size_t i = 0; i < Count; ++i) {
-        objects[i] = PyUnicode_InternFromString(texts[i]);
-        if (!objects[i])
-            return false;
-    }
-    return true;
-}
-
-template<typename... Integers>
-PyRef tupleOf(Integers... integers)
-{
-    PyRef tuple = PyRef::take(PyTuple_New(sizeof...(integers)));
-    Py_ssize_t position = 0;
-    // SetItem takes the reference over, and a missing item is refused.
-    const auto append = [&](PyObject* item) { return item && PyTuple_SetItem(tuple.get(), position++, item) == 0; };
-    return tuple && (append(number(integers)) && ...) ? std::move(tuple) : PyRef();
-}
-
 /// A new dictionary; null with an error set on failure.
 PyRef makeInterface(const SxPicBuf& buffer)
 {
+    const auto type = std::size_t(buffer.dataType);
+    const char* const typestr = type < typeNames.size() ? typeNames[type] : nullptr;
+    const PyRef data = PyRef::take(
+        Py_BuildValue("(Ki)", static_cast<unsigned long long>(reinterpret_cast<std::uintptr_t>(buffer.data)), 0));
+    if (!data)
+        return {};
     const int width = int(buffer.width);
     const int height = int(buffer.height);
     const int channels = int(buffer.channels);
     const int pixelBytes = int(buffer.bytesPerPixel());
     const int stride = int(buffer.lineStride);
-    const bool isFlat = channels <= 1 || buffer.dataType == ExImageDataType::Packed565;
-    const auto type = std::size_t(buffer.dataType);
-
+    constexpr int version = 3;
     // x is the first axis and y the second, as the strides show.
-    const PyRef shape = isFlat ? tupleOf(width, height) : tupleOf(width, height, channels);
-    const PyRef data = tupleOf(std::uint64_t(reinterpret_cast<std::uintptr_t>(buffer.data)), 0);
-    const PyRef strides = isFlat ? tupleOf(pixelBytes, stride) : tupleOf(pixelBytes, stride, pixelBytes / channels);
-    PyRef dictionary = PyRef::take(PyDict_New());
-    if (!shape || !data || !strides || !dictionary)
-        return {};
-    // An unknown type has no string.
-    PyObject* const typestr = type < typeNames.size() ? interfaceParts.typestrs[type] : Py_None;
-    const std::array<PyObject*, KeyCount> values = {shape.get(), typestr, data.get(), strides.get(),
-                                                    interfaceParts.version};
-    for (std::size_t i = 0; i < KeyCount; ++i) {
-        if (PyDict_SetItem(dictionary.get(), interfaceParts.keys[i], values[i]) != 0)
-            return {};
-    }
-    return dictionary;
+    if (channels <= 1 || buffer.dataType == ExImageDataType::Packed565)
+        return PyRef::take(Py_BuildValue("{s:(ii),s:s,s:O,s:(ii),s:i}", "shape", width, height, "typestr", typestr,
+                                         "data", data.get(), "strides", pixelBytes, stride, "version", version));
+    return PyRef::take(Py_BuildValue("{s:(iii),s:s,s:O,s:(iii),s:i}", "shape", width, height, channels, "typestr",
+                                     typestr, "data", data.get(), "strides", pixelBytes, stride, pixelBytes / channels,
+                                     "version", version));
 }
 
 /// All that an array interface tells of a buffer.
@@ -141,15 +103,6 @@ struct LastInterface {
 };
 LastInterface lastInterface{};
 
-bool prepareInterface()
-{
-    constexpr long version = 3;
-    lastInterface.dictionary = nullptr;
-    interfaceParts.version = PyLong_FromLong(version);
-    return interfaceParts.version && intern(keyNames, interfaceParts.keys) &&
-           intern(typeNames, interfaceParts.typestrs);
-}
-
 PyObject* arrayInterface(const Source& from)
 {
     const SxPicBuf& buffer = *from.buffer;
@@ -162,7 +115,9 @@ PyObject* arrayInterface(const Source& from)
         const PyRef before = PyRef::take(std::exchange(lastInterface.dictionary, made.release()));
         lastInterface.of = asked;
     }
-    return PyDict_Copy(lastInterface.dictionary);
+    // Making the copy may run code of a script, which may ask for another interface.
+    const PyRef kept = PyRef::retain(lastInterface.dictionary);
+    return PyDict_Copy(kept.get());
 }
 
 constexpr Attribute attributes[] = {
@@ -258,7 +213,8 @@ bool fx_img_prepareAttributes()
             return false;
     }
     attributeIndex = index.release();
-    return prepareInterface();
+    lastInterface.dictionary = nullptr; // that of an interpreter that has ended
+    return true;
 }
 
 PyObject* fx_pyimg_GetAttrO(PyObject* self, PyObject* name)
