@@ -23,6 +23,27 @@ QToolButton* addButton(QHBoxLayout& row, const QString& text)
     return button;
 }
 
+FindBar::Place beginOfSelection(const ScriptEditor& editor)
+{
+    FindBar::Place begin;
+    FindBar::Place end;
+    if (editor.hasSelectedText())
+        editor.getSelection(&begin.line, &begin.column, &end.line, &end.column);
+    else
+        editor.getCursorPosition(&begin.line, &begin.column);
+    return begin;
+}
+
+FindBar::Place endOfSelection(const ScriptEditor& editor)
+{
+    FindBar::Place begin;
+    FindBar::Place end;
+    if (!editor.hasSelectedText())
+        return beginOfSelection(editor);
+    editor.getSelection(&begin.line, &begin.column, &end.line, &end.column);
+    return end;
+}
+
 } // namespace
 
 FindBar::FindBar(Current current)
@@ -106,25 +127,15 @@ void FindBar::find(bool forward)
         open(m_replaceRow->isVisibleTo(this));
         return;
     }
-    int line = 0;
-    int column = 0;
-    int lastLine = 0;
-    int lastColumn = 0;
-    editor->getCursorPosition(&line, &column);
-    if (editor->hasSelectedText()) {
-        editor->getSelection(&line, &column, &lastLine, &lastColumn);
-        if (forward) {
-            line = lastLine;
-            column = lastColumn;
-        }
-    }
-    findFrom(*editor, line, column, forward, true);
+    const Place from = forward ? endOfSelection(*editor) : beginOfSelection(*editor);
+    findFrom(*editor, from, forward, true);
 }
 
-bool FindBar::findFrom(ScriptEditor& editor, int line, int column, bool forward, bool wraps)
+bool FindBar::findFrom(ScriptEditor& editor, Place from, bool forward, bool wraps)
 {
-    const bool found = editor.findFirst(m_text->text(), m_expression->isChecked(), m_case->isChecked(),
-                                        m_words->isChecked(), wraps, forward, line, column, true, false, true);
+    const bool found =
+        editor.findFirst(m_text->text(), m_expression->isChecked(), m_case->isChecked(), m_words->isChecked(), wraps,
+                         forward, from.line, from.column, true, false, true);
     m_note->setText(found ? QString() : tr("Not found"));
     return found;
 }
@@ -136,14 +147,7 @@ void FindBar::findWhileTyping()
         m_note->clear();
         return;
     }
-    int line = 0;
-    int column = 0;
-    int lastLine = 0;
-    int lastColumn = 0;
-    editor->getCursorPosition(&line, &column);
-    if (editor->hasSelectedText())
-        editor->getSelection(&line, &column, &lastLine, &lastColumn);
-    findFrom(*editor, line, column, true, true);
+    findFrom(*editor, beginOfSelection(*editor), true, true);
 }
 
 void FindBar::replaceOne()
@@ -152,18 +156,8 @@ void FindBar::replaceOne()
     if (!editor || m_text->text().isEmpty())
         return;
     // Only what the search has selected is replaced; a selection of the user's is searched first.
-    int line = 0;
-    int column = 0;
-    int lastLine = 0;
-    int lastColumn = 0;
-    editor->getCursorPosition(&line, &column);
-    if (editor->hasSelectedText())
-        editor->getSelection(&line, &column, &lastLine, &lastColumn);
-    const std::pair<int, int> begin(line, column);
-    if (!findFrom(*editor, line, column, true, true))
-        return;
-    editor->getSelection(&line, &column, &lastLine, &lastColumn);
-    if (begin != std::pair(line, column))
+    const Place begin = beginOfSelection(*editor);
+    if (!findFrom(*editor, begin, true, true) || beginOfSelection(*editor) != begin)
         return; // shows it first
     editor->replace(m_replacement->text());
     find(true);
@@ -177,8 +171,9 @@ void FindBar::replaceAll()
     int count = 0;
     editor->beginUndoAction();
     // Without wrapping, so that a replacement which contains the text is not replaced again.
-    bool found = findFrom(*editor, 0, 0, true, false);
-    while (found) {
+    bool found = findFrom(*editor, {}, true, false);
+    // An expression that finds a place without characters would find it without end.
+    while (found && editor->hasSelectedText()) {
         editor->replace(m_replacement->text());
         ++count;
         found = editor->findNext();

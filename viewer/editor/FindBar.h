@@ -16,6 +16,13 @@ class FindBar : public QWidget
 public:
     using Current = std::function<ScriptEditor*()>;
 
+    /// A place in the text, both counted from 0.
+    struct Place {
+        int line = 0;
+        int column = 0;
+        bool operator==(const Place&) const = default;
+    };
+
     /// `current` returns the editor to search, or null.
     explicit FindBar(Current current);
 
@@ -38,7 +45,7 @@ protected:
 private:
     void open(bool withReplacement);
     void find(bool forward);
-    bool findFrom(ScriptEditor& editor, int line, int column, bool forward, bool wraps);
+    bool findFrom(ScriptEditor& editor, Place from, bool forward, bool wraps);
     void findWhileTyping();
     void leave();
 

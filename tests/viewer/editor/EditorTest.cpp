@@ -10,6 +10,7 @@
 
 #include <QtCore/QDir>
 #include <QtTest/QTest>
+#include <QtWidgets/QCheckBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QLineEdit>
 #include <QtWidgets/QMenuBar>
@@ -389,6 +390,23 @@ TEST_F(Editor, SaysThatATextIsNotThere)
     // An expression that is not complete yet is no error.
     viewer->window().findChild<QLineEdit*>(QStringLiteral("findText"))->setText(QStringLiteral("("));
     press(Qt::Key_Return);
+}
+
+TEST_F(Editor, ReplacingAPlaceWithoutCharactersEnds)
+{
+    begin("alpha\nbeta\n");
+    press(Qt::Key_H, Qt::ControlModifier);
+    for (auto* box : viewer->window().findChildren<QCheckBox*>())
+        if (box->text().contains(QStringLiteral("expression")))
+            box->setChecked(true);
+    for (const char* expression : {"^", "x*", "$"}) {
+        viewer->window().findChild<QLineEdit*>(QStringLiteral("findText"))->setText(QString::fromUtf8(expression));
+        viewer->window().findChild<QLineEdit*>(QStringLiteral("replacementText"))->setText(QStringLiteral("y"));
+        for (auto* button : viewer->window().findChildren<QToolButton*>())
+            if (button->text() == QStringLiteral("Replace All"))
+                button->click();
+    }
+    EXPECT_EQ(editor().text().toStdString(), "alpha\nbeta\n");
 }
 
 TEST_F(Editor, CommentsLinesOutAndIn)
